@@ -1,0 +1,80 @@
+#include "mainwindow.h"
+#include "ui_mainwindow.h"
+
+#include "databasemanager.h"
+#include "look.h"
+
+#include <QMessageBox>
+
+MainWindow::MainWindow(QWidget *parent) : QMainWindow(parent), ui(new Ui::MainWindow)
+{
+    ui->setupUi(this);
+    for (QWidget *button : { ui->pushButtonHome, ui->pushButtonNewEntry, ui->pushButtonHistory,
+                             ui->pushButtonOptions, ui->pushButtonExit })
+        Look::applyButtonFontWeight(button);
+    IsEntryPresentInDatabase = false;
+    ui->stackedWidget->setCurrentIndex(0);
+
+    dbManager = new DatabaseManager(this);
+    if (dbManager->GetTotalNumberOfEntries() > 0)
+        IsEntryPresentInDatabase = true;
+
+    if (!dbManager->isUsable()) {
+        // Queued so that the window is on screen before the message shows.
+        QMetaObject::invokeMethod(this, &MainWindow::reportUnusableDatabase, Qt::QueuedConnection);
+    }
+}
+
+MainWindow::~MainWindow()
+{
+    delete ui;
+}
+
+void MainWindow::showDataPage(QWidget *page)
+{
+    // The scroll area takes the page over and deletes the one it held, so at
+    // most one data page lives at a time.
+    ui->scrollArea_2->setWidget(page);
+    ui->stackedWidget->setCurrentIndex(2);
+    // After setWidget, so the page keeps its designed size and scrolls.
+    ui->scrollArea_2->setWidgetResizable(false);
+}
+
+void MainWindow::reportUnusableDatabase()
+{
+    QMessageBox msgBox;
+    msgBox.setIcon(QMessageBox::Warning);
+    msgBox.setText(tr("Ledgerly could not open its database file %1.\n\n%2\n\n"
+                      "Nothing can be recorded or shown in this session. The file has not been changed.")
+                       .arg(dbManager->databaseFileName(), dbManager->openError()));
+    msgBox.setStandardButtons(QMessageBox::Ok);
+    msgBox.setDefaultButton(QMessageBox::Ok);
+    msgBox.exec();
+}
+
+void MainWindow::on_pushButtonHistory_clicked()
+{
+    QMessageBox msgBox;
+    if (dbManager->GetTotalNumberOfEntries() > 0)
+        IsEntryPresentInDatabase = true;
+
+    // The flag is sticky: once entries were seen, History opens even if they
+    // have since been deleted.
+    if (IsEntryPresentInDatabase)
+        return;
+
+    msgBox.setText(tr("No Entries added. Kindly add entry first"));
+    msgBox.setStandardButtons(QMessageBox::Ok);
+    msgBox.setDefaultButton(QMessageBox::Ok);
+    msgBox.exec();
+}
+
+void MainWindow::on_pushButtonExit_clicked()
+{
+    ui->stackedWidget->setCurrentIndex(1);
+}
+
+void MainWindow::on_pushButtonHome_clicked()
+{
+    ui->stackedWidget->setCurrentIndex(0);
+}

@@ -1,0 +1,112 @@
+#include "rawdatabase.h"
+
+#include <QAtomicInt>
+#include <QSqlDatabase>
+#include <QSqlError>
+#include <QSqlQuery>
+#include <QSqlRecord>
+
+namespace {
+QAtomicInt connectionCounter;
+}
+
+RawDatabase::RawDatabase(const QString &fileName)
+    : name(QStringLiteral("raw_test_connection_%1").arg(connectionCounter.fetchAndAddRelaxed(1)))
+{
+    QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), name);
+    db.setDatabaseName(fileName);
+    if (!db.open())
+        error = db.lastError().text();
+}
+
+RawDatabase::~RawDatabase()
+{
+    {
+        QSqlDatabase db = QSqlDatabase::database(name, false);
+        db.close();
+    }
+    QSqlDatabase::removeDatabase(name);
+}
+
+bool RawDatabase::isOpen() const
+{
+    return QSqlDatabase::database(name, false).isOpen();
+}
+
+bool RawDatabase::exec(const QString &sql)
+{
+    QSqlQuery query(QSqlDatabase::database(name, false));
+    if (!query.exec(sql)) {
+        error = query.lastError().text();
+        return false;
+    }
+    return true;
+}
+
+QVariant RawDatabase::scalar(const QString &sql)
+{
+    QSqlQuery query(QSqlDatabase::database(name, false));
+    if (!query.exec(sql)) {
+        error = query.lastError().text();
+        return {};
+    }
+    return query.next() ? query.value(0) : QVariant();
+}
+
+QList<QVariantList> RawDatabase::rows(const QString &sql)
+{
+    QList<QVariantList> result;
+    QSqlQuery query(QSqlDatabase::database(name, false));
+    query.setForwardOnly(true);
+    if (!query.exec(sql)) {
+        error = query.lastError().text();
+        return result;
+    }
+    while (query.next()) {
+        QVariantList row;
+        const int columns = query.record().count();
+        for (int i = 0; i < columns; ++i)
+            row.append(query.value(i));
+        result.append(row);
+    }
+    return result;
+}
+
+QString RawDatabase::lastError() const
+{
+    return error;
+}
+
+QString RawDatabase::connectionName() const
+{
+    return name;
+}
+
+QString RawDatabase::isoText(const QDateTime &when)
+{
+    return when.toString(QStringLiteral("yyyy-MM-ddTHH:mm:ss"));
+}
+
+int RawDatabase::insertEntry(const QString &item, const QString &category, const QDateTime &when, double price,
+                             const QString &location, bool geo, double longitude, double latitude)
+{
+    QSqlQuery query(QSqlDatabase::database(name, false));
+    query.prepare(QStringLiteral(
+        "INSERT INTO Entry (ItemName,CategoryName,CategoryID,TransactDateTime,Price,LocationText,EnableGeoLoc,"
+        "GeoLocID,GeoLocLongit,GeoLocLatit,ItemID) VALUES (?, ?, "
+        "coalesce((select SNo from Category where CategoryName = ?), 0), ?, ?, ?, ?, 0, ?, ?, 0)"));
+    query.addBindValue(item);
+    query.addBindValue(category);
+    query.addBindValue(category);
+    query.addBindValue(isoText(when));
+    query.addBindValue(price);
+    query.addBindValue(location);
+    query.addBindValue(geo ? QStringLiteral("true") : QStringLiteral("false"));
+    query.addBindValue(longitude);
+    query.addBindValue(latitude);
+    if (!query.exec()) {
+        error = query.lastError().text();
+        return 0;
+    }
+    return query.lastInsertId().toInt();
+}

@@ -1,0 +1,37 @@
+#pragma once
+
+#include <QDateTime>
+#include <QList>
+#include <QString>
+#include <QVariant>
+
+// A second, independent connection on a database file, for tests that check
+// what the program really wrote (or that prepare a file by hand).
+class RawDatabase
+{
+public:
+    explicit RawDatabase(const QString &fileName);
+    ~RawDatabase();
+    RawDatabase(const RawDatabase &) = delete;
+    RawDatabase &operator=(const RawDatabase &) = delete;
+
+    bool isOpen() const;
+    bool exec(const QString &sql);
+    // The first column of the first row, or an invalid variant.
+    QVariant scalar(const QString &sql);
+    QList<QVariantList> rows(const QString &sql);
+    QString lastError() const;
+    QString connectionName() const;
+
+    // Writes an entry row directly, in the file's storage forms (ISO date
+    // text without milliseconds, "true"/"false"). Returns the new SNo or 0.
+    int insertEntry(const QString &item, const QString &category, const QDateTime &when, double price,
+                    const QString &location = QStringLiteral("Somewhere"), bool geo = false,
+                    double longitude = 103.0, double latitude = 1.3);
+
+    static QString isoText(const QDateTime &when);
+
+private:
+    QString name;
+    QString error;
+};
