@@ -1,0 +1,19 @@
+#include "format.h"
+
+#include <QDate>
+#include <QDateTime>
+
+QString Format::number(double value)
+{
+    return QString::number(value, 'g', 6);
+}
+
+QString Format::date(const QDate &date)
+{
+    return date.toString(Qt::TextDate);
+}
+
+QString Format::dateTime(const QDateTime &dateTime)
+{
+    return dateTime.toString(Qt::TextDate);
+}
