@@ -32,5 +32,7 @@ foreach(marker IN ITEMS "@LEAFLET_CSS@" "@LEAFLET_JS@" "@MARKER_ICON_URL@" "@MAR
         message(FATAL_ERROR "${marker} left unfilled in ${OUTPUT}")
     endif()
 endforeach()
+# file(READ) drops carriage returns; the template's lines end in CRLF.
+string(REPLACE "\n" "\r\n" page "${page}")
 file(WRITE "${OUTPUT}.tmp" "${page}")
 file(RENAME "${OUTPUT}.tmp" "${OUTPUT}")

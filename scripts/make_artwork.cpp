@@ -113,7 +113,7 @@ QImage logoPicture()
 int main(int argc, char *argv[])
 {
     QGuiApplication app(argc, argv);
-    const bool ok = homePicture().save(QStringLiteral("Images/LedgerlyHome.jpg"), "JPG", 88)
-        && logoPicture().save(QStringLiteral("Images/CompanyLogo.jpg"), "JPG", 88);
+    const bool ok = homePicture().save(QStringLiteral("Images/LedgerlyHome.jpg"), "JPG", 88) &&
+        logoPicture().save(QStringLiteral("Images/CompanyLogo.jpg"), "JPG", 88);
     return ok ? 0 : 1;
 }

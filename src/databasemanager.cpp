@@ -7,19 +7,19 @@
 #include <QStringList>
 #include <QVariant>
 
-Category::Category() : SNo(0) {}
+Category::Category() : SNo(0) { }
 Category::~Category() = default;
 
-Mode::Mode() : SNo(0) {}
+Mode::Mode() : SNo(0) { }
 Mode::~Mode() = default;
 
-Items::Items() : SNo(0), CategoryID(0), LastPrice(0.0f), UseFrequency(0) {}
+Items::Items() : SNo(0), CategoryID(0), LastPrice(0.0f), UseFrequency(0) { }
 Items::~Items() = default;
 
-ItemSubstitutes::ItemSubstitutes() : SNo(0), ItemID(0), SubstituteID(0) {}
+ItemSubstitutes::ItemSubstitutes() : SNo(0), ItemID(0), SubstituteID(0) { }
 ItemSubstitutes::~ItemSubstitutes() = default;
 
-HistoricLocation::HistoricLocation() : SNo(0), LocationLongitude(0.0f), LocationLatitude(0.0f) {}
+HistoricLocation::HistoricLocation() : SNo(0), LocationLongitude(0.0f), LocationLatitude(0.0f) { }
 HistoricLocation::~HistoricLocation() = default;
 
 Entry::Entry()

@@ -9,8 +9,8 @@
 MainWindow::MainWindow(QWidget *parent) : QMainWindow(parent), ui(new Ui::MainWindow)
 {
     ui->setupUi(this);
-    for (QWidget *button : { ui->pushButtonHome, ui->pushButtonNewEntry, ui->pushButtonHistory,
-                             ui->pushButtonOptions, ui->pushButtonExit })
+    for (QWidget *button : { ui->pushButtonHome, ui->pushButtonNewEntry, ui->pushButtonHistory, ui->pushButtonOptions,
+                             ui->pushButtonExit })
         Look::applyButtonFontWeight(button);
     IsEntryPresentInDatabase = false;
     ui->stackedWidget->setCurrentIndex(0);

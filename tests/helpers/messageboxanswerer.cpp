@@ -73,8 +73,8 @@ void MessageBoxAnswerer::poll()
         seenBox.title = box->windowTitle();
         seenBox.icon = box->icon();
         seenBox.buttons = box->standardButtons();
-        seenBox.defaultButton = box->defaultButton() ? box->standardButton(box->defaultButton())
-                                                     : QMessageBox::NoButton;
+        seenBox.defaultButton =
+            box->defaultButton() ? box->standardButton(box->defaultButton()) : QMessageBox::NoButton;
         seenBox.hasParent = box->parentWidget() != nullptr;
 
         QAbstractButton *toPress = nullptr;

@@ -26,8 +26,8 @@ public:
     // Writes an entry row directly, in the file's storage forms (ISO date
     // text without milliseconds, "true"/"false"). Returns the new SNo or 0.
     int insertEntry(const QString &item, const QString &category, const QDateTime &when, double price,
-                    const QString &location = QStringLiteral("Somewhere"), bool geo = false,
-                    double longitude = 103.0, double latitude = 1.3);
+                    const QString &location = QStringLiteral("Somewhere"), bool geo = false, double longitude = 103.0,
+                    double latitude = 1.3);
 
     static QString isoText(const QDateTime &when);
 

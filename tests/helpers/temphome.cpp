@@ -2,8 +2,7 @@
 
 #include <QDir>
 
-TempHome::TempHome(CurrentDir currentDir)
-    : previousHome(qgetenv("HOME")), hadHome(qEnvironmentVariableIsSet("HOME"))
+TempHome::TempHome(CurrentDir currentDir) : previousHome(qgetenv("HOME")), hadHome(qEnvironmentVariableIsSet("HOME"))
 {
     qputenv("HOME", dir.path().toLocal8Bit());
     if (currentDir == CurrentDir::Enter) {
