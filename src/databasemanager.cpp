@@ -1,5 +1,7 @@
 #include "databasemanager.h"
 
+#include "format.h"
+
 #include <QCoreApplication>
 #include <QDir>
 #include <QSqlError>
@@ -31,18 +33,129 @@ Entry::~Entry() = default;
 
 namespace {
 
-// Runs a count statement on the default connection; 0 when it fails or gives
-// no row.
-int countWithName(const QString &statement, const QString &name)
+// Storage forms. Every value a statement binds goes through one of these, so
+// files written by earlier versions and by this one look the same.
+
+QVariant textValue(const QString &text)
 {
-    QSqlQuery query;
-    query.setForwardOnly(true);
-    query.prepare(statement);
-    query.bindValue(QStringLiteral(":id"), name);
-    if (query.exec() && query.next())
-        return query.value(0).toInt();
-    return 0;
+    // A null string binds as SQL NULL, an empty one as ''.
+    return text;
 }
+
+QVariant intValue(int value)
+{
+    return value;
+}
+
+QVariant floatValue(float value)
+{
+    // Bound as a float, not widened first: the column's real affinity stores
+    // it, and the same float bound again compares equal to what was written.
+    return QVariant::fromValue(value);
+}
+
+QVariant dateTimeValue(const QDateTime &when)
+{
+    // Qt 6's SQLite driver would write a QDateTime with milliseconds; the
+    // file keeps whole seconds, and date comparisons are text comparisons.
+    if (!when.isValid())
+        return QVariant(QString());
+    return when.toString(QStringLiteral("yyyy-MM-ddTHH:mm:ss"));
+}
+
+QVariant boolValue(bool value)
+{
+    // Qt 6's SQLite driver would write 1 or 0; the file has always held the
+    // texts, which QVariant::toBool reads back.
+    return value ? QStringLiteral("true") : QStringLiteral("false");
+}
+
+Entry *readEntry(const QSqlQuery &query)
+{
+    auto *entry = new Entry;
+    entry->SNo = query.value(0).toInt();
+    entry->ItemName = query.value(1).toString();
+    entry->CategoryName = query.value(2).toString();
+    entry->CategoryID = query.value(3).toInt();
+    entry->TransactDateTime = query.value(4).toDateTime();
+    entry->Price = query.value(5).toFloat();
+    entry->LocationText = query.value(6).toString();
+    entry->EnableGeoLoc = query.value(7).toBool();
+    entry->GeoLocID = query.value(8).toInt();
+    entry->GeoLocLongit = query.value(9).toFloat();
+    entry->GeoLocLatit = query.value(10).toFloat();
+    entry->ItemID = query.value(11).toInt();
+    return entry;
+}
+
+Category *readCategory(const QSqlQuery &query)
+{
+    auto *category = new Category;
+    category->SNo = query.value(0).toInt();
+    category->CategoryName = query.value(1).toString();
+    return category;
+}
+
+Mode *readMode(const QSqlQuery &query)
+{
+    auto *mode = new Mode;
+    mode->SNo = query.value(0).toInt();
+    mode->ModeName = query.value(1).toString();
+    return mode;
+}
+
+Items *readItem(const QSqlQuery &query)
+{
+    auto *item = new Items;
+    item->SNo = query.value(0).toInt();
+    item->ItemName = query.value(1).toString();
+    item->CategoryName = query.value(2).toString();
+    item->CategoryID = query.value(3).toInt();
+    item->LastPrice = query.value(4).toFloat();
+    item->UseFrequency = query.value(5).toInt();
+    return item;
+}
+
+ItemSubstitutes *readItemSubstitutes(const QSqlQuery &query)
+{
+    auto *substitutes = new ItemSubstitutes;
+    substitutes->SNo = query.value(0).toInt();
+    substitutes->ItemName = query.value(1).toString();
+    substitutes->SubstituteName = query.value(2).toString();
+    substitutes->ItemID = query.value(3).toInt();
+    substitutes->SubstituteID = query.value(4).toInt();
+    return substitutes;
+}
+
+HistoricLocation *readHistoricLocation(const QSqlQuery &query)
+{
+    auto *location = new HistoricLocation;
+    location->SNo = query.value(0).toInt();
+    location->LocationName = query.value(1).toString();
+    location->LocationLongitude = query.value(2).toFloat();
+    location->LocationLatitude = query.value(3).toFloat();
+    location->ReverseGeoLocation = query.value(4).toString();
+    location->CoordinateText = query.value(5).toString();
+    return location;
+}
+
+const QString entryColumns = QStringLiteral("select SNo,ItemName,CategoryName,CategoryID,TransactDateTime,Price,"
+                                            "LocationText,EnableGeoLoc,GeoLocID,GeoLocLongit,GeoLocLatit,ItemID "
+                                            "from Entry");
+const QString itemColumns =
+    QStringLiteral("select SNo,ItemName,CategoryName,CategoryID,LastPrice,UseFrequency from Items");
+const QString itemSubstitutesColumns =
+    QStringLiteral("select SNo,ItemName,SubstituteName,ItemID,SubstitueID from ItemSubstitutes");
+const QString historicLocationColumns =
+    QStringLiteral("select SNo,LocationName,LocationLongitude,LocationLatitude,ReverseGeoLocation,CoordinateText from "
+                   "HistoricLocation");
+
+const QString countEntries = QStringLiteral("SELECT COUNT(ItemName) FROM Entry;");
+const QString countItems = QStringLiteral("SELECT COUNT(ItemName) FROM Items;");
+const QString countCategories = QStringLiteral("SELECT COUNT(CategoryName) FROM Category;");
+const QString countModes = QStringLiteral("SELECT COUNT(ModeName) FROM Mode;");
+const QString countItemSubstitutes = QStringLiteral("SELECT COUNT(ItemName) FROM ItemSubstitutes;");
+const QString countHistoricLocations = QStringLiteral("SELECT COUNT(LocationName) FROM HistoricLocation;");
 
 } // namespace
 
@@ -188,12 +301,10 @@ void DatabaseManager::addDefaultNames(const QStringList &names, const QString &c
     for (const QString &name : names) {
         // Exactly one copy counts as present: a mode name stored twice gets
         // a third copy, as it always has.
-        if (countWithName(countStatement, name) == 1)
+        if (count(countStatement, { { QStringLiteral(":id"), textValue(name) } }) == 1)
             continue;
         QSqlQuery insert;
-        insert.prepare(insertStatement);
-        insert.bindValue(QStringLiteral(":name"), name);
-        insert.exec();
+        run(insert, insertStatement, { { QStringLiteral(":name"), textValue(name) } });
     }
 }
 
@@ -253,14 +364,816 @@ void DatabaseManager::addDefaultModes()
                     QStringLiteral("INSERT INTO Mode (ModeName) VALUES (:name)"));
 }
 
-int DatabaseManager::GetTotalNumberOfEntries()
+// Statement helpers
+
+bool DatabaseManager::run(QSqlQuery &query, const QString &statement, const Bindings &bindings)
+{
+    // Checked before any query exists: Qt warns about statements on a closed
+    // connection, and an unopened store is meant to fail without a word.
+    if (!db.isOpen())
+        return false;
+    query = QSqlQuery(db);
+    // Results are read once, front to back; a scrollable query would keep a
+    // second copy of every row.
+    query.setForwardOnly(true);
+    if (bindings.isEmpty())
+        return query.exec(statement);
+    if (!query.prepare(statement))
+        return false;
+    for (const auto &binding : bindings)
+        query.bindValue(binding.first, binding.second);
+    return query.exec();
+}
+
+bool DatabaseManager::runText(QSqlQuery &query, const QString &statement)
 {
     if (!db.isOpen())
-        return 0;
-    QSqlQuery query;
+        return false;
+    query = QSqlQuery(db);
     query.setForwardOnly(true);
-    query.exec(QStringLiteral("SELECT COUNT(ItemName) FROM Entry;"));
-    if (query.next())
+    return query.exec(statement);
+}
+
+bool DatabaseManager::runCount(const QString &statement, const Bindings &bindings, int *count)
+{
+    QSqlQuery query;
+    const bool executed = run(query, statement, bindings);
+    *count = executed && query.next() ? query.value(0).toInt() : 0;
+    return executed;
+}
+
+int DatabaseManager::count(const QString &statement, const Bindings &bindings)
+{
+    int rows = 0;
+    runCount(statement, bindings, &rows);
+    return rows;
+}
+
+int DatabaseManager::firstId(const QString &statement, const Bindings &bindings)
+{
+    QSqlQuery query;
+    if (run(query, statement, bindings) && query.next())
         return query.value(0).toInt();
     return 0;
+}
+
+QString DatabaseManager::firstText(const QString &statement, const Bindings &bindings)
+{
+    QSqlQuery query;
+    if (run(query, statement, bindings) && query.next())
+        return query.value(0).toString();
+    return QString();
+}
+
+QDateTime DatabaseManager::entryDateBound(const QString &statement, const Bindings &bindings)
+{
+    // The whole table is counted even for a category's bound; an empty table
+    // answers without running the statement.
+    QDateTime bound;
+    if (count(countEntries) > 0) {
+        QSqlQuery query;
+        if (run(query, statement, bindings) && query.next())
+            bound = query.value(0).toDateTime();
+    }
+    return bound;
+}
+
+template<typename Record, typename Read>
+QList<Record *> DatabaseManager::recordList(const QString &tableCountStatement, const QString &statement,
+                                            const Bindings &bindings, Read read)
+{
+    // Every list counts its whole table first, whatever it selects; the
+    // number only sizes the list, which is built the same way regardless.
+    const int tableRows = count(tableCountStatement);
+    QList<Record *> records;
+    records.reserve(tableRows);
+    QSqlQuery query;
+    if (!run(query, statement, bindings))
+        return records;
+    while (query.next())
+        records.append(read(query));
+    return records;
+}
+
+QList<Entry *> DatabaseManager::entryList(const QString &clause, const Bindings &bindings)
+{
+    return recordList<Entry>(countEntries, entryColumns + clause, bindings, readEntry);
+}
+
+QList<Items *> DatabaseManager::itemList(const QString &statement, const Bindings &bindings)
+{
+    return recordList<Items>(countItems, statement, bindings, readItem);
+}
+
+QList<ItemSubstitutes *> DatabaseManager::itemSubstitutesList(const QString &statement, const Bindings &bindings)
+{
+    return recordList<ItemSubstitutes>(countItemSubstitutes, statement, bindings, readItemSubstitutes);
+}
+
+QList<HistoricLocation *> DatabaseManager::historicLocationList(const QString &statement, const Bindings &bindings)
+{
+    return recordList<HistoricLocation>(countHistoricLocations, statement, bindings, readHistoricLocation);
+}
+
+// Categories
+
+bool DatabaseManager::AddCategory(QString CName)
+{
+    // Exactly one copy means present; anything else is an insert, which the
+    // unique name refuses if the category is there after all.
+    if (count(QStringLiteral("SELECT COUNT(CategoryName) FROM Category WHERE CategoryName = :id"),
+              { { QStringLiteral(":id"), textValue(CName) } }) == 1)
+        return true;
+    QSqlQuery query;
+    return run(query, QStringLiteral("INSERT INTO Category (CategoryName) VALUES (:name)"),
+               { { QStringLiteral(":name"), textValue(CName) } });
+}
+
+bool DatabaseManager::EditCategory(QString OldName, QString NewName)
+{
+    int found = 0;
+    const bool counted = runCount(QStringLiteral("SELECT COUNT(CategoryName) FROM Category WHERE CategoryName = :id"),
+                                  { { QStringLiteral(":id"), textValue(OldName) } }, &found);
+    if (found == 0)
+        return false;
+    if (found != 1)
+        return counted;
+    // Only the Category row is renamed: entries and items keep the old name,
+    // and their CategoryID still points at this row.
+    QSqlQuery query;
+    return run(query, QStringLiteral("UPDATE Category SET CategoryName = :newname where CategoryName = :old"),
+               { { QStringLiteral(":newname"), textValue(NewName) }, { QStringLiteral(":old"), textValue(OldName) } });
+}
+
+int DatabaseManager::GetCategoryID(QString Name)
+{
+    return firstId(
+        QStringLiteral("select SNo,CategoryName from Category where CategoryName=:CName order by SNo limit 1"),
+        { { QStringLiteral(":CName"), textValue(Name) } });
+}
+
+QString DatabaseManager::GetCategoryNameByCategoryID(int id)
+{
+    return firstText(QStringLiteral("select CategoryName from Category where SNo=:sno"),
+                     { { QStringLiteral(":sno"), intValue(id) } });
+}
+
+// Modes
+
+bool DatabaseManager::AddMode(QString CName)
+{
+    // Mode names are not unique: a name stored twice gets a third copy.
+    if (count(QStringLiteral("SELECT COUNT(ModeName) FROM Mode WHERE ModeName = :id"),
+              { { QStringLiteral(":id"), textValue(CName) } }) == 1)
+        return true;
+    QSqlQuery query;
+    return run(query, QStringLiteral("INSERT INTO Mode (ModeName) VALUES (:name);"),
+               { { QStringLiteral(":name"), textValue(CName) } });
+}
+
+bool DatabaseManager::EditMode(QString OldName, QString NewName)
+{
+    int found = 0;
+    const bool counted = runCount(QStringLiteral("SELECT COUNT(ModeName) FROM Mode WHERE ModeName = :id"),
+                                  { { QStringLiteral(":id"), textValue(OldName) } }, &found);
+    if (found == 0)
+        return false;
+    // A name stored more than once is left alone, and that counts as success.
+    if (found != 1)
+        return counted;
+    QSqlQuery query;
+    return run(query, QStringLiteral("UPDATE Mode SET ModeName = :newname where ModeName = :old"),
+               { { QStringLiteral(":newname"), textValue(NewName) }, { QStringLiteral(":old"), textValue(OldName) } });
+}
+
+int DatabaseManager::GetModeID(QString Name)
+{
+    return firstId(QStringLiteral("select SNo from Mode where ModeName=:CName"),
+                   { { QStringLiteral(":CName"), textValue(Name) } });
+}
+
+// Item catalogue
+
+bool DatabaseManager::AddItem(Items *t)
+{
+    const Bindings item = { { QStringLiteral(":IName"), textValue(t->ItemName) },
+                            { QStringLiteral(":id"), textValue(t->CategoryName) } };
+    const int known =
+        count(QStringLiteral("SELECT COUNT(ItemName) FROM Items WHERE ItemName=:IName and CategoryName = :id"), item);
+    if (known > 0) {
+        int frequency = 0;
+        {
+            QSqlQuery query;
+            if (run(query,
+                    QStringLiteral("select UseFrequency from Items where ItemName=:IName and CategoryName = :id "),
+                    item) &&
+                query.next())
+                frequency = query.value(0).toInt();
+        }
+        // The record's own frequency and CategoryID play no part: each use
+        // counts one, and the row keeps the category number it was made with.
+        QSqlQuery query;
+        return run(query,
+                   QStringLiteral("UPDATE Items SET UseFrequency = :fval, LastPrice= :lastP where ItemName=:IName and "
+                                  "CategoryName = :id"),
+                   item +
+                       Bindings { { QStringLiteral(":fval"), intValue(frequency + 1) },
+                                  { QStringLiteral(":lastP"), floatValue(t->LastPrice) } });
+    }
+    const int categoryId = GetCategoryID(t->CategoryName);
+    QSqlQuery query;
+    return run(query,
+               QStringLiteral("INSERT INTO Items (ItemName,CategoryName,CategoryID,LastPrice,UseFrequency) VALUES "
+                              "(:IName,:CatName,:CatID,:LPrice,:UseFreq);"),
+               { { QStringLiteral(":IName"), textValue(t->ItemName) },
+                 { QStringLiteral(":CatName"), textValue(t->CategoryName) },
+                 { QStringLiteral(":CatID"), intValue(categoryId) },
+                 { QStringLiteral(":LPrice"), floatValue(t->LastPrice) },
+                 { QStringLiteral(":UseFreq"), intValue(1) } });
+}
+
+bool DatabaseManager::EditItem(Items *old, Items *newItem)
+{
+    // The category number is looked up from the new name, not taken from
+    // the record.
+    const int categoryId = GetCategoryID(newItem->CategoryName);
+    QSqlQuery query;
+    return run(query,
+               QStringLiteral("UPDATE Items SET ItemName=:IName, CategoryName=:CatName, CategoryID=:CatID, "
+                              "LastPrice=:LPrice, UseFrequency = :UseFreq where ItemName=:IOldName and CategoryName = "
+                              ":oldCat"),
+               { { QStringLiteral(":IName"), textValue(newItem->ItemName) },
+                 { QStringLiteral(":CatName"), textValue(newItem->CategoryName) },
+                 { QStringLiteral(":CatID"), intValue(categoryId) },
+                 { QStringLiteral(":LPrice"), floatValue(newItem->LastPrice) },
+                 { QStringLiteral(":UseFreq"), intValue(newItem->UseFrequency) },
+                 { QStringLiteral(":IOldName"), textValue(old->ItemName) },
+                 { QStringLiteral(":oldCat"), textValue(old->CategoryName) } });
+}
+
+// The delete statements put their values into the text unquoted, as they
+// always have: anything but a bare number makes SQLite refuse the statement,
+// so they delete nothing in practice. No page offers deletion.
+
+bool DatabaseManager::DeleteItem(Items *t)
+{
+    QSqlQuery query;
+    return runText(query,
+                   QStringLiteral("delete from Items where ItemName= %1 and CategoryName = %2")
+                       .arg(t->ItemName)
+                       .arg(t->CategoryName));
+}
+
+int DatabaseManager::GetItemID(QString itemname, QString itemCategory)
+{
+    return firstId(
+        QStringLiteral("select SNo from Items where ItemName=:IName and CategoryName = :id "),
+        { { QStringLiteral(":IName"), textValue(itemname) }, { QStringLiteral(":id"), textValue(itemCategory) } });
+}
+
+int DatabaseManager::GetItemID(Items *t)
+{
+    return firstId(QStringLiteral("select SNo from Items where ItemName=:IName and CategoryName = :id and "
+                                  "UseFrequency = :freq and LastPrice = :lPrice "),
+                   { { QStringLiteral(":IName"), textValue(t->ItemName) },
+                     { QStringLiteral(":id"), textValue(t->CategoryName) },
+                     { QStringLiteral(":freq"), intValue(t->UseFrequency) },
+                     { QStringLiteral(":lPrice"), floatValue(t->LastPrice) } });
+}
+
+QString DatabaseManager::GetCategoryOfItem(QString itemName)
+{
+    return firstText(QStringLiteral("select CategoryName from Items where ItemName=:IName"),
+                     { { QStringLiteral(":IName"), textValue(itemName) } });
+}
+
+Items *DatabaseManager::GetItemByItemID(int id)
+{
+    QSqlQuery query;
+    if (run(query, itemColumns + QStringLiteral(" where SNo=:sno"), { { QStringLiteral(":sno"), intValue(id) } }) &&
+        query.next())
+        return readItem(query);
+    return nullptr;
+}
+
+// Item substitutes
+
+bool DatabaseManager::AddItemSubstitutes(ItemSubstitutes *t)
+{
+    const int present = count(QStringLiteral("SELECT COUNT(ItemName) FROM ItemSubstitutes WHERE ItemName=:IName and "
+                                             "SubstituteName = :id"),
+                              { { QStringLiteral(":IName"), textValue(t->ItemName) },
+                                { QStringLiteral(":id"), textValue(t->SubstituteName) } });
+    if (present != 0)
+        return true;
+    // The numbers always come from the catalogue, never from the record.
+    const int itemId = GetItemID(t->ItemName, GetCategoryOfItem(t->ItemName));
+    const int substituteId = GetItemID(t->SubstituteName, GetCategoryOfItem(t->SubstituteName));
+    QSqlQuery query;
+    return run(query,
+               QStringLiteral("INSERT INTO ItemSubstitutes (ItemName,SubstituteName,ItemID,SubstitueID) VALUES "
+                              "(:IName,:SubName,:ItID,:SubID)"),
+               { { QStringLiteral(":IName"), textValue(t->ItemName) },
+                 { QStringLiteral(":SubName"), textValue(t->SubstituteName) },
+                 { QStringLiteral(":ItID"), intValue(itemId) },
+                 { QStringLiteral(":SubID"), intValue(substituteId) } });
+}
+
+bool DatabaseManager::EditItemSubstitutes(ItemSubstitutes *old, ItemSubstitutes *newItem)
+{
+    const int itemId = GetItemID(newItem->ItemName, GetCategoryOfItem(newItem->ItemName));
+    const int substituteId = GetItemID(newItem->SubstituteName, GetCategoryOfItem(newItem->SubstituteName));
+    QSqlQuery query;
+    return run(query,
+               QStringLiteral("UPDATE ItemSubstitutes SET ItemName=:IName, SubstituteName=:SubName, ItemID=:ItID, "
+                              "SubstitueID=:SubID where ItemName=:IOldName and SubstituteName = :oldSub"),
+               { { QStringLiteral(":IName"), textValue(newItem->ItemName) },
+                 { QStringLiteral(":SubName"), textValue(newItem->SubstituteName) },
+                 { QStringLiteral(":ItID"), intValue(itemId) },
+                 { QStringLiteral(":SubID"), intValue(substituteId) },
+                 { QStringLiteral(":IOldName"), textValue(old->ItemName) },
+                 { QStringLiteral(":oldSub"), textValue(old->SubstituteName) } });
+}
+
+bool DatabaseManager::DeleteItemSubstitutes(ItemSubstitutes *t)
+{
+    QSqlQuery query;
+    return runText(query,
+                   QStringLiteral("delete from ItemSubstitutes where ItemName= %1 and SubstituteName = %2")
+                       .arg(t->ItemName)
+                       .arg(t->SubstituteName));
+}
+
+int DatabaseManager::GetItemSubstitutesID(QString itemname, QString subName)
+{
+    return firstId(
+        QStringLiteral("select SNo from ItemSubstitutes where ItemName=:IName and SubstituteName = :SubName"),
+        { { QStringLiteral(":IName"), textValue(itemname) }, { QStringLiteral(":SubName"), textValue(subName) } });
+}
+
+int DatabaseManager::GetItemSubstitutesID(ItemSubstitutes *t)
+{
+    return firstId(QStringLiteral("select SNo from ItemSubstitutes where ItemName=:IName and SubstituteName = "
+                                  ":SubName and ItemID = :ItID and SubstitueID = :SubID "),
+                   { { QStringLiteral(":IName"), textValue(t->ItemName) },
+                     { QStringLiteral(":SubName"), textValue(t->SubstituteName) },
+                     { QStringLiteral(":ItID"), intValue(t->ItemID) },
+                     { QStringLiteral(":SubID"), intValue(t->SubstituteID) } });
+}
+
+ItemSubstitutes *DatabaseManager::GetItemSubstitutesByItemSubstitutesID(int id)
+{
+    QSqlQuery query;
+    if (run(query, itemSubstitutesColumns + QStringLiteral(" where SNo=:sno"),
+            { { QStringLiteral(":sno"), intValue(id) } }) &&
+        query.next())
+        return readItemSubstitutes(query);
+    return nullptr;
+}
+
+// Remembered places
+
+bool DatabaseManager::AddHistoricLocation(HistoricLocation *loc)
+{
+    const int present = count(QStringLiteral("SELECT COUNT(LocationName) FROM HistoricLocation WHERE "
+                                             "LocationName=:LocName and LocationLongitude = :loclong and "
+                                             "LocationLatitude = :loclat"),
+                              { { QStringLiteral(":LocName"), textValue(loc->LocationName) },
+                                { QStringLiteral(":loclong"), floatValue(loc->LocationLongitude) },
+                                { QStringLiteral(":loclat"), floatValue(loc->LocationLatitude) } });
+    if (present != 0)
+        return true;
+    QSqlQuery query;
+    return run(query,
+               QStringLiteral("INSERT INTO HistoricLocation "
+                              "(LocationName,LocationLongitude,LocationLatitude,ReverseGeoLocation,CoordinateText) "
+                              "VALUES (:LocName,:loclong,:loclat,:RevGeo, :CoorTex);"),
+               { { QStringLiteral(":LocName"), textValue(loc->LocationName) },
+                 { QStringLiteral(":loclong"), floatValue(loc->LocationLongitude) },
+                 { QStringLiteral(":loclat"), floatValue(loc->LocationLatitude) },
+                 { QStringLiteral(":RevGeo"), textValue(loc->ReverseGeoLocation) },
+                 { QStringLiteral(":CoorTex"), textValue(loc->CoordinateText) } });
+}
+
+bool DatabaseManager::EditHistoricLocation(HistoricLocation *OldLoc, HistoricLocation *NewLoc)
+{
+    QSqlQuery query;
+    return run(query,
+               QStringLiteral("UPDATE HistoricLocation SET LocationName=:LocName, LocationLongitude=:loclong, "
+                              "LocationLatitude=:loclat, ReverseGeoLocation=:RevGeo, CoordinateText= :CoorTex where "
+                              "LocationName=:OldLocName and LocationLongitude=:Oldloclong and "
+                              "LocationLatitude=:Oldloclat"),
+               { { QStringLiteral(":LocName"), textValue(NewLoc->LocationName) },
+                 { QStringLiteral(":loclong"), floatValue(NewLoc->LocationLongitude) },
+                 { QStringLiteral(":loclat"), floatValue(NewLoc->LocationLatitude) },
+                 { QStringLiteral(":RevGeo"), textValue(NewLoc->ReverseGeoLocation) },
+                 { QStringLiteral(":CoorTex"), textValue(NewLoc->CoordinateText) },
+                 { QStringLiteral(":OldLocName"), textValue(OldLoc->LocationName) },
+                 { QStringLiteral(":Oldloclong"), floatValue(OldLoc->LocationLongitude) },
+                 { QStringLiteral(":Oldloclat"), floatValue(OldLoc->LocationLatitude) } });
+}
+
+bool DatabaseManager::DeleteHistoricLocation(HistoricLocation *loc)
+{
+    QSqlQuery query;
+    return runText(query,
+                   QStringLiteral("delete from HistoricLocation where LocationName= %1 and LocationLongitude "
+                                  "= %2 and LocationLatitude = %3")
+                       .arg(loc->LocationName)
+                       .arg(Format::number(loc->LocationLongitude))
+                       .arg(Format::number(loc->LocationLatitude)));
+}
+
+int DatabaseManager::GetHistoricLocationID(HistoricLocation *loc)
+{
+    return firstId(QStringLiteral("select SNo from HistoricLocation where LocationName=:LocName and "
+                                  "LocationLongitude = :loclong and LocationLatitude = :loclat "),
+                   { { QStringLiteral(":LocName"), textValue(loc->LocationName) },
+                     { QStringLiteral(":loclong"), floatValue(loc->LocationLongitude) },
+                     { QStringLiteral(":loclat"), floatValue(loc->LocationLatitude) } });
+}
+
+HistoricLocation *DatabaseManager::GetHistoricLocationByCoordinates(float longit, float latit)
+{
+    QSqlQuery query;
+    if (run(query,
+            historicLocationColumns +
+                QStringLiteral(" where LocationLongitude=:loclongit and LocationLatitude = :loclatit "),
+            { { QStringLiteral(":loclongit"), floatValue(longit) },
+              { QStringLiteral(":loclatit"), floatValue(latit) } }) &&
+        query.next())
+        return readHistoricLocation(query);
+    return nullptr;
+}
+
+HistoricLocation *DatabaseManager::GetHistoricLocationByHistoricLocationID(int id)
+{
+    QSqlQuery query;
+    if (run(query, historicLocationColumns + QStringLiteral(" where SNo=:sno"),
+            { { QStringLiteral(":sno"), intValue(id) } }) &&
+        query.next())
+        return readHistoricLocation(query);
+    return nullptr;
+}
+
+// Entries
+
+bool DatabaseManager::AddEntry(Entry *enteredEntry)
+{
+    // The caller's record is only read; its numbers are recomputed here.
+    Entry entry;
+    entry.CategoryName = enteredEntry->CategoryName;
+    entry.ItemName = enteredEntry->ItemName;
+    entry.Price = enteredEntry->Price;
+    entry.LocationText = enteredEntry->LocationText;
+    entry.EnableGeoLoc = enteredEntry->EnableGeoLoc;
+    entry.TransactDateTime = enteredEntry->TransactDateTime;
+    // Without a geolocation the row still carries the coordinates the caller
+    // gave (the new-entry page's fallback position) and no place number.
+    entry.GeoLocID = 0;
+    entry.GeoLocLongit = enteredEntry->GeoLocLongit;
+    entry.GeoLocLatit = enteredEntry->GeoLocLatit;
+
+    Items item;
+    item.ItemName = entry.ItemName;
+    item.CategoryName = entry.CategoryName;
+    item.LastPrice = entry.Price;
+    item.CategoryID = GetCategoryID(entry.CategoryName);
+    item.UseFrequency = 1;
+    entry.ItemID = AddItem(&item) ? GetItemID(entry.ItemName, entry.CategoryName) : 0;
+    entry.CategoryID = GetCategoryID(entry.CategoryName);
+
+    if (entry.EnableGeoLoc) {
+        HistoricLocation place;
+        place.LocationLongitude = enteredEntry->GeoLocLongit;
+        place.LocationLatitude = enteredEntry->GeoLocLatit;
+        place.LocationName = entry.LocationText;
+        place.ReverseGeoLocation = QLatin1String("");
+        // A negative coordinate doubles the separator ("-3.5-40.25"); the
+        // text has always been written this way.
+        place.CoordinateText = QStringLiteral("%1-%2").arg(Format::number(place.LocationLongitude),
+                                                           Format::number(place.LocationLatitude));
+        // A known name with other coordinates cannot be added (names are
+        // unique): the entry then keeps its own coordinates and place 0.
+        entry.GeoLocID = AddHistoricLocation(&place) ? GetHistoricLocationID(&place) : 0;
+        entry.GeoLocLatit = place.LocationLatitude;
+        entry.GeoLocLongit = place.LocationLongitude;
+    }
+
+    QSqlQuery query;
+    return run(query,
+               QStringLiteral("INSERT INTO Entry "
+                              "(ItemName,CategoryName,CategoryID,TransactDateTime,Price,LocationText,EnableGeoLoc,"
+                              "GeoLocID,GeoLocLongit,GeoLocLatit,ItemID) VALUES "
+                              "(:ItName,:CatName,:CatID,:TransDate,:pri,:LocTex,:EnabGeo,:GLocID,:LocLong,:LocLat,:"
+                              "ItID)"),
+               { { QStringLiteral(":ItName"), textValue(entry.ItemName) },
+                 { QStringLiteral(":CatName"), textValue(entry.CategoryName) },
+                 { QStringLiteral(":CatID"), intValue(entry.CategoryID) },
+                 { QStringLiteral(":TransDate"), dateTimeValue(entry.TransactDateTime) },
+                 { QStringLiteral(":pri"), floatValue(entry.Price) },
+                 { QStringLiteral(":LocTex"), textValue(entry.LocationText) },
+                 { QStringLiteral(":EnabGeo"), boolValue(entry.EnableGeoLoc) },
+                 { QStringLiteral(":GLocID"), intValue(entry.GeoLocID) },
+                 { QStringLiteral(":LocLong"), floatValue(entry.GeoLocLongit) },
+                 { QStringLiteral(":LocLat"), floatValue(entry.GeoLocLatit) },
+                 { QStringLiteral(":ItID"), intValue(entry.ItemID) } });
+}
+
+bool DatabaseManager::DeleteEntry(Entry *ent)
+{
+    // The date goes in as its unquoted text form, which is never valid SQL:
+    // this statement fails for every entry and deletes nothing.
+    QSqlQuery query;
+    return runText(query,
+                   QStringLiteral("delete from Entry where ItemName= %1 and CategoryName = %2 and "
+                                  "TransactDateTime = %3 and Price = %4 and LocationText = %5")
+                       .arg(ent->ItemName)
+                       .arg(ent->CategoryName)
+                       .arg(ent->TransactDateTime.toString(Qt::TextDate))
+                       .arg(Format::number(ent->Price))
+                       .arg(ent->LocationText));
+}
+
+int DatabaseManager::GetEntryID(Entry *en)
+{
+    return firstId(QStringLiteral("select SNo from Entry where ItemName= :ItName and CategoryName = :CatName and "
+                                  "TransactDateTime = :TransDate and Price = :pri and LocationText = :LocTex "),
+                   { { QStringLiteral(":ItName"), textValue(en->ItemName) },
+                     { QStringLiteral(":CatName"), textValue(en->CategoryName) },
+                     { QStringLiteral(":TransDate"), dateTimeValue(en->TransactDateTime) },
+                     { QStringLiteral(":pri"), floatValue(en->Price) },
+                     { QStringLiteral(":LocTex"), textValue(en->LocationText) } });
+}
+
+// Entry lists
+
+QList<Entry *> DatabaseManager::GetAllEntries()
+{
+    return entryList(QStringLiteral(" order by TransactDateTime desc"));
+}
+
+QList<Entry *> DatabaseManager::GetAllEntriesOrderByPrice()
+{
+    return entryList(QStringLiteral(" order by Price"));
+}
+
+QList<Entry *> DatabaseManager::GetAllEntriesOfCategory(QString catName)
+{
+    return entryList(QStringLiteral(" where CategoryName = :catName order by TransactDateTime desc "),
+                     { { QStringLiteral(":catName"), textValue(catName) } });
+}
+
+QList<Entry *> DatabaseManager::GetAllEntriesOfCategoryOrderByPrice(QString catName)
+{
+    return entryList(QStringLiteral(" where CategoryName = :catName order by Price "),
+                     { { QStringLiteral(":catName"), textValue(catName) } });
+}
+
+QList<Entry *> DatabaseManager::GetAllEntriesOnDate(QDateTime dat)
+{
+    return entryList(QStringLiteral(" where TransactDateTime = :givenDate order by TransactDateTime desc "),
+                     { { QStringLiteral(":givenDate"), dateTimeValue(dat) } });
+}
+
+QList<Entry *> DatabaseManager::GetAllEntriesOnDateOrderByPrice(QDateTime dat)
+{
+    return entryList(QStringLiteral(" where TransactDateTime = :givenDate order by Price "),
+                     { { QStringLiteral(":givenDate"), dateTimeValue(dat) } });
+}
+
+QList<Entry *> DatabaseManager::GetAllEntriesOfCategoryOnDate(QString catName, QDateTime dat)
+{
+    return entryList(
+        QStringLiteral(
+            " where CategoryName = :catName and TransactDateTime = :givenDate order by TransactDateTime desc "),
+        { { QStringLiteral(":catName"), textValue(catName) }, { QStringLiteral(":givenDate"), dateTimeValue(dat) } });
+}
+
+QList<Entry *> DatabaseManager::GetAllEntriesOfCategoryOnDateOrderByPrice(QString catName, QDateTime dat)
+{
+    return entryList(
+        QStringLiteral(" where CategoryName = :catName and TransactDateTime = :givenDate order by Price"),
+        { { QStringLiteral(":catName"), textValue(catName) }, { QStringLiteral(":givenDate"), dateTimeValue(dat) } });
+}
+
+QList<Entry *> DatabaseManager::GetAllEntriesBetweenDates(QDateTime startDate, QDateTime endDate)
+{
+    return entryList(QStringLiteral(" where TransactDateTime >= :firstDate and TransactDateTime <= :endDate order by "
+                                    "TransactDateTime desc"),
+                     { { QStringLiteral(":firstDate"), dateTimeValue(startDate) },
+                       { QStringLiteral(":endDate"), dateTimeValue(endDate) } });
+}
+
+QList<Entry *> DatabaseManager::GetAllEntriesBetweenDatesOrderByPrice(QDateTime startDate, QDateTime endDate)
+{
+    return entryList(
+        QStringLiteral(" where TransactDateTime >= :firstDate and TransactDateTime <= :endDate order by Price"),
+        { { QStringLiteral(":firstDate"), dateTimeValue(startDate) },
+          { QStringLiteral(":endDate"), dateTimeValue(endDate) } });
+}
+
+QList<Entry *> DatabaseManager::GetAllEntriesOfCategoryBetweenDates(QString catName, QDateTime startDate,
+                                                                    QDateTime endDate)
+{
+    return entryList(QStringLiteral(" where CategoryName = :catName and TransactDateTime >= :firstDate and "
+                                    "TransactDateTime <= :endDate order by TransactDateTime desc"),
+                     { { QStringLiteral(":catName"), textValue(catName) },
+                       { QStringLiteral(":firstDate"), dateTimeValue(startDate) },
+                       { QStringLiteral(":endDate"), dateTimeValue(endDate) } });
+}
+
+QList<Entry *> DatabaseManager::GetAllEntriesOfCategoryBetweenDatesOrderByPrice(QString catName, QDateTime startDate,
+                                                                                QDateTime endDate)
+{
+    return entryList(QStringLiteral(" where CategoryName = :catName and TransactDateTime >= :firstDate and "
+                                    "TransactDateTime <= :endDate order by Price"),
+                     { { QStringLiteral(":catName"), textValue(catName) },
+                       { QStringLiteral(":firstDate"), dateTimeValue(startDate) },
+                       { QStringLiteral(":endDate"), dateTimeValue(endDate) } });
+}
+
+// Other lists
+
+QList<Category *> DatabaseManager::GetAllCategories()
+{
+    return recordList<Category>(countCategories, QStringLiteral("select SNo,CategoryName from Category"), {},
+                                readCategory);
+}
+
+QList<Mode *> DatabaseManager::GetAllModes()
+{
+    return recordList<Mode>(countModes, QStringLiteral("select SNo, ModeName from Mode"), {}, readMode);
+}
+
+QList<Items *> DatabaseManager::GetAllItems()
+{
+    return itemList(itemColumns);
+}
+
+QList<Items *> DatabaseManager::GetItemsOfParticularCategory(QString CatName)
+{
+    return itemList(itemColumns + QStringLiteral(" where CategoryName=:CName"),
+                    { { QStringLiteral(":CName"), textValue(CatName) } });
+}
+
+QList<Items *> DatabaseManager::GetTopNFrequentlyUsedItems(int num)
+{
+    // Ascending, as it has always been; a negative limit means no limit.
+    return itemList(itemColumns + QStringLiteral(" order by UseFrequency limit :number"),
+                    { { QStringLiteral(":number"), intValue(num) } });
+}
+
+QList<Items *> DatabaseManager::GetTopNFrequentlyUsedItemsOfCategory(int num, QString CatName)
+{
+    return itemList(itemColumns + QStringLiteral(" where CategoryName=:CName order by UseFrequency limit :number"),
+                    { { QStringLiteral(":CName"), textValue(CatName) }, { QStringLiteral(":number"), intValue(num) } });
+}
+
+QList<ItemSubstitutes *> DatabaseManager::GetAllItemSubstitutes()
+{
+    return itemSubstitutesList(itemSubstitutesColumns);
+}
+
+QList<ItemSubstitutes *> DatabaseManager::GetItemSubstitutesOfParticularItem(QString ItName)
+{
+    return itemSubstitutesList(itemSubstitutesColumns + QStringLiteral(" where ItemName=:IName"),
+                               { { QStringLiteral(":IName"), textValue(ItName) } });
+}
+
+QList<HistoricLocation *> DatabaseManager::GetAllHistoricLocation()
+{
+    return historicLocationList(historicLocationColumns);
+}
+
+QList<QString> DatabaseManager::GetListOfAllDistinctCategoriesOfAllEntries()
+{
+    QList<QString> names;
+    QSqlQuery query;
+    if (!run(query, QStringLiteral("select distinct CategoryName from Entry")))
+        return names;
+    while (query.next())
+        names.append(query.value(0).toString());
+    return names;
+}
+
+QList<QDateTime> DatabaseManager::GetAllDistinctDatesOfEntriesOfCategory(QString catName)
+{
+    QList<QDateTime> dates;
+    QSqlQuery query;
+    if (!run(query,
+             QStringLiteral("select distinct TransactDateTime,CategoryName from Entry where CategoryName = :catName "
+                            "order by TransactDateTime desc "),
+             { { QStringLiteral(":catName"), textValue(catName) } }))
+        return dates;
+    while (query.next())
+        dates.append(query.value(0).toDateTime());
+    return dates;
+}
+
+// Counts
+
+int DatabaseManager::GetTotalNumberOfEntries()
+{
+    return count(countEntries);
+}
+
+int DatabaseManager::GetNumberOfEntriesOfCategory(QString catName)
+{
+    return count(QStringLiteral("SELECT COUNT(ItemName) FROM Entry where CategoryName=:CatName;"),
+                 { { QStringLiteral(":CatName"), textValue(catName) } });
+}
+
+int DatabaseManager::GetNumberOfEntriesOnDate(QDateTime dat)
+{
+    return count(QStringLiteral("SELECT COUNT(ItemName) FROM Entry where TransactDateTime = :givenDate;"),
+                 { { QStringLiteral(":givenDate"), dateTimeValue(dat) } });
+}
+
+int DatabaseManager::GetNumberOfEntriesBetweenDates(QDateTime startDate, QDateTime endDate)
+{
+    return count(QStringLiteral("SELECT COUNT(ItemName) FROM Entry where TransactDateTime >= :firstDate and "
+                                "TransactDateTime <= :endDate;"),
+                 { { QStringLiteral(":firstDate"), dateTimeValue(startDate) },
+                   { QStringLiteral(":endDate"), dateTimeValue(endDate) } });
+}
+
+int DatabaseManager::GetNumberOfEntriesOfCategoryOnDate(QString catName, QDateTime dat)
+{
+    return count(
+        QStringLiteral("SELECT COUNT(ItemName) FROM Entry where CategoryName=:CatName and TransactDateTime = "
+                       ":givenDate;"),
+        { { QStringLiteral(":CatName"), textValue(catName) }, { QStringLiteral(":givenDate"), dateTimeValue(dat) } });
+}
+
+int DatabaseManager::GetNumberOfEntriesOfCategoryBetweenDate(QString catName, QDateTime startDate, QDateTime endDate)
+{
+    return count(QStringLiteral("SELECT COUNT(ItemName) FROM Entry where CategoryName=:CatName and TransactDateTime >= "
+                                ":firstDate and TransactDateTime <= :endDate;"),
+                 { { QStringLiteral(":CatName"), textValue(catName) },
+                   { QStringLiteral(":firstDate"), dateTimeValue(startDate) },
+                   { QStringLiteral(":endDate"), dateTimeValue(endDate) } });
+}
+
+int DatabaseManager::GetNumberOfCategories()
+{
+    return count(countCategories);
+}
+
+int DatabaseManager::GetNumberOfModes()
+{
+    return count(countModes);
+}
+
+int DatabaseManager::GetTotalNumberOfItems()
+{
+    return count(countItems);
+}
+
+int DatabaseManager::GetTotalNumberOfItemsOfCategory(QString CatName)
+{
+    return count(QStringLiteral("SELECT COUNT(ItemName) FROM Items where CategoryName=:CName;"),
+                 { { QStringLiteral(":CName"), textValue(CatName) } });
+}
+
+int DatabaseManager::GetTotalNumberOfItemSubstitutes()
+{
+    return count(countItemSubstitutes);
+}
+
+int DatabaseManager::GetTotalNumberOfItemSubstitutesOfItem(QString ItName)
+{
+    return count(QStringLiteral("SELECT COUNT(ItemName) FROM ItemSubstitutes where ItemName=:IName;"),
+                 { { QStringLiteral(":IName"), textValue(ItName) } });
+}
+
+int DatabaseManager::GetNumberOfHistoricLocations()
+{
+    return count(countHistoricLocations);
+}
+
+// Date bounds
+
+QDateTime DatabaseManager::GetDateOfFirstEntry()
+{
+    return entryDateBound(QStringLiteral("select TransactDateTime from Entry order by TransactDateTime asc limit 1"));
+}
+
+QDateTime DatabaseManager::GetDateOfLastEntry()
+{
+    return entryDateBound(QStringLiteral("select TransactDateTime from Entry order by TransactDateTime desc limit 1"));
+}
+
+QDateTime DatabaseManager::GetDateOfFirstEntryOfCategory(QString catName)
+{
+    return entryDateBound(QStringLiteral("select TransactDateTime,CategoryName from Entry where CategoryName= "
+                                         ":catName order by TransactDateTime asc limit 1"),
+                          { { QStringLiteral(":catName"), textValue(catName) } });
+}
+
+QDateTime DatabaseManager::GetDateOfLastEntryOfCategory(QString catName)
+{
+    return entryDateBound(QStringLiteral("select TransactDateTime,CategoryName from Entry where CategoryName= "
+                                         ":catName order by TransactDateTime desc limit 1"),
+                          { { QStringLiteral(":catName"), textValue(catName) } });
 }

@@ -1,9 +1,14 @@
 #pragma once
 
 #include <QDateTime>
+#include <QList>
 #include <QObject>
+#include <QPair>
 #include <QSqlDatabase>
 #include <QString>
+#include <QVariant>
+
+class QSqlQuery;
 
 // Plain records, one per table row, field for field in column order. Records
 // that DatabaseManager returns are allocated per call and owned by the caller.
@@ -91,7 +96,13 @@ public:
 
 // The expense store: owns the SQLite connection (registered under Qt's
 // default connection name) and every SQL statement of the program. Failures
-// show only in return values; nothing is logged.
+// show only in return values (false, 0, an empty string, a null record, an
+// empty list, a null date-time); nothing is logged.
+//
+// Ownership: records passed in stay the caller's and are only read. Every
+// record that an operation returns, alone or inside a QList, is allocated for
+// that call and belongs to the caller, who must delete it (qDeleteAll for
+// lists); the store keeps no pointer to it.
 class DatabaseManager : public QObject
 {
     Q_OBJECT
@@ -101,7 +112,97 @@ public:
     explicit DatabaseManager(QObject *parent);
     ~DatabaseManager() override;
 
+    // Categories
+    bool AddCategory(QString CName);
+    bool EditCategory(QString OldName, QString NewName);
+    int GetCategoryID(QString Name);
+    QString GetCategoryNameByCategoryID(int id);
+
+    // Modes
+    bool AddMode(QString CName);
+    bool EditMode(QString OldName, QString NewName);
+    int GetModeID(QString Name);
+
+    // Item catalogue
+    bool AddItem(Items *t);
+    bool EditItem(Items *old, Items *newItem);
+    bool DeleteItem(Items *t);
+    int GetItemID(QString itemname, QString itemCategory);
+    int GetItemID(Items *t);
+    QString GetCategoryOfItem(QString itemName);
+    Items *GetItemByItemID(int id);
+
+    // Item substitutes
+    bool AddItemSubstitutes(ItemSubstitutes *t);
+    bool EditItemSubstitutes(ItemSubstitutes *old, ItemSubstitutes *newItem);
+    bool DeleteItemSubstitutes(ItemSubstitutes *t);
+    int GetItemSubstitutesID(QString itemname, QString subName);
+    int GetItemSubstitutesID(ItemSubstitutes *t);
+    ItemSubstitutes *GetItemSubstitutesByItemSubstitutesID(int id);
+
+    // Remembered places
+    bool AddHistoricLocation(HistoricLocation *loc);
+    bool EditHistoricLocation(HistoricLocation *OldLoc, HistoricLocation *NewLoc);
+    bool DeleteHistoricLocation(HistoricLocation *loc);
+    int GetHistoricLocationID(HistoricLocation *loc);
+    HistoricLocation *GetHistoricLocationByCoordinates(float longit, float latit);
+    HistoricLocation *GetHistoricLocationByHistoricLocationID(int id);
+
+    // Entries
+    bool AddEntry(Entry *enteredEntry);
+    bool DeleteEntry(Entry *ent);
+    int GetEntryID(Entry *en);
+
+    // Entry lists, newest first or cheapest first; period bounds are inclusive
+    // and compared with the whole stored date-time.
+    QList<Entry *> GetAllEntries();
+    QList<Entry *> GetAllEntriesOrderByPrice();
+    QList<Entry *> GetAllEntriesOfCategory(QString catName);
+    QList<Entry *> GetAllEntriesOfCategoryOrderByPrice(QString catName);
+    QList<Entry *> GetAllEntriesOnDate(QDateTime dat);
+    QList<Entry *> GetAllEntriesOnDateOrderByPrice(QDateTime dat);
+    QList<Entry *> GetAllEntriesOfCategoryOnDate(QString catName, QDateTime dat);
+    QList<Entry *> GetAllEntriesOfCategoryOnDateOrderByPrice(QString catName, QDateTime dat);
+    QList<Entry *> GetAllEntriesBetweenDates(QDateTime startDate, QDateTime endDate);
+    QList<Entry *> GetAllEntriesBetweenDatesOrderByPrice(QDateTime startDate, QDateTime endDate);
+    QList<Entry *> GetAllEntriesOfCategoryBetweenDates(QString catName, QDateTime startDate, QDateTime endDate);
+    QList<Entry *> GetAllEntriesOfCategoryBetweenDatesOrderByPrice(QString catName, QDateTime startDate,
+                                                                   QDateTime endDate);
+
+    // Other lists
+    QList<Category *> GetAllCategories();
+    QList<Mode *> GetAllModes();
+    QList<Items *> GetAllItems();
+    QList<Items *> GetItemsOfParticularCategory(QString CatName);
+    // The least used items first: the sort is ascending on purpose.
+    QList<Items *> GetTopNFrequentlyUsedItems(int num);
+    QList<Items *> GetTopNFrequentlyUsedItemsOfCategory(int num, QString CatName);
+    QList<ItemSubstitutes *> GetAllItemSubstitutes();
+    QList<ItemSubstitutes *> GetItemSubstitutesOfParticularItem(QString ItName);
+    QList<HistoricLocation *> GetAllHistoricLocation();
+    QList<QString> GetListOfAllDistinctCategoriesOfAllEntries();
+    QList<QDateTime> GetAllDistinctDatesOfEntriesOfCategory(QString catName);
+
+    // Counts
     int GetTotalNumberOfEntries();
+    int GetNumberOfEntriesOfCategory(QString catName);
+    int GetNumberOfEntriesOnDate(QDateTime dat);
+    int GetNumberOfEntriesBetweenDates(QDateTime startDate, QDateTime endDate);
+    int GetNumberOfEntriesOfCategoryOnDate(QString catName, QDateTime dat);
+    int GetNumberOfEntriesOfCategoryBetweenDate(QString catName, QDateTime startDate, QDateTime endDate);
+    int GetNumberOfCategories();
+    int GetNumberOfModes();
+    int GetTotalNumberOfItems();
+    int GetTotalNumberOfItemsOfCategory(QString CatName);
+    int GetTotalNumberOfItemSubstitutes();
+    int GetTotalNumberOfItemSubstitutesOfItem(QString ItName);
+    int GetNumberOfHistoricLocations();
+
+    // Date bounds, null when there is no entry to report
+    QDateTime GetDateOfFirstEntry();
+    QDateTime GetDateOfLastEntry();
+    QDateTime GetDateOfFirstEntryOfCategory(QString catName);
+    QDateTime GetDateOfLastEntryOfCategory(QString catName);
 
     // Whether the database file could be opened and read at start-up; when
     // it could not, openError() says which file and why.
@@ -122,6 +223,30 @@ private:
 
     bool createTableIfMissing(const QString &table, const QString &createStatement);
     void addDefaultNames(const QStringList &names, const QString &countStatement, const QString &insertStatement);
+
+    // Named parameters and the values bound to them, already in their
+    // storage forms (see the *Value helpers in the .cpp).
+    using Bindings = QList<QPair<QString, QVariant>>;
+
+    // The one way statements run: on a fresh forward-only query on the
+    // default connection, prepared and bound. When the connection is not open
+    // nothing is built at all, so an unopened store fails silently.
+    bool run(QSqlQuery &query, const QString &statement, const Bindings &bindings = {});
+    // Runs a finished statement text as it is, without binding anything.
+    bool runText(QSqlQuery &query, const QString &statement);
+    // Runs a count statement; *count is column 0 of the first row, or 0.
+    bool runCount(const QString &statement, const Bindings &bindings, int *count);
+    int count(const QString &statement, const Bindings &bindings = {});
+    int firstId(const QString &statement, const Bindings &bindings);
+    QString firstText(const QString &statement, const Bindings &bindings);
+    QDateTime entryDateBound(const QString &statement, const Bindings &bindings = {});
+    QList<Entry *> entryList(const QString &clause, const Bindings &bindings = {});
+    QList<Items *> itemList(const QString &statement, const Bindings &bindings = {});
+    QList<ItemSubstitutes *> itemSubstitutesList(const QString &statement, const Bindings &bindings = {});
+    QList<HistoricLocation *> historicLocationList(const QString &statement, const Bindings &bindings = {});
+    template<typename Record, typename Read>
+    QList<Record *> recordList(const QString &tableCountStatement, const QString &statement, const Bindings &bindings,
+                               Read read);
 
     QSqlDatabase db;
     QString fileName;

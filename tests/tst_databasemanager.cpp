@@ -1,0 +1,1463 @@
+#include "databasemanager.h"
+#include "rawdatabase.h"
+#include "temphome.h"
+
+#include <QDir>
+#include <QFile>
+#include <QRandomGenerator>
+#include <QRegularExpression>
+#include <QTest>
+
+#include <functional>
+#include <memory>
+#include <unistd.h>
+
+namespace {
+
+// Owns the records of one list that the store returned.
+template<typename Record> class Owned
+{
+public:
+    explicit Owned(QList<Record *> records) : list(std::move(records)) { }
+    ~Owned() { qDeleteAll(list); }
+    Owned(const Owned &) = delete;
+    Owned &operator=(const Owned &) = delete;
+
+    int size() const { return list.size(); }
+    bool isEmpty() const { return list.isEmpty(); }
+    Record *operator[](int i) const { return list.at(i); }
+
+    QStringList itemNames() const
+    {
+        QStringList names;
+        for (const Record *record : list)
+            names.append(record->ItemName);
+        return names;
+    }
+
+    QList<Record *> list;
+};
+
+template<typename Record> Owned<Record> own(QList<Record *> records)
+{
+    return Owned<Record>(std::move(records));
+}
+
+const QStringList defaultCategories = {
+    QStringLiteral("Food"),
+    QStringLiteral("Drinks"),
+    QStringLiteral("Automobile - Fuel"),
+    QStringLiteral("Automobile - Lease"),
+    QStringLiteral("Automobile - Maintainence"),
+    QStringLiteral("Automobile - Other"),
+    QStringLiteral("Clothing"),
+    QStringLiteral("Entertainment - Dining"),
+    QStringLiteral("Entertainment - Movies"),
+    QStringLiteral("Entertainment - Recreation"),
+    QStringLiteral("Entertainment - Sports"),
+    QStringLiteral("Entertainment - Other"),
+    QStringLiteral("Groceries"),
+    QStringLiteral("Gifts"),
+    QStringLiteral("Household"),
+    QStringLiteral("Insurance - Life"),
+    QStringLiteral("Insurance - Health"),
+    QStringLiteral("Insurance - Travel"),
+    QStringLiteral("Insurance - Home"),
+    QStringLiteral("Insurance - Other"),
+    QStringLiteral("Loan - Auto"),
+    QStringLiteral("Loan - Home"),
+    QStringLiteral("Loan - Student"),
+    QStringLiteral("Loan - Other"),
+    QStringLiteral("Medical Expense"),
+    QStringLiteral("Dental Expense"),
+    QStringLiteral("Personal Care"),
+    QStringLiteral("Mortgage"),
+    QStringLiteral("Phone"),
+    QStringLiteral("Retirement Savings"),
+    QStringLiteral("Rent"),
+    QStringLiteral("Subscriptions"),
+    QStringLiteral("Taxes"),
+    QStringLiteral("Utilities - Cable"),
+    QStringLiteral("Utilities - Gas/Electric/Water"),
+    QStringLiteral("Utilities - Internet Access"),
+    QStringLiteral("Others"),
+};
+
+const QStringList defaultModes = { QStringLiteral("Default"), QStringLiteral("Money Saving"),
+                                   QStringLiteral("Time Saving") };
+
+const QList<QPair<QString, QString>> createStatements = {
+    { QStringLiteral("Category"),
+      QStringLiteral("CREATE TABLE Category (SNo integer PRIMARY KEY AUTOINCREMENT NOT NULL UNIQUE, CategoryName  "
+                     "nvarchar(255) NOT NULL UNIQUE )") },
+    { QStringLiteral("Items"),
+      QStringLiteral("CREATE TABLE Items ( SNo integer PRIMARY KEY AUTOINCREMENT NOT NULL UNIQUE, ItemName "
+                     "nvarchar(255) NOT NULL, CategoryName  nvarchar(255) NOT NULL, CategoryID integer NOT NULL, "
+                     "LastPrice float(50), UseFrequency  integer )") },
+    { QStringLiteral("Mode"),
+      QStringLiteral("CREATE TABLE Mode ( SNo integer PRIMARY KEY AUTOINCREMENT NOT NULL UNIQUE, ModeName  "
+                     "nvarchar(255) NOT NULL )") },
+    { QStringLiteral("HistoricLocation"),
+      QStringLiteral("CREATE TABLE HistoricLocation ( SNo integer PRIMARY KEY AUTOINCREMENT NOT NULL UNIQUE, "
+                     "LocationName nvarchar(255) NOT NULL UNIQUE, LocationLongitude   float(50) NOT NULL, "
+                     "LocationLatitude    float(50) NOT NULL, ReverseGeoLocation  nvarchar(255), CoordinateText "
+                     "nvarchar(255) )") },
+    { QStringLiteral("ItemSubstitutes"),
+      QStringLiteral("CREATE TABLE ItemSubstitutes ( SNo integer PRIMARY KEY AUTOINCREMENT NOT NULL UNIQUE, "
+                     "ItemName nvarchar(255) NOT NULL, SubstituteName  nvarchar(255) NOT NULL, ItemID integer NOT "
+                     "NULL, SubstitueID integer NOT NULL )") },
+    { QStringLiteral("Entry"),
+      QStringLiteral("CREATE TABLE Entry ( SNo integer PRIMARY KEY AUTOINCREMENT NOT NULL UNIQUE, ItemName "
+                     "nvarchar(255) NOT NULL, CategoryName nvarchar(255) NOT NULL, CategoryID integer NOT NULL, "
+                     "TransactDateTime  datetime NOT NULL, Price float(50) NOT NULL, LocationText nvarchar(255), "
+                     "EnableGeoLoc boolean NOT NULL, GeoLocID integer, GeoLocLongit float(50), GeoLocLatit "
+                     "float(50), ItemID integer NOT NULL )") },
+};
+
+QDateTime at(int year, int month, int day, int hour = 0, int minute = 0, int second = 0)
+{
+    return QDateTime(QDate(year, month, day), QTime(hour, minute, second));
+}
+
+// An entry as the new-entry page builds it: without a geolocation it still
+// carries the page's fallback coordinates.
+Entry makeEntry(const QString &item, const QString &category, const QDateTime &when, float price,
+                const QString &location = QStringLiteral("Market"), bool geo = false, float longitude = 103.0f,
+                float latitude = 1.3f)
+{
+    Entry entry;
+    entry.ItemName = item;
+    entry.CategoryName = category;
+    entry.TransactDateTime = when;
+    entry.Price = price;
+    entry.LocationText = location;
+    entry.EnableGeoLoc = geo;
+    entry.GeoLocLongit = longitude;
+    entry.GeoLocLatit = latitude;
+    return entry;
+}
+
+Items makeItem(const QString &name, const QString &category, float lastPrice, int useFrequency = 1)
+{
+    Items item;
+    item.ItemName = name;
+    item.CategoryName = category;
+    item.LastPrice = lastPrice;
+    item.UseFrequency = useFrequency;
+    return item;
+}
+
+HistoricLocation makePlace(const QString &name, float longitude, float latitude)
+{
+    HistoricLocation place;
+    place.LocationName = name;
+    place.LocationLongitude = longitude;
+    place.LocationLatitude = latitude;
+    place.ReverseGeoLocation = QLatin1String("");
+    place.CoordinateText = QStringLiteral("%1-%2").arg(longitude).arg(latitude);
+    return place;
+}
+
+QStringList column(const QList<QVariantList> &rows, int index)
+{
+    QStringList values;
+    for (const QVariantList &row : rows)
+        values.append(row.at(index).toString());
+    return values;
+}
+
+// Every row of every table, as text, to compare whole files.
+QStringList dumpTables(RawDatabase &raw)
+{
+    QStringList dump;
+    for (const auto &table : createStatements) {
+        const QList<QVariantList> rows = raw.rows(QStringLiteral("select * from %1 order by SNo").arg(table.first));
+        for (const QVariantList &row : rows) {
+            QStringList cells;
+            for (const QVariant &cell : row)
+                cells.append(cell.toString());
+            dump.append(table.first + QLatin1Char('|') + cells.join(QLatin1Char('|')));
+        }
+    }
+    return dump;
+}
+
+} // namespace
+
+class tst_DatabaseManager : public QObject
+{
+    Q_OBJECT
+
+private:
+    std::unique_ptr<TempHome> home;
+
+    std::unique_ptr<DatabaseManager> startStore() { return std::make_unique<DatabaseManager>(nullptr); }
+    void addSampleEntries(DatabaseManager &store);
+
+private slots:
+    void init();
+    void cleanup();
+
+    // Records
+    void aFreshEntryHasGeolocationOffEmptyTextsAndAnInvalidDate();
+    void itemSubstitutesKeepTheirSubstituteIdThroughTheMisspelledColumn();
+
+    // File, schema and default rows
+    void aNewHomeGetsExactlyTheSixTablesWithTheirCreateStatements();
+    void aNewHomeGetsTheDefaultCategoriesNumberedInOrder();
+    void aNewHomeGetsTheDefaultModesNumberedInOrder();
+    void startingAgainOnTheSameFileChangesNothing();
+    void aRenamedDefaultCategoryComesBackWithTheNextFreeNumber();
+    void aDroppedEntryTableComesBackEmptyWhileTheOthersKeepTheirRows();
+    void aTableNamedInLowerCaseIsNotTakenForTheEntryTable();
+    void aModeStoredTwiceGetsAThirdCopyAtTheNextStart();
+    void aFileOfRandomBytesMakesAnUnusableStoreAndStaysUntouched();
+    void aHomeThatCannotBeWrittenMakesAnUnusableStore();
+    void anUnopenedStoreAnswersEveryOperationWithItsFailureValue();
+
+    // Storage forms
+    void theStoreWritesDatesBooleansAndFloatsInTheirStorageForms();
+    void theCoordinateTextJoinsLongitudeAndLatitudeWithADash_data();
+    void theCoordinateTextJoinsLongitudeAndLatitudeWithADash();
+    void aFileWrittenInTheStorageFormsReadsBackFieldForField();
+    void hardTextRoundTripsThroughAddEntry_data();
+    void hardTextRoundTripsThroughAddEntry();
+
+    // Writes and identifier lookups
+    void entriesKeepOneCatalogueRowPerItemAndCategory();
+    void anEntryInAnUnknownCategoryIsStoredWithCategoryIdZero();
+    void anEntryWithoutGeolocationLeavesThePlacesUntouched();
+    void anEntryWithoutGeolocationKeepsTheCallersCoordinatesAndPlaceZero();
+    void twoEntriesAtTheSamePlaceShareOnePlaceRow();
+    void anEntryAtAKnownPlaceNameWithOtherCoordinatesGetsPlaceZero();
+    void addingAnExistingCategoryReturnsTrueAndAddsNothing();
+    void editingAnUnknownCategoryFails();
+    void renamingACategoryToANameInUseFails();
+    void renamingACategoryLeavesItsEntriesUnderTheOldName();
+    void anUnknownCategoryHasIdZero();
+    void deletingAnOrdinaryEntryFailsAndKeepsTheRow();
+    void deleteStatementsTakeTheirValuesUnquoted_data();
+    void deleteStatementsTakeTheirValuesUnquoted();
+    void anEntryWithoutItemOrCategoryNameIsRefusedBeforeTheCatalogueChanges_data();
+    void anEntryWithoutItemOrCategoryNameIsRefusedBeforeTheCatalogueChanges();
+    void anEntryWithoutDateUpdatesItsCatalogueRowButIsRefused();
+    void aPlaceIsStoredWithAnEmptyReverseGeolocation();
+    void aModeIsAddedOnceAndRenamedOnlyWhenStoredOnce();
+    void editingAnItemTakesTheCategoryNumberFromTheNewName();
+    void itemLookupsMatchNameCategoryFrequencyAndExactPrice();
+    void substituteNumbersComeFromTheCatalogue();
+    void placesCanBeEditedAndFoundByCoordinatesOrNumber();
+    void anEntryIsFoundByItsFields();
+
+    // Queries and counts
+    void anEmptyEntryTableGivesEmptyListsZeroCountsAndNullDates();
+    void periodBoundsIncludeAnEntryAtExactlyTheirTime_data();
+    void periodBoundsIncludeAnEntryAtExactlyTheirTime();
+    void aDateThatDiffersOnlyInTimeOfDayFindsNoEntry();
+    void entryListsFilterAndSort_data();
+    void entryListsFilterAndSort();
+    void countsFollowTheirFilters_data();
+    void countsFollowTheirFilters();
+    void dateBoundsAreTheOldestAndNewestStoredDates();
+    void topNItemsAreTheLeastUsedOnesInAscendingOrder();
+    void topNLimitsFollowSqlite_data();
+    void topNLimitsFollowSqlite();
+    void itemListsFilterByCategory();
+    void distinctCategoriesOfEntriesIncludeRenamedOnesAndSkipUnusedOnes();
+    void distinctDatesTellApartTwoTimesOfTheSameDay();
+    void entriesOfEqualPriceKeepTheirStoredOrder();
+};
+
+void tst_DatabaseManager::init()
+{
+    // The store reports by return value only; any Qt warning is a failure.
+    QTest::failOnWarning(QRegularExpression(QStringLiteral(".*")));
+    home = std::make_unique<TempHome>();
+    QVERIFY(home->isValid());
+}
+
+void tst_DatabaseManager::cleanup()
+{
+    home.reset();
+}
+
+void tst_DatabaseManager::addSampleEntries(DatabaseManager &store)
+{
+    const QList<Entry> entries = {
+        makeEntry(QStringLiteral("Coffee"), QStringLiteral("Drinks"), at(2026, 1, 10, 8, 0), 3.0f),
+        makeEntry(QStringLiteral("Bread"), QStringLiteral("Food"), at(2026, 1, 10, 8, 0), 2.0f),
+        makeEntry(QStringLiteral("Tea"), QStringLiteral("Drinks"), at(2026, 2, 5, 12, 0), 1.5f),
+        makeEntry(QStringLiteral("Cake"), QStringLiteral("Food"), at(2026, 3, 1, 18, 30), 5.0f),
+        makeEntry(QStringLiteral("Juice"), QStringLiteral("Drinks"), at(2026, 3, 20, 9, 15), 4.0f),
+    };
+    for (Entry entry : entries)
+        QVERIFY(store.AddEntry(&entry));
+}
+
+// Records
+
+void tst_DatabaseManager::aFreshEntryHasGeolocationOffEmptyTextsAndAnInvalidDate()
+{
+    const Entry entry;
+    QCOMPARE(entry.EnableGeoLoc, false);
+    QVERIFY(entry.ItemName.isEmpty());
+    QVERIFY(entry.CategoryName.isEmpty());
+    QVERIFY(entry.LocationText.isEmpty());
+    QVERIFY(entry.ItemName.isNull());
+    QVERIFY(!entry.TransactDateTime.isValid());
+    QVERIFY(entry.TransactDateTime.isNull());
+}
+
+void tst_DatabaseManager::itemSubstitutesKeepTheirSubstituteIdThroughTheMisspelledColumn()
+{
+    auto store = startStore();
+    Items butter = makeItem(QStringLiteral("Butter"), QStringLiteral("Groceries"), 2.0f);
+    Items margarine = makeItem(QStringLiteral("Margarine"), QStringLiteral("Groceries"), 1.0f);
+    QVERIFY(store->AddItem(&butter));
+    QVERIFY(store->AddItem(&margarine));
+
+    ItemSubstitutes pairing;
+    pairing.ItemName = butter.ItemName;
+    pairing.SubstituteName = margarine.ItemName;
+    QVERIFY(store->AddItemSubstitutes(&pairing));
+
+    RawDatabase raw(home->databasePath());
+    QCOMPARE(raw.scalar(QStringLiteral("select SubstitueID from ItemSubstitutes")).toInt(), 2);
+
+    const int id = store->GetItemSubstitutesID(pairing.ItemName, pairing.SubstituteName);
+    QCOMPARE(id, 1);
+    std::unique_ptr<ItemSubstitutes> back(store->GetItemSubstitutesByItemSubstitutesID(id));
+    QVERIFY(back);
+    QCOMPARE(back->ItemID, 1);
+    QCOMPARE(back->SubstituteID, 2);
+    const auto all = own(store->GetAllItemSubstitutes());
+    QCOMPARE(all.size(), 1);
+    QCOMPARE(all[0]->SubstituteID, 2);
+}
+
+// File, schema and default rows
+
+void tst_DatabaseManager::aNewHomeGetsExactlyTheSixTablesWithTheirCreateStatements()
+{
+    auto store = startStore();
+    QVERIFY(store->isUsable());
+    QVERIFY(QFile::exists(home->databasePath()));
+
+    RawDatabase raw(home->databasePath());
+    const QList<QVariantList> rows = raw.rows(
+        QStringLiteral("select name, sql from sqlite_master where type = 'table' and name <> 'sqlite_sequence'"));
+    QCOMPARE(rows.size(), createStatements.size());
+    for (const auto &table : createStatements) {
+        const QList<QVariantList> matching = raw.rows(
+            QStringLiteral("select sql from sqlite_master where type = 'table' and name = '%1'").arg(table.first));
+        QCOMPARE(matching.size(), 1);
+        QCOMPARE(matching.first().first().toString(), table.second);
+    }
+    QCOMPARE(raw.scalar(QStringLiteral("select count(*) from sqlite_master where type in ('index', 'trigger') and "
+                                       "sql is not null"))
+                 .toInt(),
+             0);
+}
+
+void tst_DatabaseManager::aNewHomeGetsTheDefaultCategoriesNumberedInOrder()
+{
+    auto store = startStore();
+    RawDatabase raw(home->databasePath());
+    const QList<QVariantList> rows = raw.rows(QStringLiteral("select SNo, CategoryName from Category order by SNo"));
+    QCOMPARE(column(rows, 1), defaultCategories);
+    for (int i = 0; i < rows.size(); ++i)
+        QCOMPARE(rows.at(i).at(0).toInt(), i + 1);
+
+    const auto categories = own(store->GetAllCategories());
+    QCOMPARE(categories.size(), 37);
+    for (int i = 0; i < categories.size(); ++i) {
+        QCOMPARE(categories[i]->SNo, i + 1);
+        QCOMPARE(categories[i]->CategoryName, defaultCategories.at(i));
+    }
+    QCOMPARE(store->GetNumberOfCategories(), 37);
+}
+
+void tst_DatabaseManager::aNewHomeGetsTheDefaultModesNumberedInOrder()
+{
+    auto store = startStore();
+    const auto modes = own(store->GetAllModes());
+    QCOMPARE(modes.size(), 3);
+    for (int i = 0; i < modes.size(); ++i) {
+        QCOMPARE(modes[i]->SNo, i + 1);
+        QCOMPARE(modes[i]->ModeName, defaultModes.at(i));
+    }
+    QCOMPARE(store->GetNumberOfModes(), 3);
+    QCOMPARE(store->GetModeID(QStringLiteral("Time Saving")), 3);
+}
+
+void tst_DatabaseManager::startingAgainOnTheSameFileChangesNothing()
+{
+    QStringList before;
+    {
+        auto store = startStore();
+        addSampleEntries(*store);
+        HistoricLocation place = makePlace(QStringLiteral("Harbour"), 1.5f, 2.5f);
+        QVERIFY(store->AddHistoricLocation(&place));
+        RawDatabase raw(home->databasePath());
+        before = dumpTables(raw);
+    }
+    QCOMPARE(before.size(), 37 + 3 + 5 + 5 + 1);
+
+    auto again = startStore();
+    QVERIFY(again->isUsable());
+    RawDatabase raw(home->databasePath());
+    QCOMPARE(dumpTables(raw), before);
+}
+
+void tst_DatabaseManager::aRenamedDefaultCategoryComesBackWithTheNextFreeNumber()
+{
+    {
+        auto store = startStore();
+        QVERIFY(store->EditCategory(QStringLiteral("Food"), QStringLiteral("Meals")));
+        QCOMPARE(store->GetCategoryID(QStringLiteral("Food")), 0);
+    }
+    auto store = startStore();
+    QCOMPARE(store->GetCategoryID(QStringLiteral("Meals")), 1);
+    QCOMPARE(store->GetCategoryID(QStringLiteral("Food")), 38);
+    QCOMPARE(store->GetNumberOfCategories(), 38);
+}
+
+void tst_DatabaseManager::aDroppedEntryTableComesBackEmptyWhileTheOthersKeepTheirRows()
+{
+    {
+        auto store = startStore();
+        addSampleEntries(*store);
+        QVERIFY(store->AddCategory(QStringLiteral("Pets")));
+    }
+    {
+        RawDatabase raw(home->databasePath());
+        QVERIFY2(raw.exec(QStringLiteral("DROP TABLE Entry")), qPrintable(raw.lastError()));
+    }
+    auto store = startStore();
+    QCOMPARE(store->GetTotalNumberOfEntries(), 0);
+    QVERIFY(own(store->GetAllEntries()).isEmpty());
+    QCOMPARE(store->GetTotalNumberOfItems(), 5);
+    QCOMPARE(store->GetNumberOfCategories(), 38);
+    QCOMPARE(store->GetNumberOfModes(), 3);
+
+    RawDatabase raw(home->databasePath());
+    QCOMPARE(raw.scalar(QStringLiteral("select sql from sqlite_master where name = 'Entry'")).toString(),
+             createStatements.last().second);
+    Entry entry = makeEntry(QStringLiteral("Tea"), QStringLiteral("Drinks"), at(2026, 4, 1), 1.0f);
+    QVERIFY(store->AddEntry(&entry));
+    QCOMPARE(store->GetTotalNumberOfEntries(), 1);
+}
+
+void tst_DatabaseManager::aTableNamedInLowerCaseIsNotTakenForTheEntryTable()
+{
+    {
+        RawDatabase raw(home->databasePath());
+        QVERIFY(raw.exec(QStringLiteral("CREATE TABLE entry (Note text)")));
+        QVERIFY(raw.exec(QStringLiteral("INSERT INTO entry (Note) VALUES ('kept')")));
+    }
+    auto store = startStore();
+    QVERIFY(store->isUsable());
+
+    RawDatabase raw(home->databasePath());
+    // The create statement for "Entry" ran and was refused: the lower-case
+    // table is still the only one of that name, untouched.
+    const QList<QVariantList> rows =
+        raw.rows(QStringLiteral("select name, sql from sqlite_master where lower(name) = 'entry'"));
+    QCOMPARE(rows.size(), 1);
+    QCOMPARE(rows.first().at(0).toString(), QStringLiteral("entry"));
+    QCOMPARE(rows.first().at(1).toString(), QStringLiteral("CREATE TABLE entry (Note text)"));
+    QCOMPARE(raw.scalar(QStringLiteral("select Note from entry")).toString(), QStringLiteral("kept"));
+
+    // The rest of the file was set up as usual; entry operations fail.
+    QCOMPARE(store->GetNumberOfCategories(), 37);
+    QCOMPARE(store->GetNumberOfModes(), 3);
+    Entry entry = makeEntry(QStringLiteral("Tea"), QStringLiteral("Drinks"), at(2026, 4, 1), 1.0f);
+    QVERIFY(!store->AddEntry(&entry));
+    QCOMPARE(store->GetTotalNumberOfEntries(), 0);
+    QVERIFY(own(store->GetAllEntries()).isEmpty());
+}
+
+void tst_DatabaseManager::aModeStoredTwiceGetsAThirdCopyAtTheNextStart()
+{
+    startStore().reset();
+    {
+        RawDatabase raw(home->databasePath());
+        QVERIFY(raw.exec(QStringLiteral("INSERT INTO Mode (ModeName) VALUES ('Default')")));
+    }
+    auto store = startStore();
+    RawDatabase raw(home->databasePath());
+    const QList<QVariantList> rows = raw.rows(QStringLiteral("select SNo, ModeName from Mode order by SNo"));
+    QCOMPARE(column(rows, 1),
+             QStringList({ QStringLiteral("Default"), QStringLiteral("Money Saving"), QStringLiteral("Time Saving"),
+                           QStringLiteral("Default"), QStringLiteral("Default") }));
+    QCOMPARE(column(rows, 0), QStringList({ "1", "2", "3", "4", "5" }));
+}
+
+void tst_DatabaseManager::aFileOfRandomBytesMakesAnUnusableStoreAndStaysUntouched()
+{
+    QByteArray bytes(8192, Qt::Uninitialized);
+    QRandomGenerator generator(20261115);
+    for (char &byte : bytes)
+        byte = char(generator.bounded(256));
+    {
+        QFile file(home->databasePath());
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        QCOMPARE(file.write(bytes), bytes.size());
+    }
+
+    auto store = startStore();
+    QVERIFY(!store->isUsable());
+    QVERIFY(!store->openError().isEmpty());
+    QCOMPARE(store->databaseFileName(), home->databasePath());
+    QVERIFY(own(store->GetAllEntries()).isEmpty());
+    QVERIFY(own(store->GetAllCategories()).isEmpty());
+    QVERIFY(own(store->GetAllModes()).isEmpty());
+    QCOMPARE(store->GetTotalNumberOfEntries(), 0);
+    QCOMPARE(store->GetNumberOfCategories(), 0);
+    Entry entry = makeEntry(QStringLiteral("Tea"), QStringLiteral("Drinks"), at(2026, 4, 1), 1.0f);
+    QVERIFY(!store->AddEntry(&entry));
+    QVERIFY(!store->AddCategory(QStringLiteral("Pets")));
+    store.reset();
+
+    QFile file(home->databasePath());
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    QCOMPARE(file.readAll(), bytes);
+}
+
+void tst_DatabaseManager::aHomeThatCannotBeWrittenMakesAnUnusableStore()
+{
+    // Permissions do not stop root, but nothing can create a file in /proc.
+    QString unwritable = QStringLiteral("/proc");
+    if (geteuid() != 0) {
+        unwritable = home->filePath(QStringLiteral("locked"));
+        QVERIFY(QDir().mkdir(unwritable));
+        QVERIFY(QFile::setPermissions(unwritable,
+                                      QFile::ReadOwner | QFile::ExeOwner | QFile::ReadGroup | QFile::ExeGroup |
+                                          QFile::ReadOther | QFile::ExeOther));
+    }
+    qputenv("HOME", QFile::encodeName(unwritable));
+
+    auto store = startStore();
+    QVERIFY(!store->isUsable());
+    QVERIFY(!store->openError().isEmpty());
+    QVERIFY(!QFile::exists(unwritable + QStringLiteral("/ledgerlydatabase.db")));
+    QVERIFY(own(store->GetAllCategories()).isEmpty());
+    QCOMPARE(store->GetNumberOfModes(), 0);
+    QVERIFY(!store->AddCategory(QStringLiteral("Pets")));
+
+    if (unwritable != QLatin1String("/proc"))
+        QFile::setPermissions(unwritable, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+}
+
+void tst_DatabaseManager::anUnopenedStoreAnswersEveryOperationWithItsFailureValue()
+{
+    qputenv("HOME", QFile::encodeName(home->filePath(QStringLiteral("no/such/directory"))));
+    auto store = startStore();
+    QVERIFY(!store->isUsable());
+
+    Items item = makeItem(QStringLiteral("Coffee"), QStringLiteral("Drinks"), 2.5f);
+    ItemSubstitutes pairing;
+    pairing.ItemName = QStringLiteral("Coffee");
+    pairing.SubstituteName = QStringLiteral("Tea");
+    HistoricLocation place = makePlace(QStringLiteral("Harbour"), 1.5f, 2.5f);
+    Entry entry = makeEntry(QStringLiteral("Coffee"), QStringLiteral("Drinks"), at(2026, 4, 1), 2.5f);
+    const QDateTime day = at(2026, 4, 1);
+    const QDateTime later = at(2026, 5, 1);
+    const QString drinks = QStringLiteral("Drinks");
+
+    // Writes: false
+    QVERIFY(!store->AddCategory(QStringLiteral("Pets")));
+    QVERIFY(!store->EditCategory(drinks, QStringLiteral("Beverages")));
+    QVERIFY(!store->AddMode(QStringLiteral("Lazy")));
+    QVERIFY(!store->EditMode(QStringLiteral("Default"), QStringLiteral("Lazy")));
+    QVERIFY(!store->AddItem(&item));
+    QVERIFY(!store->EditItem(&item, &item));
+    QVERIFY(!store->DeleteItem(&item));
+    QVERIFY(!store->AddItemSubstitutes(&pairing));
+    QVERIFY(!store->EditItemSubstitutes(&pairing, &pairing));
+    QVERIFY(!store->DeleteItemSubstitutes(&pairing));
+    QVERIFY(!store->AddHistoricLocation(&place));
+    QVERIFY(!store->EditHistoricLocation(&place, &place));
+    QVERIFY(!store->DeleteHistoricLocation(&place));
+    QVERIFY(!store->AddEntry(&entry));
+    QVERIFY(!store->DeleteEntry(&entry));
+
+    // Identifier lookups: 0; text lookups: empty; record lookups: null
+    QCOMPARE(store->GetCategoryID(drinks), 0);
+    QCOMPARE(store->GetModeID(QStringLiteral("Default")), 0);
+    QCOMPARE(store->GetItemID(QStringLiteral("Coffee"), drinks), 0);
+    QCOMPARE(store->GetItemID(&item), 0);
+    QCOMPARE(store->GetItemSubstitutesID(QStringLiteral("Coffee"), QStringLiteral("Tea")), 0);
+    QCOMPARE(store->GetItemSubstitutesID(&pairing), 0);
+    QCOMPARE(store->GetHistoricLocationID(&place), 0);
+    QCOMPARE(store->GetEntryID(&entry), 0);
+    QCOMPARE(store->GetCategoryNameByCategoryID(1), QString());
+    QCOMPARE(store->GetCategoryOfItem(QStringLiteral("Coffee")), QString());
+    QCOMPARE(store->GetItemByItemID(1), nullptr);
+    QCOMPARE(store->GetItemSubstitutesByItemSubstitutesID(1), nullptr);
+    QCOMPARE(store->GetHistoricLocationByCoordinates(1.5f, 2.5f), nullptr);
+    QCOMPARE(store->GetHistoricLocationByHistoricLocationID(1), nullptr);
+
+    // Lists: empty
+    QVERIFY(own(store->GetAllEntries()).isEmpty());
+    QVERIFY(own(store->GetAllEntriesOrderByPrice()).isEmpty());
+    QVERIFY(own(store->GetAllEntriesOfCategory(drinks)).isEmpty());
+    QVERIFY(own(store->GetAllEntriesOfCategoryOrderByPrice(drinks)).isEmpty());
+    QVERIFY(own(store->GetAllEntriesOnDate(day)).isEmpty());
+    QVERIFY(own(store->GetAllEntriesOnDateOrderByPrice(day)).isEmpty());
+    QVERIFY(own(store->GetAllEntriesOfCategoryOnDate(drinks, day)).isEmpty());
+    QVERIFY(own(store->GetAllEntriesOfCategoryOnDateOrderByPrice(drinks, day)).isEmpty());
+    QVERIFY(own(store->GetAllEntriesBetweenDates(day, later)).isEmpty());
+    QVERIFY(own(store->GetAllEntriesBetweenDatesOrderByPrice(day, later)).isEmpty());
+    QVERIFY(own(store->GetAllEntriesOfCategoryBetweenDates(drinks, day, later)).isEmpty());
+    QVERIFY(own(store->GetAllEntriesOfCategoryBetweenDatesOrderByPrice(drinks, day, later)).isEmpty());
+    QVERIFY(own(store->GetAllCategories()).isEmpty());
+    QVERIFY(own(store->GetAllModes()).isEmpty());
+    QVERIFY(own(store->GetAllItems()).isEmpty());
+    QVERIFY(own(store->GetItemsOfParticularCategory(drinks)).isEmpty());
+    QVERIFY(own(store->GetTopNFrequentlyUsedItems(5)).isEmpty());
+    QVERIFY(own(store->GetTopNFrequentlyUsedItemsOfCategory(5, drinks)).isEmpty());
+    QVERIFY(own(store->GetAllItemSubstitutes()).isEmpty());
+    QVERIFY(own(store->GetItemSubstitutesOfParticularItem(QStringLiteral("Coffee"))).isEmpty());
+    QVERIFY(own(store->GetAllHistoricLocation()).isEmpty());
+    QVERIFY(store->GetListOfAllDistinctCategoriesOfAllEntries().isEmpty());
+    QVERIFY(store->GetAllDistinctDatesOfEntriesOfCategory(drinks).isEmpty());
+
+    // Counts: 0
+    QCOMPARE(store->GetTotalNumberOfEntries(), 0);
+    QCOMPARE(store->GetNumberOfEntriesOfCategory(drinks), 0);
+    QCOMPARE(store->GetNumberOfEntriesOnDate(day), 0);
+    QCOMPARE(store->GetNumberOfEntriesBetweenDates(day, later), 0);
+    QCOMPARE(store->GetNumberOfEntriesOfCategoryOnDate(drinks, day), 0);
+    QCOMPARE(store->GetNumberOfEntriesOfCategoryBetweenDate(drinks, day, later), 0);
+    QCOMPARE(store->GetNumberOfCategories(), 0);
+    QCOMPARE(store->GetNumberOfModes(), 0);
+    QCOMPARE(store->GetTotalNumberOfItems(), 0);
+    QCOMPARE(store->GetTotalNumberOfItemsOfCategory(drinks), 0);
+    QCOMPARE(store->GetTotalNumberOfItemSubstitutes(), 0);
+    QCOMPARE(store->GetTotalNumberOfItemSubstitutesOfItem(QStringLiteral("Coffee")), 0);
+    QCOMPARE(store->GetNumberOfHistoricLocations(), 0);
+
+    // Date bounds: null
+    QVERIFY(store->GetDateOfFirstEntry().isNull());
+    QVERIFY(store->GetDateOfLastEntry().isNull());
+    QVERIFY(store->GetDateOfFirstEntryOfCategory(drinks).isNull());
+    QVERIFY(store->GetDateOfLastEntryOfCategory(drinks).isNull());
+
+    QVERIFY(!QFile::exists(home->filePath(QStringLiteral("no"))));
+}
+
+// Storage forms
+
+void tst_DatabaseManager::theStoreWritesDatesBooleansAndFloatsInTheirStorageForms()
+{
+    auto store = startStore();
+    Entry plain = makeEntry(QStringLiteral("Coffee"), QStringLiteral("Drinks"), QDate(2026, 11, 15).startOfDay(), 2.5f);
+    Entry located = makeEntry(QStringLiteral("Bread"), QStringLiteral("Food"), at(2026, 11, 16, 13, 8, 59), 0.1f,
+                              QStringLiteral("Harbour"), true, -3.5f, 40.25f);
+    QVERIFY(store->AddEntry(&plain));
+    QVERIFY(store->AddEntry(&located));
+
+    RawDatabase raw(home->databasePath());
+    const QList<QVariantList> rows = raw.rows(
+        QStringLiteral("select TransactDateTime, typeof(TransactDateTime), EnableGeoLoc, typeof(EnableGeoLoc), "
+                       "typeof(Price), typeof(GeoLocLongit), typeof(GeoLocLatit) from Entry order by SNo"));
+    QCOMPARE(rows.size(), 2);
+    QCOMPARE(rows.at(0).at(0).toString(), QStringLiteral("2026-11-15T00:00:00"));
+    QCOMPARE(rows.at(1).at(0).toString(), QStringLiteral("2026-11-16T13:08:59"));
+    QCOMPARE(rows.at(0).at(2).toString(), QStringLiteral("false"));
+    QCOMPARE(rows.at(1).at(2).toString(), QStringLiteral("true"));
+    for (const QVariantList &row : rows) {
+        QCOMPARE(row.at(1).toString(), QStringLiteral("text"));
+        QCOMPARE(row.at(3).toString(), QStringLiteral("text"));
+        QCOMPARE(row.at(4).toString(), QStringLiteral("real"));
+        QCOMPARE(row.at(5).toString(), QStringLiteral("real"));
+        QCOMPARE(row.at(6).toString(), QStringLiteral("real"));
+    }
+    QCOMPARE(raw.scalar(QStringLiteral("select Price from Entry where SNo = 2")).toFloat(), 0.1f);
+    QCOMPARE(raw.scalar(QStringLiteral("select count(*) from Items where typeof(LastPrice) = 'real'")).toInt(), 2);
+    QCOMPARE(raw.scalar(QStringLiteral("select typeof(LocationLongitude) || typeof(LocationLatitude) from "
+                                       "HistoricLocation"))
+                 .toString(),
+             QStringLiteral("realreal"));
+}
+
+void tst_DatabaseManager::theCoordinateTextJoinsLongitudeAndLatitudeWithADash_data()
+{
+    QTest::addColumn<float>("longitude");
+    QTest::addColumn<float>("latitude");
+    QTest::addColumn<QString>("text");
+    QTest::newRow("negative longitude doubles nothing but leads") << -3.5f << 40.25f << QStringLiteral("-3.5-40.25");
+    QTest::newRow("six significant digits") << 103.8488f << 1.35214f << QStringLiteral("103.849-1.35214");
+    QTest::newRow("negative latitude doubles the dash") << 151.2f << -33.87f << QStringLiteral("151.2--33.87");
+    QTest::newRow("whole numbers") << 7.0f << 0.0f << QStringLiteral("7-0");
+}
+
+void tst_DatabaseManager::theCoordinateTextJoinsLongitudeAndLatitudeWithADash()
+{
+    QFETCH(float, longitude);
+    QFETCH(float, latitude);
+    QFETCH(QString, text);
+    auto store = startStore();
+    Entry entry = makeEntry(QStringLiteral("Coffee"), QStringLiteral("Drinks"), at(2026, 4, 1), 2.5f,
+                            QStringLiteral("Somewhere"), true, longitude, latitude);
+    QVERIFY(store->AddEntry(&entry));
+    const auto places = own(store->GetAllHistoricLocation());
+    QCOMPARE(places.size(), 1);
+    QCOMPARE(places[0]->CoordinateText, text);
+    QCOMPARE(places[0]->LocationLongitude, longitude);
+    QCOMPARE(places[0]->LocationLatitude, latitude);
+}
+
+void tst_DatabaseManager::aFileWrittenInTheStorageFormsReadsBackFieldForField()
+{
+    startStore().reset();
+    const QDateTime when = at(2019, 6, 30, 21, 45, 7);
+    {
+        RawDatabase raw(home->databasePath());
+        QVERIFY(raw.insertEntry(QStringLiteral("Coffee"), QStringLiteral("Drinks"), when, 3.75, QStringLiteral("Cafe"),
+                                true, -0.1275, 51.5072));
+        QVERIFY(raw.insertEntry(QStringLiteral("Bread"), QStringLiteral("Food"), at(2019, 6, 29), 1.2));
+        QCOMPARE(raw.scalar(QStringLiteral("select TransactDateTime from Entry where SNo = 1")).toString(),
+                 QStringLiteral("2019-06-30T21:45:07"));
+    }
+    auto store = startStore();
+
+    const auto all = own(store->GetAllEntries());
+    QCOMPARE(all.size(), 2);
+    const Entry *coffee = all[0];
+    QCOMPARE(coffee->SNo, 1);
+    QCOMPARE(coffee->ItemName, QStringLiteral("Coffee"));
+    QCOMPARE(coffee->CategoryName, QStringLiteral("Drinks"));
+    QCOMPARE(coffee->CategoryID, 2);
+    QCOMPARE(coffee->TransactDateTime, when);
+    QCOMPARE(coffee->Price, 3.75f);
+    QCOMPARE(coffee->LocationText, QStringLiteral("Cafe"));
+    QCOMPARE(coffee->EnableGeoLoc, true);
+    QCOMPARE(coffee->GeoLocID, 0);
+    QCOMPARE(coffee->GeoLocLongit, -0.1275f);
+    QCOMPARE(coffee->GeoLocLatit, 51.5072f);
+    QCOMPARE(coffee->ItemID, 0);
+    const Entry *bread = all[1];
+    QCOMPARE(bread->TransactDateTime, at(2019, 6, 29));
+    QCOMPARE(bread->EnableGeoLoc, false);
+    QCOMPARE(bread->Price, 1.2f);
+    QCOMPARE(bread->GeoLocLongit, 103.0f);
+    QCOMPARE(bread->GeoLocLatit, 1.3f);
+
+    const auto ofCategory = own(store->GetAllEntriesOfCategory(QStringLiteral("Drinks")));
+    QCOMPARE(ofCategory.itemNames(), QStringList { QStringLiteral("Coffee") });
+    const auto onDate = own(store->GetAllEntriesOnDate(when));
+    QCOMPARE(onDate.itemNames(), QStringList { QStringLiteral("Coffee") });
+    const auto between = own(store->GetAllEntriesBetweenDates(at(2019, 6, 1), at(2019, 6, 30, 23, 59, 59)));
+    QCOMPARE(between.itemNames(), QStringList({ QStringLiteral("Coffee"), QStringLiteral("Bread") }));
+    const auto byPrice = own(store->GetAllEntriesOrderByPrice());
+    QCOMPARE(byPrice.itemNames(), QStringList({ QStringLiteral("Bread"), QStringLiteral("Coffee") }));
+    QCOMPARE(store->GetAllDistinctDatesOfEntriesOfCategory(QStringLiteral("Drinks")), QList<QDateTime> { when });
+    QCOMPARE(store->GetDateOfLastEntry(), when);
+    QCOMPARE(store->GetDateOfFirstEntry(), at(2019, 6, 29));
+    QCOMPARE(store->GetNumberOfEntriesOnDate(when), 1);
+    Entry lookup = makeEntry(QStringLiteral("Coffee"), QStringLiteral("Drinks"), when, 3.75f, QStringLiteral("Cafe"));
+    QCOMPARE(store->GetEntryID(&lookup), 1);
+}
+
+void tst_DatabaseManager::hardTextRoundTripsThroughAddEntry_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::newRow("quotes and apostrophes") << QStringLiteral("It's \"quoted\"; ' or '1'='1");
+    QTest::newRow("accents and quotes") << QStringLiteral("Café \"Zürich\"");
+    QTest::newRow("Japanese") << QStringLiteral("日本");
+    QTest::newRow("rich text") << QStringLiteral("<b>bold</b>");
+    QString long1000;
+    for (int i = 0; i < 100; ++i)
+        long1000 += QStringLiteral("%1bcdefghi").arg(i % 10);
+    QTest::newRow("1,000 characters") << long1000;
+}
+
+void tst_DatabaseManager::hardTextRoundTripsThroughAddEntry()
+{
+    QFETCH(QString, text);
+    auto store = startStore();
+    Entry entry = makeEntry(text, QStringLiteral("Food"), at(2026, 4, 1, 12), 9.99f, text, true, 10.5f, 20.25f);
+    QVERIFY(store->AddEntry(&entry));
+
+    const auto all = own(store->GetAllEntries());
+    QCOMPARE(all.size(), 1);
+    QCOMPARE(all[0]->ItemName.size(), text.size());
+    QCOMPARE(all[0]->ItemName, text);
+    QCOMPARE(all[0]->LocationText, text);
+    QCOMPARE(all[0]->Price, 9.99f);
+    const auto places = own(store->GetAllHistoricLocation());
+    QCOMPARE(places.size(), 1);
+    QCOMPARE(places[0]->LocationName, text);
+    QCOMPARE(store->GetItemID(text, QStringLiteral("Food")), 1);
+    QCOMPARE(store->GetCategoryOfItem(text), QStringLiteral("Food"));
+}
+
+// Writes and identifier lookups
+
+void tst_DatabaseManager::entriesKeepOneCatalogueRowPerItemAndCategory()
+{
+    auto store = startStore();
+    Entry first = makeEntry(QStringLiteral("Coffee"), QStringLiteral("Drinks"), at(2026, 4, 2), 2.5f);
+    QVERIFY(store->AddEntry(&first));
+    {
+        const auto items = own(store->GetAllItems());
+        QCOMPARE(items.size(), 1);
+        QCOMPARE(items[0]->UseFrequency, 1);
+        QCOMPARE(items[0]->LastPrice, 2.5f);
+        QCOMPARE(items[0]->CategoryID, 2);
+    }
+    // An older date still sets the last price: it is the last one entered.
+    Entry second = makeEntry(QStringLiteral("Coffee"), QStringLiteral("Drinks"), at(2026, 4, 1), 3.0f);
+    QVERIFY(store->AddEntry(&second));
+    {
+        const auto items = own(store->GetAllItems());
+        QCOMPARE(items.size(), 1);
+        QCOMPARE(items[0]->UseFrequency, 2);
+        QCOMPARE(items[0]->LastPrice, 3.0f);
+    }
+    Entry food = makeEntry(QStringLiteral("Coffee"), QStringLiteral("Food"), at(2026, 4, 3), 4.0f);
+    QVERIFY(store->AddEntry(&food));
+    const auto items = own(store->GetAllItems());
+    QCOMPARE(items.size(), 2);
+    QCOMPARE(items[1]->CategoryName, QStringLiteral("Food"));
+    QCOMPARE(items[1]->UseFrequency, 1);
+
+    const auto entries = own(store->GetAllEntriesOrderByPrice());
+    QCOMPARE(entries.size(), 3);
+    QCOMPARE(entries[0]->ItemID, 1);
+    QCOMPARE(entries[1]->ItemID, 1);
+    QCOMPARE(entries[2]->ItemID, 2);
+    QCOMPARE(entries[2]->CategoryID, 1);
+}
+
+void tst_DatabaseManager::anEntryInAnUnknownCategoryIsStoredWithCategoryIdZero()
+{
+    auto store = startStore();
+    Entry entry = makeEntry(QStringLiteral("Bone"), QStringLiteral("Pets"), at(2026, 4, 1), 1.0f);
+    entry.CategoryID = 17;
+    QVERIFY(store->AddEntry(&entry));
+
+    RawDatabase raw(home->databasePath());
+    QCOMPARE(raw.scalar(QStringLiteral("select CategoryID from Entry")).toInt(), 0);
+    QCOMPARE(raw.scalar(QStringLiteral("select CategoryID from Items")).toInt(), 0);
+    QCOMPARE(raw.scalar(QStringLiteral("select ItemID from Entry")).toInt(), 1);
+}
+
+void tst_DatabaseManager::anEntryWithoutGeolocationLeavesThePlacesUntouched()
+{
+    auto store = startStore();
+    HistoricLocation known = makePlace(QStringLiteral("Market"), 103.0f, 1.3f);
+    QVERIFY(store->AddHistoricLocation(&known));
+    RawDatabase raw(home->databasePath());
+    const QList<QVariantList> before = raw.rows(QStringLiteral("select * from HistoricLocation"));
+
+    Entry entry = makeEntry(QStringLiteral("Tea"), QStringLiteral("Drinks"), at(2026, 4, 1), 1.0f,
+                            QStringLiteral("Elsewhere"), false, 5.0f, 6.0f);
+    QVERIFY(store->AddEntry(&entry));
+    QCOMPARE(raw.rows(QStringLiteral("select * from HistoricLocation")), before);
+    QCOMPARE(store->GetNumberOfHistoricLocations(), 1);
+}
+
+void tst_DatabaseManager::anEntryWithoutGeolocationKeepsTheCallersCoordinatesAndPlaceZero()
+{
+    auto store = startStore();
+    Entry entry = makeEntry(QStringLiteral("Tea"), QStringLiteral("Drinks"), at(2026, 4, 1), 1.0f);
+    entry.GeoLocID = 9;
+    QVERIFY(store->AddEntry(&entry));
+
+    RawDatabase raw(home->databasePath());
+    const QList<QVariantList> rows =
+        raw.rows(QStringLiteral("select GeoLocID, GeoLocLongit, GeoLocLatit, EnableGeoLoc from Entry"));
+    QCOMPARE(rows.size(), 1);
+    QCOMPARE(rows.first().at(0).toInt(), 0);
+    QCOMPARE(rows.first().at(1).toFloat(), 103.0f);
+    QCOMPARE(rows.first().at(2).toFloat(), 1.3f);
+    QCOMPARE(rows.first().at(3).toString(), QStringLiteral("false"));
+    QCOMPARE(store->GetNumberOfHistoricLocations(), 0);
+}
+
+void tst_DatabaseManager::twoEntriesAtTheSamePlaceShareOnePlaceRow()
+{
+    auto store = startStore();
+    Entry first = makeEntry(QStringLiteral("Tea"), QStringLiteral("Drinks"), at(2026, 4, 1), 1.0f,
+                            QStringLiteral("Harbour"), true, 103.8488f, 1.2903f);
+    Entry second = makeEntry(QStringLiteral("Cake"), QStringLiteral("Food"), at(2026, 4, 2), 2.0f,
+                             QStringLiteral("Harbour"), true, 103.8488f, 1.2903f);
+    QVERIFY(store->AddEntry(&first));
+    QVERIFY(store->AddEntry(&second));
+
+    QCOMPARE(store->GetNumberOfHistoricLocations(), 1);
+    const auto entries = own(store->GetAllEntries());
+    QCOMPARE(entries.size(), 2);
+    QCOMPARE(entries[0]->GeoLocID, 1);
+    QCOMPARE(entries[1]->GeoLocID, 1);
+    QCOMPARE(entries[0]->GeoLocLongit, 103.8488f);
+    QCOMPARE(entries[0]->GeoLocLatit, 1.2903f);
+}
+
+void tst_DatabaseManager::anEntryAtAKnownPlaceNameWithOtherCoordinatesGetsPlaceZero()
+{
+    auto store = startStore();
+    Entry first = makeEntry(QStringLiteral("Tea"), QStringLiteral("Drinks"), at(2026, 4, 1), 1.0f,
+                            QStringLiteral("Harbour"), true, 10.0f, 20.0f);
+    Entry moved = makeEntry(QStringLiteral("Tea"), QStringLiteral("Drinks"), at(2026, 4, 2), 1.0f,
+                            QStringLiteral("Harbour"), true, 11.0f, 21.0f);
+    QVERIFY(store->AddEntry(&first));
+    QVERIFY(store->AddEntry(&moved));
+
+    QCOMPARE(store->GetNumberOfHistoricLocations(), 1);
+    const auto entries = own(store->GetAllEntries());
+    QCOMPARE(entries[0]->GeoLocID, 0);
+    QCOMPARE(entries[0]->GeoLocLongit, 11.0f);
+    QCOMPARE(entries[0]->GeoLocLatit, 21.0f);
+    QCOMPARE(entries[1]->GeoLocID, 1);
+}
+
+void tst_DatabaseManager::addingAnExistingCategoryReturnsTrueAndAddsNothing()
+{
+    auto store = startStore();
+    QVERIFY(store->AddCategory(QStringLiteral("Drinks")));
+    QCOMPARE(store->GetNumberOfCategories(), 37);
+    QVERIFY(store->AddCategory(QStringLiteral("Pets")));
+    QCOMPARE(store->GetNumberOfCategories(), 38);
+    QCOMPARE(store->GetCategoryID(QStringLiteral("Pets")), 38);
+    QCOMPARE(store->GetCategoryNameByCategoryID(38), QStringLiteral("Pets"));
+}
+
+void tst_DatabaseManager::editingAnUnknownCategoryFails()
+{
+    auto store = startStore();
+    QVERIFY(!store->EditCategory(QStringLiteral("Pets"), QStringLiteral("Animals")));
+    QCOMPARE(store->GetCategoryID(QStringLiteral("Animals")), 0);
+    QCOMPARE(store->GetNumberOfCategories(), 37);
+}
+
+void tst_DatabaseManager::renamingACategoryToANameInUseFails()
+{
+    auto store = startStore();
+    QVERIFY(!store->EditCategory(QStringLiteral("Food"), QStringLiteral("Drinks")));
+    QCOMPARE(store->GetCategoryNameByCategoryID(1), QStringLiteral("Food"));
+    QCOMPARE(store->GetCategoryID(QStringLiteral("Drinks")), 2);
+}
+
+void tst_DatabaseManager::renamingACategoryLeavesItsEntriesUnderTheOldName()
+{
+    auto store = startStore();
+    Entry entry = makeEntry(QStringLiteral("Bread"), QStringLiteral("Food"), at(2026, 4, 1), 1.0f);
+    QVERIFY(store->AddEntry(&entry));
+    QVERIFY(store->EditCategory(QStringLiteral("Food"), QStringLiteral("Meals")));
+
+    QCOMPARE(store->GetCategoryNameByCategoryID(1), QStringLiteral("Meals"));
+    QCOMPARE(store->GetNumberOfEntriesOfCategory(QStringLiteral("Meals")), 0);
+    const auto entries = own(store->GetAllEntriesOfCategory(QStringLiteral("Food")));
+    QCOMPARE(entries.size(), 1);
+    QCOMPARE(entries[0]->CategoryID, 1);
+    QCOMPARE(store->GetCategoryOfItem(QStringLiteral("Bread")), QStringLiteral("Food"));
+}
+
+void tst_DatabaseManager::anUnknownCategoryHasIdZero()
+{
+    auto store = startStore();
+    QCOMPARE(store->GetCategoryID(QStringLiteral("No such category")), 0);
+    QCOMPARE(store->GetCategoryID(QStringLiteral("food")), 0);
+    QCOMPARE(store->GetCategoryID(QStringLiteral("Others")), 37);
+}
+
+void tst_DatabaseManager::deletingAnOrdinaryEntryFailsAndKeepsTheRow()
+{
+    auto store = startStore();
+    Entry entry = makeEntry(QStringLiteral("Coffee"), QStringLiteral("Drinks"), at(2026, 4, 1, 14, 30), 2.5f);
+    QVERIFY(store->AddEntry(&entry));
+    QVERIFY(!store->DeleteEntry(&entry));
+    QCOMPARE(store->GetTotalNumberOfEntries(), 1);
+    QCOMPARE(store->GetEntryID(&entry), 1);
+}
+
+void tst_DatabaseManager::deleteStatementsTakeTheirValuesUnquoted_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<bool>("deleted");
+    QTest::newRow("a word is read as a column name") << QStringLiteral("Harbour") << false;
+    QTest::newRow("a bare number matches the text") << QStringLiteral("42") << true;
+}
+
+void tst_DatabaseManager::deleteStatementsTakeTheirValuesUnquoted()
+{
+    QFETCH(QString, name);
+    QFETCH(bool, deleted);
+    auto store = startStore();
+
+    HistoricLocation place = makePlace(name, 1.5f, 2.5f);
+    QVERIFY(store->AddHistoricLocation(&place));
+    QCOMPARE(store->DeleteHistoricLocation(&place), deleted);
+    QCOMPARE(store->GetNumberOfHistoricLocations(), deleted ? 0 : 1);
+
+    Items item = makeItem(name, QStringLiteral("7"), 1.0f);
+    QVERIFY(store->AddItem(&item));
+    QCOMPARE(store->DeleteItem(&item), deleted);
+    QCOMPARE(store->GetTotalNumberOfItems(), deleted ? 0 : 1);
+
+    Items substitute = makeItem(QStringLiteral("99"), QStringLiteral("7"), 1.0f);
+    QVERIFY(store->AddItem(&substitute));
+    ItemSubstitutes pairing;
+    pairing.ItemName = name;
+    pairing.SubstituteName = substitute.ItemName;
+    QVERIFY(store->AddItemSubstitutes(&pairing));
+    QCOMPARE(store->DeleteItemSubstitutes(&pairing), deleted);
+    QCOMPARE(store->GetTotalNumberOfItemSubstitutes(), deleted ? 0 : 1);
+}
+
+void tst_DatabaseManager::anEntryWithoutItemOrCategoryNameIsRefusedBeforeTheCatalogueChanges_data()
+{
+    QTest::addColumn<QString>("item");
+    QTest::addColumn<QString>("category");
+    QTest::newRow("null item name") << QString() << QStringLiteral("Drinks");
+    QTest::newRow("null category name") << QStringLiteral("Coffee") << QString();
+}
+
+void tst_DatabaseManager::anEntryWithoutItemOrCategoryNameIsRefusedBeforeTheCatalogueChanges()
+{
+    QFETCH(QString, item);
+    QFETCH(QString, category);
+    auto store = startStore();
+    Entry entry = makeEntry(item, category, at(2026, 4, 1), 2.5f);
+    QVERIFY(!store->AddEntry(&entry));
+    QCOMPARE(store->GetTotalNumberOfItems(), 0);
+    QCOMPARE(store->GetTotalNumberOfEntries(), 0);
+
+    // An empty text is not a null one: it is stored.
+    Entry empty = makeEntry(item.isNull() ? QLatin1String("") : item, category.isNull() ? QLatin1String("") : category,
+                            at(2026, 4, 1), 2.5f);
+    QVERIFY(store->AddEntry(&empty));
+    QCOMPARE(store->GetTotalNumberOfEntries(), 1);
+}
+
+void tst_DatabaseManager::anEntryWithoutDateUpdatesItsCatalogueRowButIsRefused()
+{
+    auto store = startStore();
+    Entry dated = makeEntry(QStringLiteral("Coffee"), QStringLiteral("Drinks"), at(2026, 4, 1), 2.5f);
+    QVERIFY(store->AddEntry(&dated));
+    Entry undated = makeEntry(QStringLiteral("Coffee"), QStringLiteral("Drinks"), QDateTime(), 3.5f);
+    QVERIFY(!store->AddEntry(&undated));
+
+    QCOMPARE(store->GetTotalNumberOfEntries(), 1);
+    std::unique_ptr<Items> item(store->GetItemByItemID(1));
+    QVERIFY(item);
+    QCOMPARE(item->UseFrequency, 2);
+    QCOMPARE(item->LastPrice, 3.5f);
+}
+
+void tst_DatabaseManager::aPlaceIsStoredWithAnEmptyReverseGeolocation()
+{
+    auto store = startStore();
+    Entry entry = makeEntry(QStringLiteral("Tea"), QStringLiteral("Drinks"), at(2026, 4, 1), 1.0f,
+                            QStringLiteral("Harbour"), true, 1.5f, 2.5f);
+    QVERIFY(store->AddEntry(&entry));
+    RawDatabase raw(home->databasePath());
+    const QList<QVariantList> rows =
+        raw.rows(QStringLiteral("select ReverseGeoLocation is null, ReverseGeoLocation from HistoricLocation"));
+    QCOMPARE(rows.size(), 1);
+    QCOMPARE(rows.first().at(0).toInt(), 0);
+    QCOMPARE(rows.first().at(1).toString(), QString());
+}
+
+void tst_DatabaseManager::aModeIsAddedOnceAndRenamedOnlyWhenStoredOnce()
+{
+    auto store = startStore();
+    QVERIFY(store->AddMode(QStringLiteral("Default")));
+    QCOMPARE(store->GetNumberOfModes(), 3);
+    QVERIFY(store->AddMode(QStringLiteral("Lazy")));
+    QCOMPARE(store->GetModeID(QStringLiteral("Lazy")), 4);
+    QVERIFY(store->EditMode(QStringLiteral("Lazy"), QStringLiteral("Relaxed")));
+    QCOMPARE(store->GetModeID(QStringLiteral("Relaxed")), 4);
+    QVERIFY(!store->EditMode(QStringLiteral("Lazy"), QStringLiteral("Other")));
+
+    // A name stored twice is left alone, and that counts as success.
+    RawDatabase raw(home->databasePath());
+    QVERIFY(raw.exec(QStringLiteral("INSERT INTO Mode (ModeName) VALUES ('Relaxed')")));
+    QVERIFY(store->EditMode(QStringLiteral("Relaxed"), QStringLiteral("Calm")));
+    QCOMPARE(store->GetModeID(QStringLiteral("Calm")), 0);
+    QVERIFY(store->AddMode(QStringLiteral("Relaxed")));
+    QCOMPARE(raw.scalar(QStringLiteral("select count(*) from Mode where ModeName = 'Relaxed'")).toInt(), 3);
+}
+
+void tst_DatabaseManager::editingAnItemTakesTheCategoryNumberFromTheNewName()
+{
+    auto store = startStore();
+    Items old = makeItem(QStringLiteral("Coffee"), QStringLiteral("Drinks"), 2.5f);
+    QVERIFY(store->AddItem(&old));
+    Items changed = makeItem(QStringLiteral("Espresso"), QStringLiteral("Food"), 3.25f, 7);
+    changed.CategoryID = 30;
+    QVERIFY(store->EditItem(&old, &changed));
+
+    std::unique_ptr<Items> item(store->GetItemByItemID(1));
+    QVERIFY(item);
+    QCOMPARE(item->ItemName, QStringLiteral("Espresso"));
+    QCOMPARE(item->CategoryName, QStringLiteral("Food"));
+    QCOMPARE(item->CategoryID, 1);
+    QCOMPARE(item->LastPrice, 3.25f);
+    QCOMPARE(item->UseFrequency, 7);
+    // No row matches any more, and that is still a successful statement.
+    QVERIFY(store->EditItem(&old, &changed));
+    QCOMPARE(store->GetItemByItemID(2), nullptr);
+}
+
+void tst_DatabaseManager::itemLookupsMatchNameCategoryFrequencyAndExactPrice()
+{
+    auto store = startStore();
+    Items item = makeItem(QStringLiteral("Coffee"), QStringLiteral("Drinks"), 0.1f, 5);
+    QVERIFY(store->AddItem(&item));
+    QCOMPARE(store->GetItemID(QStringLiteral("Coffee"), QStringLiteral("Drinks")), 1);
+    QCOMPARE(store->GetItemID(QStringLiteral("Coffee"), QStringLiteral("Food")), 0);
+
+    // A new item always starts at frequency 1, whatever the record said.
+    Items lookup = makeItem(QStringLiteral("Coffee"), QStringLiteral("Drinks"), 0.1f, 1);
+    QCOMPARE(store->GetItemID(&lookup), 1);
+    lookup.UseFrequency = 5;
+    QCOMPARE(store->GetItemID(&lookup), 0);
+    lookup.UseFrequency = 1;
+    lookup.LastPrice = 0.1000001f;
+    QCOMPARE(store->GetItemID(&lookup), 0);
+}
+
+void tst_DatabaseManager::substituteNumbersComeFromTheCatalogue()
+{
+    auto store = startStore();
+    Items tea = makeItem(QStringLiteral("Tea"), QStringLiteral("Drinks"), 1.0f);
+    Items coffee = makeItem(QStringLiteral("Coffee"), QStringLiteral("Drinks"), 2.0f);
+    QVERIFY(store->AddItem(&tea));
+    QVERIFY(store->AddItem(&coffee));
+
+    ItemSubstitutes pairing;
+    pairing.ItemName = QStringLiteral("Tea");
+    pairing.SubstituteName = QStringLiteral("Mate");
+    pairing.ItemID = 40;
+    pairing.SubstituteID = 41;
+    QVERIFY(store->AddItemSubstitutes(&pairing));
+    QVERIFY(store->AddItemSubstitutes(&pairing));
+    QCOMPARE(store->GetTotalNumberOfItemSubstitutes(), 1);
+
+    pairing.ItemID = 1;
+    pairing.SubstituteID = 0;
+    QCOMPARE(store->GetItemSubstitutesID(&pairing), 1);
+
+    ItemSubstitutes changed;
+    changed.ItemName = QStringLiteral("Tea");
+    changed.SubstituteName = QStringLiteral("Coffee");
+    QVERIFY(store->EditItemSubstitutes(&pairing, &changed));
+    const auto ofTea = own(store->GetItemSubstitutesOfParticularItem(QStringLiteral("Tea")));
+    QCOMPARE(ofTea.size(), 1);
+    QCOMPARE(ofTea[0]->SubstituteName, QStringLiteral("Coffee"));
+    QCOMPARE(ofTea[0]->ItemID, 1);
+    QCOMPARE(ofTea[0]->SubstituteID, 2);
+    QCOMPARE(store->GetTotalNumberOfItemSubstitutesOfItem(QStringLiteral("Tea")), 1);
+    QCOMPARE(store->GetTotalNumberOfItemSubstitutesOfItem(QStringLiteral("Coffee")), 0);
+}
+
+void tst_DatabaseManager::placesCanBeEditedAndFoundByCoordinatesOrNumber()
+{
+    auto store = startStore();
+    HistoricLocation place = makePlace(QStringLiteral("Harbour"), 103.8488f, 1.2903f);
+    QVERIFY(store->AddHistoricLocation(&place));
+    QVERIFY(store->AddHistoricLocation(&place));
+    QCOMPARE(store->GetNumberOfHistoricLocations(), 1);
+    QCOMPARE(store->GetHistoricLocationID(&place), 1);
+
+    HistoricLocation moved = makePlace(QStringLiteral("Pier"), -3.5f, 40.25f);
+    QVERIFY(store->EditHistoricLocation(&place, &moved));
+    QCOMPARE(store->GetHistoricLocationID(&place), 0);
+
+    std::unique_ptr<HistoricLocation> byCoordinates(store->GetHistoricLocationByCoordinates(-3.5f, 40.25f));
+    QVERIFY(byCoordinates);
+    QCOMPARE(byCoordinates->SNo, 1);
+    QCOMPARE(byCoordinates->LocationName, QStringLiteral("Pier"));
+    QCOMPARE(byCoordinates->CoordinateText, QStringLiteral("-3.5-40.25"));
+    std::unique_ptr<HistoricLocation> byNumber(store->GetHistoricLocationByHistoricLocationID(1));
+    QVERIFY(byNumber);
+    QCOMPARE(byNumber->LocationLongitude, -3.5f);
+    QCOMPARE(byNumber->LocationLatitude, 40.25f);
+    QCOMPARE(store->GetHistoricLocationByCoordinates(103.8488f, 1.2903f), nullptr);
+    QCOMPARE(store->GetHistoricLocationByHistoricLocationID(2), nullptr);
+}
+
+void tst_DatabaseManager::anEntryIsFoundByItsFields()
+{
+    auto store = startStore();
+    addSampleEntries(*store);
+    Entry cake = makeEntry(QStringLiteral("Cake"), QStringLiteral("Food"), at(2026, 3, 1, 18, 30), 5.0f);
+    QCOMPARE(store->GetEntryID(&cake), 4);
+    cake.TransactDateTime = at(2026, 3, 1, 18, 31);
+    QCOMPARE(store->GetEntryID(&cake), 0);
+}
+
+// Queries and counts
+
+void tst_DatabaseManager::anEmptyEntryTableGivesEmptyListsZeroCountsAndNullDates()
+{
+    auto store = startStore();
+    QVERIFY(store->isUsable());
+    QVERIFY(own(store->GetAllEntries()).isEmpty());
+    QCOMPARE(store->GetTotalNumberOfEntries(), 0);
+    QVERIFY(store->GetDateOfFirstEntry().isNull());
+    QVERIFY(store->GetDateOfLastEntry().isNull());
+    QVERIFY(store->GetDateOfFirstEntryOfCategory(QStringLiteral("Food")).isNull());
+    QVERIFY(store->GetListOfAllDistinctCategoriesOfAllEntries().isEmpty());
+}
+
+void tst_DatabaseManager::periodBoundsIncludeAnEntryAtExactlyTheirTime_data()
+{
+    QTest::addColumn<QDateTime>("start");
+    QTest::addColumn<QDateTime>("end");
+    QTest::addColumn<bool>("found");
+    const QDateTime stored = at(2026, 5, 12, 14, 30);
+    QTest::newRow("both bounds at the stored time") << stored << stored << true;
+    QTest::newRow("start at the stored time") << stored << at(2026, 5, 31) << true;
+    QTest::newRow("end at the stored time") << at(2026, 5, 1) << stored << true;
+    QTest::newRow("the day, ending before its time") << at(2026, 5, 12) << at(2026, 5, 12, 14, 29, 59) << false;
+    QTest::newRow("the day, starting after its time")
+        << at(2026, 5, 12, 14, 30, 1) << at(2026, 5, 12, 23, 59, 59) << false;
+}
+
+void tst_DatabaseManager::periodBoundsIncludeAnEntryAtExactlyTheirTime()
+{
+    QFETCH(QDateTime, start);
+    QFETCH(QDateTime, end);
+    QFETCH(bool, found);
+    auto store = startStore();
+    Entry entry = makeEntry(QStringLiteral("Coffee"), QStringLiteral("Drinks"), at(2026, 5, 12, 14, 30), 2.5f);
+    QVERIFY(store->AddEntry(&entry));
+
+    QCOMPARE(own(store->GetAllEntriesBetweenDates(start, end)).size(), found ? 1 : 0);
+    QCOMPARE(own(store->GetAllEntriesOfCategoryBetweenDates(QStringLiteral("Drinks"), start, end)).size(),
+             found ? 1 : 0);
+    QCOMPARE(store->GetNumberOfEntriesBetweenDates(start, end), found ? 1 : 0);
+}
+
+void tst_DatabaseManager::aDateThatDiffersOnlyInTimeOfDayFindsNoEntry()
+{
+    auto store = startStore();
+    Entry entry = makeEntry(QStringLiteral("Coffee"), QStringLiteral("Drinks"), at(2026, 5, 12, 14, 30), 2.5f);
+    QVERIFY(store->AddEntry(&entry));
+    QVERIFY(own(store->GetAllEntriesOnDate(at(2026, 5, 12))).isEmpty());
+    QVERIFY(own(store->GetAllEntriesOfCategoryOnDate(QStringLiteral("Drinks"), at(2026, 5, 12))).isEmpty());
+    QCOMPARE(store->GetNumberOfEntriesOnDate(at(2026, 5, 12)), 0);
+    QCOMPARE(own(store->GetAllEntriesOnDate(at(2026, 5, 12, 14, 30))).size(), 1);
+}
+
+void tst_DatabaseManager::entryListsFilterAndSort_data()
+{
+    // Sample: Coffee (Drinks, Jan 10 08:00, 3), Bread (Food, Jan 10 08:00, 2),
+    // Tea (Drinks, Feb 5, 1.5), Cake (Food, Mar 1, 5), Juice (Drinks, Mar 20, 4).
+    QTest::addColumn<QString>("operation");
+    QTest::addColumn<QStringList>("items");
+    QTest::newRow("all, newest first") << "GetAllEntries" << QStringList { "Juice", "Cake", "Tea", "Coffee", "Bread" };
+    QTest::newRow("all, cheapest first") << "GetAllEntriesOrderByPrice"
+                                         << QStringList { "Tea", "Bread", "Coffee", "Juice", "Cake" };
+    QTest::newRow("category, newest first") << "GetAllEntriesOfCategory" << QStringList { "Juice", "Tea", "Coffee" };
+    QTest::newRow("category, cheapest first")
+        << "GetAllEntriesOfCategoryOrderByPrice" << QStringList { "Tea", "Coffee", "Juice" };
+    QTest::newRow("on date, cheapest first") << "GetAllEntriesOnDateOrderByPrice" << QStringList { "Bread", "Coffee" };
+    QTest::newRow("category on date") << "GetAllEntriesOfCategoryOnDate" << QStringList { "Coffee" };
+    QTest::newRow("category on date, by price")
+        << "GetAllEntriesOfCategoryOnDateOrderByPrice" << QStringList { "Coffee" };
+    QTest::newRow("period, newest first") << "GetAllEntriesBetweenDates" << QStringList { "Cake", "Tea" };
+    QTest::newRow("period, cheapest first") << "GetAllEntriesBetweenDatesOrderByPrice" << QStringList { "Tea", "Cake" };
+    QTest::newRow("category in period") << "GetAllEntriesOfCategoryBetweenDates" << QStringList { "Juice", "Tea" };
+    QTest::newRow("category in period, by price")
+        << "GetAllEntriesOfCategoryBetweenDatesOrderByPrice" << QStringList { "Tea", "Juice" };
+}
+
+void tst_DatabaseManager::entryListsFilterAndSort()
+{
+    QFETCH(QString, operation);
+    QFETCH(QStringList, items);
+    auto store = startStore();
+    addSampleEntries(*store);
+
+    const QString drinks = QStringLiteral("Drinks");
+    const QDateTime day = at(2026, 1, 10, 8, 0);
+    const QDateTime from = at(2026, 2, 1);
+    const QDateTime to = at(2026, 3, 1, 18, 30);
+    const QDateTime toLater = at(2026, 3, 31);
+    const QHash<QString, std::function<QList<Entry *>()>> operations = {
+        { "GetAllEntries", [&] { return store->GetAllEntries(); } },
+        { "GetAllEntriesOrderByPrice", [&] { return store->GetAllEntriesOrderByPrice(); } },
+        { "GetAllEntriesOfCategory", [&] { return store->GetAllEntriesOfCategory(drinks); } },
+        { "GetAllEntriesOfCategoryOrderByPrice", [&] { return store->GetAllEntriesOfCategoryOrderByPrice(drinks); } },
+        { "GetAllEntriesOnDateOrderByPrice", [&] { return store->GetAllEntriesOnDateOrderByPrice(day); } },
+        { "GetAllEntriesOfCategoryOnDate", [&] { return store->GetAllEntriesOfCategoryOnDate(drinks, day); } },
+        { "GetAllEntriesOfCategoryOnDateOrderByPrice",
+          [&] { return store->GetAllEntriesOfCategoryOnDateOrderByPrice(drinks, day); } },
+        { "GetAllEntriesBetweenDates", [&] { return store->GetAllEntriesBetweenDates(from, to); } },
+        { "GetAllEntriesBetweenDatesOrderByPrice",
+          [&] { return store->GetAllEntriesBetweenDatesOrderByPrice(from, to); } },
+        { "GetAllEntriesOfCategoryBetweenDates",
+          [&] { return store->GetAllEntriesOfCategoryBetweenDates(drinks, from, toLater); } },
+        { "GetAllEntriesOfCategoryBetweenDatesOrderByPrice",
+          [&] { return store->GetAllEntriesOfCategoryBetweenDatesOrderByPrice(drinks, from, toLater); } },
+    };
+    QVERIFY(operations.contains(operation));
+    const auto entries = own(operations.value(operation)());
+    QCOMPARE(entries.itemNames(), items);
+}
+
+void tst_DatabaseManager::countsFollowTheirFilters_data()
+{
+    QTest::addColumn<QString>("operation");
+    QTest::addColumn<int>("expected");
+    QTest::newRow("all entries") << "GetTotalNumberOfEntries" << 5;
+    QTest::newRow("entries of a category") << "GetNumberOfEntriesOfCategory" << 3;
+    QTest::newRow("entries on a date-time") << "GetNumberOfEntriesOnDate" << 2;
+    QTest::newRow("entries in a period") << "GetNumberOfEntriesBetweenDates" << 2;
+    QTest::newRow("entries of a category on a date-time") << "GetNumberOfEntriesOfCategoryOnDate" << 1;
+    QTest::newRow("entries of a category in a period") << "GetNumberOfEntriesOfCategoryBetweenDate" << 1;
+    QTest::newRow("categories") << "GetNumberOfCategories" << 37;
+    QTest::newRow("modes") << "GetNumberOfModes" << 3;
+    QTest::newRow("items") << "GetTotalNumberOfItems" << 5;
+    QTest::newRow("items of a category") << "GetTotalNumberOfItemsOfCategory" << 3;
+    QTest::newRow("places") << "GetNumberOfHistoricLocations" << 0;
+}
+
+void tst_DatabaseManager::countsFollowTheirFilters()
+{
+    QFETCH(QString, operation);
+    QFETCH(int, expected);
+    auto store = startStore();
+    addSampleEntries(*store);
+
+    const QString drinks = QStringLiteral("Drinks");
+    const QDateTime day = at(2026, 1, 10, 8, 0);
+    const QDateTime from = at(2026, 2, 1);
+    const QDateTime to = at(2026, 3, 1, 18, 30);
+    const QHash<QString, std::function<int()>> operations = {
+        { "GetTotalNumberOfEntries", [&] { return store->GetTotalNumberOfEntries(); } },
+        { "GetNumberOfEntriesOfCategory", [&] { return store->GetNumberOfEntriesOfCategory(drinks); } },
+        { "GetNumberOfEntriesOnDate", [&] { return store->GetNumberOfEntriesOnDate(day); } },
+        { "GetNumberOfEntriesBetweenDates", [&] { return store->GetNumberOfEntriesBetweenDates(from, to); } },
+        { "GetNumberOfEntriesOfCategoryOnDate",
+          [&] { return store->GetNumberOfEntriesOfCategoryOnDate(drinks, day); } },
+        { "GetNumberOfEntriesOfCategoryBetweenDate",
+          [&] { return store->GetNumberOfEntriesOfCategoryBetweenDate(drinks, from, to); } },
+        { "GetNumberOfCategories", [&] { return store->GetNumberOfCategories(); } },
+        { "GetNumberOfModes", [&] { return store->GetNumberOfModes(); } },
+        { "GetTotalNumberOfItems", [&] { return store->GetTotalNumberOfItems(); } },
+        { "GetTotalNumberOfItemsOfCategory", [&] { return store->GetTotalNumberOfItemsOfCategory(drinks); } },
+        { "GetNumberOfHistoricLocations", [&] { return store->GetNumberOfHistoricLocations(); } },
+    };
+    QVERIFY(operations.contains(operation));
+    QCOMPARE(operations.value(operation)(), expected);
+}
+
+void tst_DatabaseManager::dateBoundsAreTheOldestAndNewestStoredDates()
+{
+    auto store = startStore();
+    addSampleEntries(*store);
+    QCOMPARE(store->GetDateOfFirstEntry(), at(2026, 1, 10, 8, 0));
+    QCOMPARE(store->GetDateOfLastEntry(), at(2026, 3, 20, 9, 15));
+    QCOMPARE(store->GetDateOfFirstEntryOfCategory(QStringLiteral("Food")), at(2026, 1, 10, 8, 0));
+    QCOMPARE(store->GetDateOfLastEntryOfCategory(QStringLiteral("Food")), at(2026, 3, 1, 18, 30));
+    QVERIFY(store->GetDateOfLastEntryOfCategory(QStringLiteral("Rent")).isNull());
+}
+
+void tst_DatabaseManager::topNItemsAreTheLeastUsedOnesInAscendingOrder()
+{
+    auto store = startStore();
+    const QList<QPair<QString, int>> uses = { { QStringLiteral("Often"), 5 },
+                                              { QStringLiteral("Once"), 1 },
+                                              { QStringLiteral("Sometimes"), 3 } };
+    for (const auto &use : uses) {
+        for (int i = 0; i < use.second; ++i) {
+            Entry entry = makeEntry(use.first, QStringLiteral("Food"), at(2026, 4, 1 + i), 1.0f);
+            QVERIFY(store->AddEntry(&entry));
+        }
+    }
+    const auto top = own(store->GetTopNFrequentlyUsedItems(2));
+    QCOMPARE(top.itemNames(), QStringList({ QStringLiteral("Once"), QStringLiteral("Sometimes") }));
+    QCOMPARE(top[0]->UseFrequency, 1);
+    QCOMPARE(top[1]->UseFrequency, 3);
+    const auto ofFood = own(store->GetTopNFrequentlyUsedItemsOfCategory(1, QStringLiteral("Food")));
+    QCOMPARE(ofFood.itemNames(), QStringList { QStringLiteral("Once") });
+    QVERIFY(own(store->GetTopNFrequentlyUsedItemsOfCategory(3, QStringLiteral("Drinks"))).isEmpty());
+}
+
+void tst_DatabaseManager::topNLimitsFollowSqlite_data()
+{
+    QTest::addColumn<int>("limit");
+    QTest::addColumn<int>("expected");
+    QTest::newRow("zero gives nothing") << 0 << 0;
+    QTest::newRow("negative gives every item") << -1 << 3;
+    QTest::newRow("more than there are gives every item") << 10 << 3;
+}
+
+void tst_DatabaseManager::topNLimitsFollowSqlite()
+{
+    QFETCH(int, limit);
+    QFETCH(int, expected);
+    auto store = startStore();
+    for (const QString &name : { QStringLiteral("A"), QStringLiteral("B"), QStringLiteral("C") }) {
+        Items item = makeItem(name, QStringLiteral("Food"), 1.0f);
+        QVERIFY(store->AddItem(&item));
+    }
+    QCOMPARE(own(store->GetTopNFrequentlyUsedItems(limit)).size(), expected);
+    QCOMPARE(own(store->GetTopNFrequentlyUsedItemsOfCategory(limit, QStringLiteral("Food"))).size(), expected);
+}
+
+void tst_DatabaseManager::itemListsFilterByCategory()
+{
+    auto store = startStore();
+    addSampleEntries(*store);
+    const auto food = own(store->GetItemsOfParticularCategory(QStringLiteral("Food")));
+    QCOMPARE(food.itemNames(), QStringList({ QStringLiteral("Bread"), QStringLiteral("Cake") }));
+    QCOMPARE(food[1]->CategoryID, 1);
+    QCOMPARE(food[1]->LastPrice, 5.0f);
+    QVERIFY(own(store->GetItemsOfParticularCategory(QStringLiteral("Rent"))).isEmpty());
+    QCOMPARE(store->GetTotalNumberOfItemsOfCategory(QStringLiteral("Food")), 2);
+}
+
+void tst_DatabaseManager::distinctCategoriesOfEntriesIncludeRenamedOnesAndSkipUnusedOnes()
+{
+    auto store = startStore();
+    addSampleEntries(*store);
+    QVERIFY(store->EditCategory(QStringLiteral("Drinks"), QStringLiteral("Beverages")));
+
+    QStringList names = store->GetListOfAllDistinctCategoriesOfAllEntries();
+    names.sort();
+    QCOMPARE(names, QStringList({ QStringLiteral("Drinks"), QStringLiteral("Food") }));
+}
+
+void tst_DatabaseManager::distinctDatesTellApartTwoTimesOfTheSameDay()
+{
+    auto store = startStore();
+    Entry morning = makeEntry(QStringLiteral("Coffee"), QStringLiteral("Drinks"), at(2026, 4, 1, 8), 2.0f);
+    Entry evening = makeEntry(QStringLiteral("Wine"), QStringLiteral("Drinks"), at(2026, 4, 1, 20), 9.0f);
+    Entry again = makeEntry(QStringLiteral("Tea"), QStringLiteral("Drinks"), at(2026, 4, 1, 8), 1.0f);
+    Entry other = makeEntry(QStringLiteral("Bread"), QStringLiteral("Food"), at(2026, 4, 2), 1.0f);
+    for (Entry *entry : { &morning, &evening, &again, &other })
+        QVERIFY(store->AddEntry(entry));
+
+    QCOMPARE(store->GetAllDistinctDatesOfEntriesOfCategory(QStringLiteral("Drinks")),
+             QList<QDateTime>({ at(2026, 4, 1, 20), at(2026, 4, 1, 8) }));
+}
+
+void tst_DatabaseManager::entriesOfEqualPriceKeepTheirStoredOrder()
+{
+    auto store = startStore();
+    const QStringList names = { QStringLiteral("First"), QStringLiteral("Second"), QStringLiteral("Third") };
+    for (int i = 0; i < names.size(); ++i) {
+        Entry entry = makeEntry(names.at(i), QStringLiteral("Food"), at(2026, 4, 1 + i), 2.0f);
+        QVERIFY(store->AddEntry(&entry));
+    }
+    Entry cheap = makeEntry(QStringLiteral("Cheap"), QStringLiteral("Food"), at(2026, 4, 9), 1.0f);
+    QVERIFY(store->AddEntry(&cheap));
+
+    const auto byPrice = own(store->GetAllEntriesOrderByPrice());
+    QCOMPARE(byPrice.itemNames(),
+             QStringList({ QStringLiteral("Cheap"), QStringLiteral("First"), QStringLiteral("Second"),
+                           QStringLiteral("Third") }));
+}
+
+QTEST_GUILESS_MAIN(tst_DatabaseManager)
+
+#include "tst_databasemanager.moc"
