@@ -237,8 +237,8 @@ bool DatabaseManager::createTableIfMissing(const QString &table, const QString &
     const QStringList tables = db.tables(QSql::Tables);
     if (tables.contains(table, Qt::CaseSensitive))
         return true;
-    QSqlQuery query(db);
-    query.exec(createStatement);
+    QSqlQuery query;
+    runText(query, createStatement);
     return true;
 }
 
