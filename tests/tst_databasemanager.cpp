@@ -266,6 +266,8 @@ private slots:
     void distinctCategoriesOfEntriesIncludeRenamedOnesAndSkipUnusedOnes();
     void distinctDatesTellApartTwoTimesOfTheSameDay();
     void entriesOfEqualPriceKeepTheirStoredOrder();
+    void datesStoredInOtherIsoFormsReadBackAsTheGeneralParserReadsThem_data();
+    void datesStoredInOtherIsoFormsReadBackAsTheGeneralParserReadsThem();
 };
 
 void tst_DatabaseManager::init()
@@ -1461,3 +1463,33 @@ void tst_DatabaseManager::entriesOfEqualPriceKeepTheirStoredOrder()
 QTEST_GUILESS_MAIN(tst_DatabaseManager)
 
 #include "tst_databasemanager.moc"
+
+void tst_DatabaseManager::datesStoredInOtherIsoFormsReadBackAsTheGeneralParserReadsThem_data()
+{
+    QTest::addColumn<QString>("stored");
+    QTest::newRow("the file's own form") << QStringLiteral("2026-11-15T08:30:05");
+    QTest::newRow("with milliseconds") << QStringLiteral("2026-11-15T08:30:05.250");
+    QTest::newRow("midnight as 24:00") << QStringLiteral("2026-11-14T24:00:00");
+    QTest::newRow("a month that does not exist") << QStringLiteral("2026-13-15T08:30:05");
+    QTest::newRow("a leap day") << QStringLiteral("2028-02-29T23:59:59");
+}
+
+void tst_DatabaseManager::datesStoredInOtherIsoFormsReadBackAsTheGeneralParserReadsThem()
+{
+    QFETCH(QString, stored);
+    auto store = startStore();
+    {
+        RawDatabase raw(home->databasePath());
+        QVERIFY(raw.exec(QStringLiteral("INSERT INTO Entry (ItemName,CategoryName,CategoryID,TransactDateTime,Price,"
+                                        "LocationText,EnableGeoLoc,GeoLocID,GeoLocLongit,GeoLocLatit,ItemID) "
+                                        "VALUES ('Tea','Drinks',2,'%1',1.5,'Home','false',0,103.0,1.3,0)")
+                             .arg(stored)));
+    }
+    const QList<Entry *> entries = store->GetAllEntries();
+    QCOMPARE(entries.size(), 1);
+    const QDateTime expected = QVariant(stored).toDateTime();
+    QCOMPARE(entries.constFirst()->TransactDateTime.isValid(), expected.isValid());
+    if (expected.isValid())
+        QCOMPARE(entries.constFirst()->TransactDateTime, expected);
+    qDeleteAll(entries);
+}
