@@ -1,0 +1,116 @@
+#include "piewidget.h"
+
+#include <QColor>
+#include <QFontMetrics>
+#include <QLinearGradient>
+#include <QPainter>
+#include <QRadialGradient>
+#include <QStringList>
+
+PieWidget::PieWidget(QWidget *parent) : QWidget(parent) { }
+
+void PieWidget::addEntry(const QString &key, int val)
+{
+    // A label seen before takes the new value; nothing is summed and no repaint
+    // is asked for.
+    values.insert(key, val);
+}
+
+QSize PieWidget::sizeHint() const
+{
+    return minimumSizeHint();
+}
+
+QSize PieWidget::minimumSizeHint() const
+{
+    const QFontMetrics metrics = fontMetrics();
+    const int fh = metrics.height();
+    // One legend row plus one row of spacing per entry.
+    const int height = int(values.size()) * 2 * fh;
+    int longest = 0;
+    for (auto it = values.cbegin(); it != values.cend(); ++it)
+        longest = qMax(longest, metrics.horizontalAdvance(it.key()));
+    // The pie is a square as tall as the widget, hence the height term.
+    const int width = longest + height + metrics.horizontalAdvance(QLatin1Char('x')) + 20;
+    return QSize(width, height);
+}
+
+QList<int> PieWidget::pieSpans(const QList<int> &values)
+{
+    int total = 0;
+    for (int value : values)
+        total += value;
+    QList<int> spans;
+    if (total == 0)
+        return spans;
+    spans.reserve(values.size());
+    for (int value : values)
+        spans.append(int(double(value) / total * 5760));
+    return spans;
+}
+
+void PieWidget::paintEvent(QPaintEvent *)
+{
+    QList<int> amounts;
+    QStringList labels;
+    amounts.reserve(values.size());
+    labels.reserve(values.size());
+    for (auto it = values.cbegin(); it != values.cend(); ++it) {
+        labels.append(it.key());
+        amounts.append(it.value());
+    }
+    const QList<int> spans = pieSpans(amounts);
+
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+
+    // Restarting at the same index on every paint keeps each entry's colour
+    // stable between repaints.
+    const QStringList colorNames = QColor::colorNames();
+    int colorPos = firstColorIndex;
+
+    const int side = height();
+    const QRect pieRect(0, 0, side, side);
+    QRect legendRect = rect();
+    legendRect.setLeft(pieRect.width());
+    legendRect.adjust(10, 10, -10, -10);
+
+    const QFontMetrics metrics = fontMetrics();
+    const int fh = metrics.height();
+    const int xWidth = metrics.horizontalAdvance(QLatin1Char('x'));
+
+    int lastAngleOffset = 0;
+    int currentPos = 0;
+    for (int i = 0; i < labels.size(); ++i) {
+        const QColor color(colorNames.at(colorPos % colorNames.size()));
+        ++colorPos;
+
+        // The focus in the corner gives every slice a light sheen towards the
+        // upper left.
+        QRadialGradient sheen(pieRect.center(), pieRect.width() / 2, pieRect.topLeft());
+        sheen.setColorAt(0, Qt::white);
+        sheen.setColorAt(1, color);
+
+        const QPen pen = painter.pen();
+        painter.setPen(Qt::NoPen);
+        // With a zero total there are no spans: no slice, but still the legend.
+        if (!spans.isEmpty()) {
+            painter.setBrush(sheen);
+            painter.drawPie(pieRect, lastAngleOffset, spans.at(i));
+            lastAngleOffset += spans.at(i);
+        }
+
+        const QRect swatch = QRect(0, currentPos * 2 * fh, fh, fh).translated(legendRect.topLeft());
+        ++currentPos;
+        QLinearGradient swatchGradient(swatch.topLeft(), swatch.bottomRight());
+        swatchGradient.setColorAt(0, color);
+        swatchGradient.setColorAt(1, Qt::white);
+        painter.setBrush(swatchGradient);
+        painter.drawRect(swatch);
+
+        const QRect labelRect(swatch.topRight() + QPoint(xWidth, 0), QPoint(legendRect.right(), swatch.bottom()));
+        painter.setPen(pen);
+        painter.drawText(labelRect, Qt::AlignVCenter | Qt::AlignLeft, labels.at(i));
+    }
+    painter.end();
+}
