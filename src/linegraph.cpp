@@ -261,25 +261,30 @@ void ZRLineGraphPrivate::render(QPainter *p, const QSize &size)
     for (int i = 0; i < allY.size(); ++i)
         yIndex.insert(allY.at(i), i);
 
-    QPainterPath path;
     QList<QPoint> positions;
     positions.reserve(data.size());
     const QPoint origin(l.startX, 0);
     for (const ZRLineGraphData &point : std::as_const(data)) {
-        const QPoint position = origin +
-            slotPoint(xIndex.value(point.x(), -1), yIndex.value(point.y(), -1), int(allX.size()), int(allY.size()),
-                      int(l.xVals.size()), int(l.yVals.size()), l.xSpacing, l.ySpacing);
-        if (positions.isEmpty())
-            path.moveTo(position);
-        else
-            path.lineTo(position);
-        positions.append(position);
+        positions.append(origin +
+                         slotPoint(xIndex.value(point.x(), -1), yIndex.value(point.y(), -1), int(allX.size()),
+                                   int(allY.size()), int(l.xVals.size()), int(l.yVals.size()), l.xSpacing, l.ySpacing));
     }
 
     p->setPen(QPen(QBrush(graphLine), 3, Qt::SolidLine, Qt::SquareCap, Qt::BevelJoin));
     p->setBrush(Qt::NoBrush);
     p->setClipRect(QRect(l.startX, l.startY, l.areaWidth, l.areaHeight), Qt::ReplaceClip);
-    p->drawPath(path);
+    // One path through thousands of points that zigzag across the whole height
+    // makes the rasterizer walk every edge on every row (seconds for ten years
+    // of days). Runs of a few segments keep it linear; each run ends on a point
+    // whose dot, drawn next, covers the cap and the join there.
+    const int segmentsPerRun = 16;
+    for (int first = 0; first + 1 < positions.size(); first += segmentsPerRun) {
+        QPainterPath path(positions.at(first));
+        const int last = qMin(first + segmentsPerRun, int(positions.size()) - 1);
+        for (int i = first + 1; i <= last; ++i)
+            path.lineTo(positions.at(i));
+        p->drawPath(path);
+    }
 
     // The clip stays, so dots beyond the plot area are cut off.
     p->setPen(Qt::NoPen);

@@ -544,6 +544,36 @@ private slots:
         QCOMPARE(image.pixelColor(column(0.5), row(1)).green(), 0);
     }
 
+    void aLongLineJoinsEveryPairOfNeighbours()
+    {
+        Points points;
+        for (int i = 0; i < 40; ++i)
+            points.append({ QString("d%1").arg(i, 2, 10, QLatin1Char('0')), QString::number(i % 2 ? 100 : 1) });
+        ZRLineGraph graph;
+        useDistinctColours(graph);
+        fill(graph, points);
+        graph.setSortY(true);
+        graph.resize(820, 200);
+        const QImage image = picture(graph);
+        const ZRLineGraphPrivate d = mirror(points, false, true);
+        const ZRLineGraphPrivate::Layout l = layoutFor(d, QSize(820, 200));
+        const QStringList xVals = d.xValues(40);
+        const QStringList yVals = d.yValues(40);
+        QPoint previous;
+        for (int i = 0; i < points.size(); ++i) {
+            const QPoint position = QPoint(l.startX, 0) +
+                d.graphPoint(i, xVals, yVals, int(l.xVals.size()), int(l.yVals.size()), l.xSpacing, l.ySpacing);
+            QCOMPARE(image.pixelColor(position), line);
+            if (i > 0) {
+                // Slanted segments cover their middle pixel almost, not quite, fully.
+                const QColor middle = image.pixelColor((previous + position) / 2);
+                QVERIFY2(middle.green() > 200 && middle.red() < 40 && middle.blue() < 60,
+                         qPrintable(QString::number(i)));
+            }
+            previous = position;
+        }
+    }
+
     void insertPutsAPointAtTheGivenPlaceInTheList()
     {
         ZRLineGraph inserted;
