@@ -369,6 +369,29 @@ private slots:
         QCOMPARE(l.yVals.last(), QString("0.5"));
     }
 
+    void aPictureTooSmallForOneLabelKeepsOnlyTheLastValue()
+    {
+        const ZRLineGraphPrivate d = mirror(threeDays, false, true);
+        const QFontMetrics metrics = pictureMetrics();
+        QSize xSize;
+        QSize ySize;
+        d.valuesSizes(metrics, &xSize, &ySize);
+
+        // Room for no row at all: only the last (smallest) y value is labelled.
+        const QSize noRoom(400, 20 + xSize.height() + ySize.height() / 2);
+        QCOMPARE(d.layout(metrics, noRoom).yVals, QStringList({ "5" }));
+        // Less than no room (the division goes negative): every value is kept.
+        const QSize belowNoRoom(400, 20);
+        QVERIFY((belowNoRoom.height() - 20 - xSize.height()) / ySize.height() < 0);
+        QCOMPARE(d.layout(metrics, belowNoRoom).yVals, QStringList({ "300", "40", "5" }));
+
+        ZRLineGraph graph;
+        fill(graph, threeDays);
+        graph.setSortY(true);
+        for (const QSize &size : { noRoom, belowNoRoom, QSize(1, 1) })
+            QCOMPARE(saved(graph, size).size(), size);
+    }
+
     // Pictures
 
     void anEmptyGraphShowsOnlyTheFillTheOutlineThePlotAreaAndTheAxis()
