@@ -1,10 +1,12 @@
 #include "mainwindow.h"
 #include "ui_mainwindow.h"
 
+#include "addentrywidget.h"
 #include "databasemanager.h"
 #include "look.h"
 
 #include <QMessageBox>
+#include <QPointer>
 
 MainWindow::MainWindow(QWidget *parent) : QMainWindow(parent), ui(new Ui::MainWindow)
 {
@@ -50,6 +52,11 @@ void MainWindow::reportUnusableDatabase()
     msgBox.setStandardButtons(QMessageBox::Ok);
     msgBox.setDefaultButton(QMessageBox::Ok);
     msgBox.exec();
+}
+
+void MainWindow::on_pushButtonNewEntry_clicked()
+{
+    showDataPage(new AddEntryWidget(QPointer<DatabaseManager>(dbManager), this));
 }
 
 void MainWindow::on_pushButtonHistory_clicked()

@@ -20,6 +20,7 @@ public:
     ~MainWindow() override;
 
 private slots:
+    void on_pushButtonNewEntry_clicked();
     void on_pushButtonHistory_clicked();
     void on_pushButtonExit_clicked();
     void on_pushButtonHome_clicked();

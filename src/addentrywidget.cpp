@@ -1,0 +1,195 @@
+#include "addentrywidget.h"
+#include "ui_addentrywidget.h"
+
+#include "databasemanager.h"
+#include "format.h"
+#include "geolocationreply.h"
+#include "look.h"
+
+#include <QDate>
+#include <QMessageBox>
+#include <QNetworkAccessManager>
+#include <QNetworkReply>
+#include <QNetworkRequest>
+#include <QRegularExpression>
+#include <QRegularExpressionValidator>
+#include <QSettings>
+
+#include <memory>
+
+AddEntryWidget::AddEntryWidget(QPointer<DatabaseManager> dbManager, QWidget *parent)
+    : QWidget(parent), ui(new Ui::AddEntryWidget), dbManager(dbManager), latitude(0.0f), longitude(0.0f)
+{
+    ui->setupUi(this);
+    Look::applyButtonFontWeight(ui->pushButtonAdd);
+
+    // The point is required: "12" stays an intermediate input, "12." and
+    // "12.50" are acceptable, and a third decimal digit cannot be typed.
+    auto *amountValidator =
+        new QRegularExpressionValidator(QRegularExpression(QStringLiteral("[0-9]+\\.[0-9]{0,2}")), ui->lineEditAmount);
+    ui->lineEditAmount->setValidator(amountValidator);
+
+    ui->dateEdit->setDate(QDate::currentDate());
+
+    if (this->dbManager) {
+        const QList<Category *> categories = this->dbManager->GetAllCategories();
+        AddCategoriesToComboBox(categories);
+        qDeleteAll(categories);
+    }
+
+    // Asked as soon as the page opens, whether or not the user ever ticks
+    // "Add GeoLocation", so that an answer is likely to be there by Add.
+    startLocationLookup();
+}
+
+AddEntryWidget::~AddEntryWidget()
+{
+    delete ui;
+}
+
+QUrl AddEntryWidget::geoLocationServiceUrl()
+{
+    QString text = qEnvironmentVariable("LEDGERLY_GEOLOCATION_URL");
+    if (text.isEmpty()) {
+        const QSettings settings(QStringLiteral("Ledgerly"), QStringLiteral("Ledgerly"));
+        text = settings.value(QStringLiteral("GeoLocation/ServiceUrl")).toString();
+    }
+    return QUrl(text.trimmed());
+}
+
+void AddEntryWidget::startLocationLookup()
+{
+    const QUrl url = geoLocationServiceUrl();
+    if (url.isEmpty())
+        return;
+
+    // A manager per lookup, owned by the page: a reply still on its way when
+    // the page is replaced dies with it and is never delivered.
+    auto *manager = new QNetworkAccessManager(this);
+    connect(manager, &QNetworkAccessManager::finished, this, &AddEntryWidget::handleNetworkData);
+    manager->get(QNetworkRequest(url));
+}
+
+void AddEntryWidget::handleNetworkData(QNetworkReply *reply)
+{
+    // A failed lookup changes nothing and is not cleaned up here: the reply
+    // and its manager stay with the page until the page goes.
+    if (reply->error() != QNetworkReply::NoError)
+        return;
+
+    const QByteArray body = reply->readAll();
+    reply->manager()->deleteLater();
+    reply->deleteLater();
+
+    const GeoLocationReply answer = parseGeoLocationReply(body);
+    if (answer.ipAddress)
+        ipAddress = *answer.ipAddress;
+    if (answer.city)
+        city = *answer.city;
+    if (answer.region)
+        region = *answer.region;
+    if (answer.latitude)
+        latitude = *answer.latitude;
+    if (answer.longitude)
+        longitude = *answer.longitude;
+
+    if (!city.isEmpty()) {
+        location.append(city);
+        if (!region.isEmpty())
+            location.append(QStringLiteral(", ") + region);
+    }
+    // The place the page keeps and shows is the IP address, not the city and
+    // region just assembled: that is what the page has always recorded.
+    location = ipAddress;
+}
+
+void AddEntryWidget::AddCategoriesToComboBox(QList<Category *> categories)
+{
+    for (const Category *category : categories)
+        ui->comboBoxCategory->addItem(category->CategoryName, QVariant());
+}
+
+void AddEntryWidget::on_pushButtonAdd_clicked()
+{
+    CheckFieldsFunction();
+}
+
+void AddEntryWidget::CheckFieldsFunction()
+{
+    startLocationLookup();
+
+    QMessageBox msgBox;
+    msgBox.setStandardButtons(QMessageBox::Ok);
+    msgBox.setDefaultButton(QMessageBox::Ok);
+
+    const QString name = ui->lineEditItemName->text();
+    const QString amount = ui->lineEditAmount->text();
+    const QString place = ui->lineEditLocation->text();
+
+    if (name.isEmpty() && amount.isEmpty() && place.isEmpty()) {
+        msgBox.setText(tr("All fields empty. Enter information"));
+        msgBox.exec();
+    } else if (name.isEmpty() && amount.isEmpty()) {
+        msgBox.setText(tr("Item Name and Amount not entered."));
+        msgBox.exec();
+    } else {
+        if (name.isEmpty()) {
+            msgBox.setText(tr("Item Name cannot be empty. Enter Item Name"));
+            msgBox.exec();
+        }
+        if (amount.isEmpty()) {
+            msgBox.setText(tr("Amount cannot be empty. Enter Amount"));
+            msgBox.exec();
+        }
+    }
+
+    // The location is required too, but silently: with only the location
+    // missing, Add does nothing visible.
+    if (name.isEmpty() || amount.isEmpty() || place.isEmpty())
+        return;
+
+    const bool withGeoLocation = ui->checkBoxGeoLocation->isChecked();
+    // One substitution pass, so that a '%' typed into a field stays as typed.
+    msgBox.setText(tr("Details Entered - Item Name: %1  Price: %2 Category: %3  Date: %4  Location: %5  "
+                      "AddGeoLocation: %6 Longitude: %7 Latitude: %8 Location: %9 ")
+                       .arg(name, amount, ui->comboBoxCategory->currentText(), Format::date(ui->dateEdit->date()),
+                            place, withGeoLocation ? tr("True") : tr("False"), Format::number(longitude),
+                            Format::number(latitude), location));
+    msgBox.setStandardButtons(QMessageBox::Save | QMessageBox::Discard);
+    msgBox.setDefaultButton(QMessageBox::Save);
+    if (msgBox.exec() != QMessageBox::Save)
+        return;
+
+    auto entry = std::make_unique<Entry>();
+    entry->ItemName = name;
+    entry->CategoryName = ui->comboBoxCategory->currentText();
+    entry->Price = amount.toFloat();
+    entry->LocationText = place;
+    entry->TransactDateTime = ui->dateEdit->date().startOfDay();
+    entry->EnableGeoLoc = withGeoLocation;
+    if (withGeoLocation) {
+        entry->GeoLocLongit = longitude;
+        entry->GeoLocLatit = latitude;
+    } else {
+        // The coordinates an entry without a geolocation has always carried.
+        entry->GeoLocLongit = 103.0f;
+        entry->GeoLocLatit = 1.3f;
+    }
+
+    const bool added = dbManager && dbManager->AddEntry(entry.get());
+
+    QMessageBox resultBox;
+    resultBox.setText(added ? tr("Entry added to the database successfully")
+                            : tr("Entry could not be added to the database!"));
+    resultBox.setStandardButtons(QMessageBox::Ok);
+    resultBox.setDefaultButton(QMessageBox::Ok);
+    resultBox.exec();
+
+    // Cleared whether or not the store took the entry; the category stays
+    // selected for the next one.
+    ui->lineEditItemName->clear();
+    ui->lineEditAmount->clear();
+    ui->lineEditLocation->clear();
+    ui->checkBoxGeoLocation->setChecked(false);
+    ui->dateEdit->setDate(QDate::currentDate());
+}

@@ -1,0 +1,1263 @@
+#include "addentrywidget.h"
+#include "databasemanager.h"
+#include "format.h"
+#include "geolocationreply.h"
+#include "mainwindow.h"
+
+#include "localhttpserver.h"
+#include "messageboxanswerer.h"
+#include "rawdatabase.h"
+#include "temphome.h"
+#include "testmain.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QDateEdit>
+#include <QLabel>
+#include <QLineEdit>
+#include <QNetworkAccessManager>
+#include <QNetworkProxy>
+#include <QNetworkReply>
+#include <QPointer>
+#include <QPushButton>
+#include <QRegularExpressionValidator>
+#include <QScopeGuard>
+#include <QScrollArea>
+#include <QSettings>
+#include <QStackedWidget>
+#include <QTemporaryDir>
+#include <QTextBlock>
+#include <QTextDocument>
+#include <QtTest>
+
+#include <memory>
+
+namespace {
+
+const char geoLocationVariable[] = "LEDGERLY_GEOLOCATION_URL";
+
+const char inputStyle[] =
+    "border-style: outset;\nborder-width: 2px;\nborder-color: beige;\nfont: 75 14pt \"MS Shell Dlg "
+    "2\";\nbackground-color: rgb(254, 255, 189);";
+const char comboStyle[] =
+    "border-style: outset;\nborder-width: 2px;\nborder-color: beige;\nfont: 75 14pt \"MS Shell Dlg "
+    "2\";";
+const char gradientButtonStyle[] =
+    "border-style: outset;\nborder-width: 2px;\nborder-color: beige;\n\nbackground-color: qlineargradient(spread:pad, "
+    "x1:0.452, y1:0.0397727, x2:0.452, y2:1, stop:0.361582 rgba(151, 0, 0, 255), stop:1 rgba(221, 182, 116, "
+    "255));\nfont: 75 16pt \"MS Shell Dlg 2\"  rgb(252, 252, 0);\n";
+
+const QByteArray fullReply = QByteArrayLiteral("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
+                                               "<Response>\n"
+                                               "  <Ip>10.1.2.3</Ip>\n"
+                                               "  <City>Pune</City>\n"
+                                               "  <RegionName>Maharashtra</RegionName>\n"
+                                               "  <Latitude>18.52</Latitude>\n"
+                                               "  <Longitude>73.85</Longitude>\n"
+                                               "</Response>\n");
+
+template<typename T> T *child(const QWidget &parent, const char *name)
+{
+    return parent.findChild<T *>(QLatin1String(name));
+}
+
+QString plainText(const QLabel *label)
+{
+    QTextDocument document;
+    document.setHtml(label->text());
+    return document.toPlainText();
+}
+
+// The reply in one line, so that a table row can say what it expects:
+// "-" for a child that was not read.
+QString describe(const GeoLocationReply &reply)
+{
+    const auto text = [](const std::optional<QString> &value) { return value ? *value : QStringLiteral("-"); };
+    const auto number = [](const std::optional<float> &value) {
+        return value ? Format::number(*value) : QStringLiteral("-");
+    };
+    return QStringLiteral("ip=%1 city=%2 region=%3 lat=%4 long=%5")
+        .arg(text(reply.ipAddress), text(reply.city), text(reply.region), number(reply.latitude),
+             number(reply.longitude));
+}
+
+// A store on the file of a temporary home, and a page on it.
+struct PageFixture
+{
+    PageFixture() : store(nullptr), page(QPointer<DatabaseManager>(&store), nullptr) { }
+
+    QLineEdit *name() { return child<QLineEdit>(page, "lineEditItemName"); }
+    QLineEdit *amount() { return child<QLineEdit>(page, "lineEditAmount"); }
+    QLineEdit *place() { return child<QLineEdit>(page, "lineEditLocation"); }
+    QComboBox *category() { return child<QComboBox>(page, "comboBoxCategory"); }
+    QDateEdit *date() { return child<QDateEdit>(page, "dateEdit"); }
+    QCheckBox *geoLocation() { return child<QCheckBox>(page, "checkBoxGeoLocation"); }
+    void pressAdd() { child<QPushButton>(page, "pushButtonAdd")->click(); }
+
+    // Types like a user, through the amount validator.
+    void type(const QString &itemName, const QString &price, const QString &where)
+    {
+        QTest::keyClicks(name(), itemName);
+        QTest::keyClicks(amount(), price);
+        QTest::keyClicks(place(), where);
+    }
+
+    TempHome home;
+    DatabaseManager store;
+    AddEntryWidget page;
+};
+
+QList<QVariantList> storedEntries(const TempHome &home)
+{
+    RawDatabase raw(home.databasePath());
+    return raw.rows(
+        QStringLiteral("SELECT ItemName, CategoryName, TransactDateTime, Price, LocationText, EnableGeoLoc, "
+                       "GeoLocLongit, GeoLocLatit FROM Entry ORDER BY SNo"));
+}
+
+int storedEntryCount(const TempHome &home)
+{
+    RawDatabase raw(home.databasePath());
+    return raw.scalar(QStringLiteral("SELECT COUNT(*) FROM Entry")).toInt();
+}
+
+QString confirmation(const QString &name, const QString &price, const QString &category, const QDate &date,
+                     const QString &place, const QString &geo, const QString &longitude, const QString &latitude,
+                     const QString &location)
+{
+    return QStringLiteral("Details Entered - Item Name: ") + name + QStringLiteral("  Price: ") + price +
+        QStringLiteral(" Category: ") + category + QStringLiteral("  Date: ") + date.toString(Qt::TextDate) +
+        QStringLiteral("  Location: ") + place + QStringLiteral("  AddGeoLocation: ") + geo +
+        QStringLiteral(" Longitude: ") + longitude + QStringLiteral(" Latitude: ") + latitude +
+        QStringLiteral(" Location: ") + location + QStringLiteral(" ");
+}
+
+} // namespace
+
+class TestAddEntryWidget : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void init();
+    void cleanup();
+
+    // The form
+    void formHasTheDesignedWidgetsAndGeometry_data();
+    void formHasTheDesignedWidgetsAndGeometry();
+    void pageHasItsTitleSizeAndStyleSheets();
+    void captionsAreYellowRichText_data();
+    void captionsAreYellowRichText();
+    void addButtonHasTheGradientStyleAndTheMenuFont();
+    void dateEditShowsDayMonthYearWithoutAPopUpAndStartsToday();
+    void categoryBoxListsTheStoredCategoriesInTableOrder();
+    void addCategoriesToComboBoxAppendsNamesWithoutUserData();
+    void checkBoxStartsUnticked();
+
+    // The amount field
+    void amountValidatorJudgesText_data();
+    void amountValidatorJudgesText();
+    void typingIntoTheAmountKeepsOnlyWhatTheValidatorAllows_data();
+    void typingIntoTheAmountKeepsOnlyWhatTheValidatorAllows();
+    void anAmountWithoutAPointIsStillReadByAdd();
+
+    // Validation, confirmation, saving
+    void missingFieldsAreReportedAndNothingIsStored_data();
+    void missingFieldsAreReportedAndNothingIsStored();
+    void aMissingLocationAloneStopsAddSilently();
+    void confirmationListsWhatWasTypedAndTheLatestLookup();
+    void discardKeepsEveryFieldAsTyped();
+    void saveWithTheBoxUntickedStoresTheFixedCoordinates();
+    void saveWithTheBoxTickedStoresTheCoordinatesOfTheLatestReply();
+    void savedEntryIsReadBackByTheStoreAsTyped();
+    void savingClearsTheFieldsAndKeepsTheCategory();
+    void aRefusedWriteIsReportedAndTheFieldsAreClearedAllTheSame();
+
+    // The reply parser
+    void parserReadsWhatTheReplySays_data();
+    void parserReadsWhatTheReplySays();
+
+    // The lookup against a real server
+    void withoutAServiceNoRequestIsSentAndTheLookupValuesStayEmpty();
+    void theServiceUrlComesFromTheSettings();
+    void theEnvironmentOverridesTheSetting();
+    void openingThePageSendsOneGetAndEachAddOneMore();
+    void aFullReplyFillsTheMembersAndLocationBecomesTheIpAddress();
+    void anUnknownChildWithANestedSubtreeIsSkipped();
+    void aSuccessfulReplyIsDeletedWithItsManager();
+    void aFailedLookupChangesNothingAndKeepsItsReply_data();
+    void aFailedLookupChangesNothingAndKeepsItsReply();
+    void aServerThatNeverAnswersLeavesThePageUsable();
+    void anUnreadableReplyOnlyResetsLocationToTheKnownIpAddress_data();
+    void anUnreadableReplyOnlyResetsLocationToTheKnownIpAddress();
+    void numbersThatAreNotNumbersAreReadAsZero();
+
+    // The main window's New Entry button
+    void newEntryShowsTheNewEntryPageOnTheDataPage();
+    void newEntryAgainReplacesTheTypedPageWithAnEmptyOne();
+    void homeAndAboutKeepTheTypedPageAliveAndHidden();
+    void thePageKeepsItsBlackBackgroundInsideTheItalicHost();
+
+private:
+    void setService(const QUrl &url);
+
+    QTemporaryDir settingsDir;
+};
+
+void TestAddEntryWidget::initTestCase()
+{
+    QVERIFY(settingsDir.isValid());
+    // Settings of the user running the tests must not leak in.
+    QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, settingsDir.path());
+    // Nor a proxy from the environment: the server is on this machine.
+    QNetworkProxy::setApplicationProxy(QNetworkProxy::NoProxy);
+}
+
+void TestAddEntryWidget::init()
+{
+    qunsetenv(geoLocationVariable);
+    QSettings(QStringLiteral("Ledgerly"), QStringLiteral("Ledgerly")).clear();
+}
+
+void TestAddEntryWidget::cleanup()
+{
+    qunsetenv(geoLocationVariable);
+    QVERIFY(noVisibleTopLevelWidgets());
+}
+
+void TestAddEntryWidget::setService(const QUrl &url)
+{
+    qputenv(geoLocationVariable, url.toString().toUtf8());
+}
+
+// ---------------------------------------------------------------- the form
+
+void TestAddEntryWidget::formHasTheDesignedWidgetsAndGeometry_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QString>("className");
+    QTest::addColumn<QRect>("geometry");
+
+    const auto row = [](const char *name, const char *className, const QRect &geometry) {
+        QTest::newRow(name) << QString::fromLatin1(name) << QString::fromLatin1(className) << geometry;
+    };
+    row("scrollArea", "QScrollArea", QRect(10, 10, 871, 741));
+    row("scrollAreaWidgetContents", "QWidget", QRect(0, 0, 869, 739));
+    row("labelName", "QLabel", QRect(20, 20, 111, 31));
+    row("lineEditItemName", "QLineEdit", QRect(150, 10, 681, 51));
+    row("labelAmount", "QLabel", QRect(20, 80, 111, 31));
+    row("lineEditAmount", "QLineEdit", QRect(150, 70, 681, 51));
+    row("labelCategory", "QLabel", QRect(20, 140, 111, 31));
+    row("comboBoxCategory", "QComboBox", QRect(150, 131, 681, 41));
+    row("labelLocation", "QLabel", QRect(20, 200, 111, 31));
+    row("lineEditLocation", "QLineEdit", QRect(150, 190, 681, 51));
+    row("labelDate", "QLabel", QRect(20, 260, 111, 31));
+    row("dateEdit", "QDateEdit", QRect(150, 250, 291, 61));
+    row("checkBoxGeoLocation", "QCheckBox", QRect(150, 350, 471, 51));
+    row("pushButtonAdd", "QPushButton", QRect(300, 470, 311, 61));
+}
+
+void TestAddEntryWidget::formHasTheDesignedWidgetsAndGeometry()
+{
+    QFETCH(QString, name);
+    QFETCH(QString, className);
+    QFETCH(QRect, geometry);
+
+    PageFixture f;
+    auto *widget = f.page.findChild<QWidget *>(name);
+    QVERIFY2(widget, qPrintable(name));
+    QCOMPARE(QString::fromLatin1(widget->metaObject()->className()), className);
+    QCOMPARE(widget->geometry(), geometry);
+    if (name != QLatin1String("scrollArea") && name != QLatin1String("scrollAreaWidgetContents"))
+        QCOMPARE(widget->parentWidget()->objectName(), QStringLiteral("scrollAreaWidgetContents"));
+}
+
+void TestAddEntryWidget::pageHasItsTitleSizeAndStyleSheets()
+{
+    PageFixture f;
+    QCOMPARE(f.page.objectName(), QStringLiteral("AddEntryWidget"));
+    QCOMPARE(f.page.windowTitle(), QStringLiteral("Form"));
+    QCOMPARE(f.page.size(), QSize(888, 761));
+    QCOMPARE(f.page.styleSheet(), QStringLiteral("background-color: rgb(0, 0, 0);"));
+
+    auto *scrollArea = child<QScrollArea>(f.page, "scrollArea");
+    QCOMPARE(scrollArea->styleSheet(), QStringLiteral("font: 75 14pt \"MS Shell Dlg 2\";"));
+    QVERIFY(!scrollArea->widgetResizable());
+    QCOMPARE(scrollArea->widget()->objectName(), QStringLiteral("scrollAreaWidgetContents"));
+
+    for (QLineEdit *edit : { f.name(), f.amount(), f.place() })
+        QCOMPARE(edit->styleSheet(), QString::fromLatin1(inputStyle));
+    QCOMPARE(f.date()->styleSheet(), QString::fromLatin1(inputStyle));
+    QCOMPARE(f.category()->styleSheet(), QString::fromLatin1(comboStyle));
+    QCOMPARE(f.geoLocation()->styleSheet(), QStringLiteral("font: 75 14pt \"MS Shell Dlg 2\";\n"));
+    QCOMPARE(f.geoLocation()->text(), QStringLiteral("Add GeoLocation"));
+}
+
+void TestAddEntryWidget::captionsAreYellowRichText_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QString>("spanStyle");
+
+    QTest::newRow("Name") << "labelName"
+                          << "Name"
+                          << "<span style=\" color:#ffff00;\">Name</span>";
+    QTest::newRow("Amount") << "labelAmount"
+                            << "Amount"
+                            << "<span style=\" font-size:14pt; color:#ffff00;\">Amount</span>";
+    QTest::newRow("Category") << "labelCategory"
+                              << "Category"
+                              << "<span style=\" font-size:14pt; color:#ffff00;\">Category</span>";
+    QTest::newRow("Location") << "labelLocation"
+                              << "Location"
+                              << "<span style=\" font-size:14pt; color:#ffff00;\">Location</span>";
+    QTest::newRow("Date") << "labelDate"
+                          << "Date"
+                          << "<span style=\" font-size:14pt; color:#ffff00;\">Date</span>";
+}
+
+void TestAddEntryWidget::captionsAreYellowRichText()
+{
+    QFETCH(QString, name);
+    QFETCH(QString, text);
+    QFETCH(QString, spanStyle);
+
+    PageFixture f;
+    auto *label = f.page.findChild<QLabel *>(name);
+    QVERIFY(label);
+    QCOMPARE(plainText(label), text);
+    QVERIFY(Qt::mightBeRichText(label->text()));
+    QVERIFY2(label->text().contains(spanStyle), qPrintable(label->text()));
+    QVERIFY(label->text().contains(QStringLiteral("font-family:'MS Shell Dlg 2'; font-size:14pt;")));
+    // One paragraph holding one span.
+    QCOMPARE(label->text().count(QStringLiteral("<p ")), 1);
+    QCOMPARE(label->text().count(QStringLiteral("<span ")), 1);
+
+    QTextDocument document;
+    document.setHtml(label->text());
+    const QTextCharFormat format = document.begin().begin().fragment().charFormat();
+    QCOMPARE(format.foreground().color(), QColor(0xff, 0xff, 0x00));
+}
+
+void TestAddEntryWidget::addButtonHasTheGradientStyleAndTheMenuFont()
+{
+    PageFixture f;
+    auto *add = child<QPushButton>(f.page, "pushButtonAdd");
+    QCOMPARE(add->text(), QStringLiteral("Add"));
+    QCOMPARE(add->styleSheet(), QString::fromLatin1(gradientButtonStyle));
+    QCOMPARE(add->font().family(), QStringLiteral("MS Shell Dlg 2"));
+    QCOMPARE(add->font().pointSize(), 16);
+    QVERIFY(!add->font().italic());
+    QVERIFY(!add->font().bold());
+}
+
+void TestAddEntryWidget::dateEditShowsDayMonthYearWithoutAPopUpAndStartsToday()
+{
+    PageFixture f;
+    QCOMPARE(f.date()->displayFormat(), QStringLiteral("dd/MM/yyyy"));
+    QVERIFY(!f.date()->calendarPopup());
+    QCOMPARE(f.date()->date(), QDate::currentDate());
+    QCOMPARE(f.date()->text(), QDate::currentDate().toString(QStringLiteral("dd/MM/yyyy")));
+}
+
+void TestAddEntryWidget::categoryBoxListsTheStoredCategoriesInTableOrder()
+{
+    PageFixture f;
+    RawDatabase raw(f.home.databasePath());
+    const QList<QVariantList> rows = raw.rows(QStringLiteral("SELECT CategoryName FROM Category"));
+    QCOMPARE(rows.size(), 37);
+
+    auto *combo = f.category();
+    QCOMPARE(combo->count(), rows.size());
+    for (int i = 0; i < rows.size(); ++i)
+        QCOMPARE(combo->itemText(i), rows.at(i).constFirst().toString());
+    QCOMPARE(combo->currentIndex(), 0);
+}
+
+void TestAddEntryWidget::addCategoriesToComboBoxAppendsNamesWithoutUserData()
+{
+    PageFixture f;
+    const int before = f.category()->count();
+
+    Category tea;
+    tea.CategoryName = QStringLiteral("Tea");
+    Category books;
+    books.CategoryName = QStringLiteral("Books");
+    f.page.AddCategoriesToComboBox({ &tea, &books });
+
+    QCOMPARE(f.category()->count(), before + 2);
+    QCOMPARE(f.category()->itemText(before), QStringLiteral("Tea"));
+    QCOMPARE(f.category()->itemText(before + 1), QStringLiteral("Books"));
+    QVERIFY(!f.category()->itemData(before).isValid());
+    // The records stay the caller's and untouched.
+    QCOMPARE(tea.CategoryName, QStringLiteral("Tea"));
+}
+
+void TestAddEntryWidget::checkBoxStartsUnticked()
+{
+    PageFixture f;
+    QVERIFY(!f.geoLocation()->isChecked());
+    QVERIFY(f.name()->text().isEmpty());
+    QVERIFY(f.amount()->text().isEmpty());
+    QVERIFY(f.place()->text().isEmpty());
+}
+
+// ---------------------------------------------------------- the amount field
+
+void TestAddEntryWidget::amountValidatorJudgesText_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QValidator::State>("state");
+
+    QTest::newRow("12 without a point") << "12" << QValidator::Intermediate;
+    QTest::newRow("12.") << "12." << QValidator::Acceptable;
+    QTest::newRow("12.5") << "12.5" << QValidator::Acceptable;
+    QTest::newRow("12.50") << "12.50" << QValidator::Acceptable;
+    QTest::newRow("0.99") << "0.99" << QValidator::Acceptable;
+    QTest::newRow("third decimal digit") << "12.555" << QValidator::Invalid;
+    QTest::newRow("point first") << ".5" << QValidator::Invalid;
+    QTest::newRow("letters") << "abc" << QValidator::Invalid;
+    QTest::newRow("negative") << "-3.00" << QValidator::Invalid;
+    QTest::newRow("comma") << "12,50" << QValidator::Invalid;
+    QTest::newRow("empty") << "" << QValidator::Intermediate;
+}
+
+void TestAddEntryWidget::amountValidatorJudgesText()
+{
+    QFETCH(QString, text);
+    QFETCH(QValidator::State, state);
+
+    PageFixture f;
+    const auto *validator = qobject_cast<const QRegularExpressionValidator *>(f.amount()->validator());
+    QVERIFY(validator);
+    QCOMPARE(validator->parent(), f.amount());
+    QCOMPARE(validator->regularExpression().pattern(), QStringLiteral("[0-9]+\\.[0-9]{0,2}"));
+    QVERIFY(!(validator->regularExpression().patternOptions() & QRegularExpression::CaseInsensitiveOption));
+    int position = 0;
+    QCOMPARE(validator->validate(text, position), state);
+}
+
+void TestAddEntryWidget::typingIntoTheAmountKeepsOnlyWhatTheValidatorAllows_data()
+{
+    QTest::addColumn<QString>("typed");
+    QTest::addColumn<QString>("kept");
+    QTest::addColumn<bool>("acceptable");
+
+    QTest::newRow("12 stays, not yet acceptable") << "12"
+                                                  << "12" << false;
+    QTest::newRow("12.") << "12."
+                         << "12." << true;
+    QTest::newRow("12.5") << "12.5"
+                          << "12.5" << true;
+    QTest::newRow("12.50") << "12.50"
+                           << "12.50" << true;
+    QTest::newRow("a third decimal digit cannot be typed") << "12.555"
+                                                           << "12.55" << true;
+    QTest::newRow("letters cannot be typed") << "1a2.b5"
+                                             << "12.5" << true;
+}
+
+void TestAddEntryWidget::typingIntoTheAmountKeepsOnlyWhatTheValidatorAllows()
+{
+    QFETCH(QString, typed);
+    QFETCH(QString, kept);
+    QFETCH(bool, acceptable);
+
+    PageFixture f;
+    QTest::keyClicks(f.amount(), typed);
+    QCOMPARE(f.amount()->text(), kept);
+    QCOMPARE(f.amount()->hasAcceptableInput(), acceptable);
+}
+
+void TestAddEntryWidget::anAmountWithoutAPointIsStillReadByAdd()
+{
+    PageFixture f;
+    f.type(QStringLiteral("Bread"), QStringLiteral("12"), QStringLiteral("Bakery"));
+    QVERIFY(!f.amount()->hasAcceptableInput());
+
+    MessageBoxAnswerer answerer;
+    answerer.answer({ QMessageBox::Save, QMessageBox::Ok });
+    f.pressAdd();
+
+    QVERIFY2(answerer.errors().isEmpty(), qPrintable(answerer.errors().join('\n')));
+    QCOMPARE(answerer.seen().size(), 2);
+    QVERIFY(answerer.texts().constFirst().contains(QStringLiteral("  Price: 12 Category: ")));
+    const QList<QVariantList> rows = storedEntries(f.home);
+    QCOMPARE(rows.size(), 1);
+    QCOMPARE(rows.at(0).at(3).toFloat(), 12.0f);
+}
+
+// --------------------------------------------- validation, confirmation, saving
+
+void TestAddEntryWidget::missingFieldsAreReportedAndNothingIsStored_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QString>("amount");
+    QTest::addColumn<QString>("place");
+    QTest::addColumn<QStringList>("messages");
+
+    QTest::newRow("all empty") << ""
+                               << ""
+                               << "" << QStringList { "All fields empty. Enter information" };
+    QTest::newRow("only the location") << ""
+                                       << ""
+                                       << "Market" << QStringList { "Item Name and Amount not entered." };
+    QTest::newRow("no name") << ""
+                             << "2.50"
+                             << "Market" << QStringList { "Item Name cannot be empty. Enter Item Name" };
+    QTest::newRow("no name and no location") << ""
+                                             << "2.50"
+                                             << "" << QStringList { "Item Name cannot be empty. Enter Item Name" };
+    QTest::newRow("no amount") << "Coffee"
+                               << ""
+                               << "Market" << QStringList { "Amount cannot be empty. Enter Amount" };
+    QTest::newRow("no amount and no location") << "Coffee"
+                                               << ""
+                                               << "" << QStringList { "Amount cannot be empty. Enter Amount" };
+}
+
+void TestAddEntryWidget::missingFieldsAreReportedAndNothingIsStored()
+{
+    QFETCH(QString, name);
+    QFETCH(QString, amount);
+    QFETCH(QString, place);
+    QFETCH(QStringList, messages);
+
+    PageFixture f;
+    f.type(name, amount, place);
+    f.geoLocation()->setChecked(true);
+
+    MessageBoxAnswerer answerer;
+    for (int i = 0; i < messages.size(); ++i)
+        answerer.answer(QMessageBox::Ok);
+    f.pressAdd();
+
+    QVERIFY2(answerer.errors().isEmpty(), qPrintable(answerer.errors().join('\n')));
+    QCOMPARE(answerer.texts(), messages);
+    for (const SeenMessageBox &box : answerer.seen()) {
+        QCOMPARE(box.buttons, QMessageBox::StandardButtons(QMessageBox::Ok));
+        QCOMPARE(box.defaultButton, QMessageBox::Ok);
+        QVERIFY(!box.hasParent);
+    }
+    QCOMPARE(storedEntryCount(f.home), 0);
+    // Nothing is cleared on a validation failure.
+    QCOMPARE(f.name()->text(), name);
+    QCOMPARE(f.amount()->text(), amount);
+    QCOMPARE(f.place()->text(), place);
+    QVERIFY(f.geoLocation()->isChecked());
+}
+
+void TestAddEntryWidget::aMissingLocationAloneStopsAddSilently()
+{
+    PageFixture f;
+    f.type(QStringLiteral("Coffee"), QStringLiteral("2.50"), QString());
+
+    MessageBoxAnswerer answerer;
+    // A box would be modal: it would have been seen, and answered as
+    // unexpected, before the click returns.
+    f.pressAdd();
+
+    QVERIFY(answerer.seen().isEmpty());
+    QVERIFY(answerer.errors().isEmpty());
+    QCOMPARE(storedEntryCount(f.home), 0);
+    QCOMPARE(f.name()->text(), QStringLiteral("Coffee"));
+    QCOMPARE(f.amount()->text(), QStringLiteral("2.50"));
+}
+
+void TestAddEntryWidget::confirmationListsWhatWasTypedAndTheLatestLookup()
+{
+    LocalHttpServer server;
+    QVERIFY(server.listen());
+    server.setReply(200, fullReply);
+    setService(server.url());
+
+    PageFixture f;
+    QTRY_COMPARE(f.page.ipAddress, QStringLiteral("10.1.2.3"));
+
+    f.type(QStringLiteral("Coffee 100%"), QStringLiteral("2.50"), QStringLiteral("Pune Market %1"));
+    f.category()->setCurrentIndex(3);
+    const QString category = f.category()->currentText();
+    const QDate day(2026, 3, 5);
+    f.date()->setDate(day);
+    f.geoLocation()->setChecked(true);
+
+    MessageBoxAnswerer answerer;
+    answerer.answer(QMessageBox::Discard);
+    f.pressAdd();
+
+    QVERIFY2(answerer.errors().isEmpty(), qPrintable(answerer.errors().join('\n')));
+    QCOMPARE(answerer.seen().size(), 1);
+    const SeenMessageBox &box = answerer.seen().constFirst();
+    QCOMPARE(box.text,
+             confirmation(QStringLiteral("Coffee 100%"), QStringLiteral("2.50"), category, day,
+                          QStringLiteral("Pune Market %1"), QStringLiteral("True"), QStringLiteral("73.85"),
+                          QStringLiteral("18.52"), QStringLiteral("10.1.2.3")));
+    QVERIFY(box.text.contains(QStringLiteral("Date: Thu Mar 5 2026  Location")));
+    QCOMPARE(box.buttons, QMessageBox::StandardButtons(QMessageBox::Save | QMessageBox::Discard));
+    QCOMPARE(box.defaultButton, QMessageBox::Save);
+    QVERIFY(!box.hasParent);
+}
+
+void TestAddEntryWidget::discardKeepsEveryFieldAsTyped()
+{
+    PageFixture f;
+    f.type(QStringLiteral("Coffee"), QStringLiteral("2.5"), QStringLiteral("Station"));
+    f.category()->setCurrentIndex(5);
+    f.date()->setDate(QDate(2025, 12, 24));
+    f.geoLocation()->setChecked(true);
+
+    MessageBoxAnswerer answerer;
+    answerer.answer(QMessageBox::Discard);
+    f.pressAdd();
+
+    QVERIFY2(answerer.errors().isEmpty(), qPrintable(answerer.errors().join('\n')));
+    QCOMPARE(answerer.seen().size(), 1);
+    QCOMPARE(answerer.seen().constFirst().pressed, QMessageBox::Discard);
+    QCOMPARE(storedEntryCount(f.home), 0);
+    QCOMPARE(f.name()->text(), QStringLiteral("Coffee"));
+    QCOMPARE(f.amount()->text(), QStringLiteral("2.5"));
+    QCOMPARE(f.place()->text(), QStringLiteral("Station"));
+    QCOMPARE(f.category()->currentIndex(), 5);
+    QCOMPARE(f.date()->date(), QDate(2025, 12, 24));
+    QVERIFY(f.geoLocation()->isChecked());
+}
+
+void TestAddEntryWidget::saveWithTheBoxUntickedStoresTheFixedCoordinates()
+{
+    LocalHttpServer server;
+    QVERIFY(server.listen());
+    server.setReply(200, fullReply);
+    setService(server.url());
+
+    PageFixture f;
+    QTRY_COMPARE(f.page.ipAddress, QStringLiteral("10.1.2.3"));
+    f.type(QStringLiteral("Coffee"), QStringLiteral("2.50"), QStringLiteral("Pune Market"));
+    f.category()->setCurrentIndex(2);
+    const QString category = f.category()->currentText();
+    f.date()->setDate(QDate(2026, 3, 5));
+
+    MessageBoxAnswerer answerer;
+    answerer.answer({ QMessageBox::Save, QMessageBox::Ok });
+    f.pressAdd();
+
+    QVERIFY2(answerer.errors().isEmpty(), qPrintable(answerer.errors().join('\n')));
+    QCOMPARE(answerer.texts().value(1), QStringLiteral("Entry added to the database successfully"));
+    QVERIFY(answerer.texts().value(0).contains(QStringLiteral("AddGeoLocation: False Longitude: 73.85")));
+
+    const QList<QVariantList> rows = storedEntries(f.home);
+    QCOMPARE(rows.size(), 1);
+    const QVariantList &row = rows.constFirst();
+    QCOMPARE(row.at(0).toString(), QStringLiteral("Coffee"));
+    QCOMPARE(row.at(1).toString(), category);
+    QCOMPARE(row.at(2).toString(), QStringLiteral("2026-03-05T00:00:00"));
+    QCOMPARE(row.at(3).toFloat(), 2.5f);
+    QCOMPARE(row.at(4).toString(), QStringLiteral("Pune Market"));
+    QCOMPARE(row.at(5).toString(), QStringLiteral("false"));
+    // Not the reply's coordinates: an entry without a geolocation carries
+    // the fixed pair.
+    QCOMPARE(row.at(6).toFloat(), 103.0f);
+    QCOMPARE(row.at(7).toFloat(), 1.3f);
+
+    RawDatabase raw(f.home.databasePath());
+    QCOMPARE(raw.scalar(QStringLiteral("SELECT COUNT(*) FROM HistoricLocation")).toInt(), 0);
+}
+
+void TestAddEntryWidget::saveWithTheBoxTickedStoresTheCoordinatesOfTheLatestReply()
+{
+    LocalHttpServer server;
+    QVERIFY(server.listen());
+    server.setReply(200, fullReply);
+    setService(server.url());
+
+    PageFixture f;
+    QTRY_COMPARE(f.page.longitude, 73.85f);
+    // The reply to this Add's own lookup may arrive while the confirmation is
+    // open; it says the same, so the stored values do not depend on timing.
+    f.type(QStringLiteral("Tea"), QStringLiteral("1.20"), QStringLiteral("Pune Station"));
+    f.geoLocation()->setChecked(true);
+    f.date()->setDate(QDate(2024, 2, 29));
+
+    MessageBoxAnswerer answerer;
+    answerer.answer({ QMessageBox::Save, QMessageBox::Ok });
+    f.pressAdd();
+
+    QVERIFY2(answerer.errors().isEmpty(), qPrintable(answerer.errors().join('\n')));
+    QCOMPARE(answerer.texts().value(1), QStringLiteral("Entry added to the database successfully"));
+
+    const QList<QVariantList> rows = storedEntries(f.home);
+    QCOMPARE(rows.size(), 1);
+    const QVariantList &row = rows.constFirst();
+    QCOMPARE(row.at(2).toString(), QStringLiteral("2024-02-29T00:00:00"));
+    QCOMPARE(row.at(3).toFloat(), 1.2f);
+    QCOMPARE(row.at(4).toString(), QStringLiteral("Pune Station"));
+    QCOMPARE(row.at(5).toString(), QStringLiteral("true"));
+    QCOMPARE(row.at(6).toFloat(), 73.85f);
+    QCOMPARE(row.at(7).toFloat(), 18.52f);
+}
+
+void TestAddEntryWidget::savedEntryIsReadBackByTheStoreAsTyped()
+{
+    PageFixture f;
+    f.type(QStringLiteral("Lunch"), QStringLiteral("8.75"), QStringLiteral("Canteen"));
+    f.category()->setCurrentIndex(1);
+    const QString category = f.category()->currentText();
+    f.date()->setDate(QDate(2026, 1, 31));
+
+    MessageBoxAnswerer answerer;
+    answerer.answer({ QMessageBox::Save, QMessageBox::Ok });
+    f.pressAdd();
+    QVERIFY2(answerer.errors().isEmpty(), qPrintable(answerer.errors().join('\n')));
+
+    const QList<Entry *> entries = f.store.GetAllEntries();
+    const auto release = qScopeGuard([&] { qDeleteAll(entries); });
+    QCOMPARE(entries.size(), 1);
+    const Entry *entry = entries.constFirst();
+    QCOMPARE(entry->ItemName, QStringLiteral("Lunch"));
+    QCOMPARE(entry->CategoryName, category);
+    QCOMPARE(entry->CategoryID, f.store.GetCategoryID(category));
+    QCOMPARE(entry->Price, 8.75f);
+    QCOMPARE(entry->LocationText, QStringLiteral("Canteen"));
+    QCOMPARE(entry->TransactDateTime, QDate(2026, 1, 31).startOfDay());
+    QVERIFY(!entry->EnableGeoLoc);
+    QCOMPARE(entry->GeoLocLongit, 103.0f);
+    QCOMPARE(entry->GeoLocLatit, 1.3f);
+    QVERIFY(entry->ItemID > 0);
+}
+
+void TestAddEntryWidget::savingClearsTheFieldsAndKeepsTheCategory()
+{
+    PageFixture f;
+    f.type(QStringLiteral("Coffee"), QStringLiteral("3."), QStringLiteral("Kiosk"));
+    f.category()->setCurrentIndex(7);
+    f.date()->setDate(QDate(2020, 6, 1));
+    f.geoLocation()->setChecked(true);
+
+    MessageBoxAnswerer answerer;
+    answerer.answer({ QMessageBox::Save, QMessageBox::Ok });
+    f.pressAdd();
+
+    QVERIFY2(answerer.errors().isEmpty(), qPrintable(answerer.errors().join('\n')));
+    const SeenMessageBox &result = answerer.seen().value(1);
+    QCOMPARE(result.text, QStringLiteral("Entry added to the database successfully"));
+    QCOMPARE(result.buttons, QMessageBox::StandardButtons(QMessageBox::Ok));
+    QCOMPARE(result.defaultButton, QMessageBox::Ok);
+    QVERIFY(!result.hasParent);
+
+    QVERIFY(f.name()->text().isEmpty());
+    QVERIFY(f.amount()->text().isEmpty());
+    QVERIFY(f.place()->text().isEmpty());
+    QVERIFY(!f.geoLocation()->isChecked());
+    QCOMPARE(f.date()->date(), QDate::currentDate());
+    QCOMPARE(f.category()->currentIndex(), 7);
+    QCOMPARE(storedEntryCount(f.home), 1);
+}
+
+void TestAddEntryWidget::aRefusedWriteIsReportedAndTheFieldsAreClearedAllTheSame()
+{
+    PageFixture f;
+    {
+        RawDatabase raw(f.home.databasePath());
+        QVERIFY2(raw.exec(QStringLiteral("DROP TABLE Entry")), qPrintable(raw.lastError()));
+    }
+    f.type(QStringLiteral("Coffee"), QStringLiteral("2.50"), QStringLiteral("Kiosk"));
+    f.category()->setCurrentIndex(4);
+    f.geoLocation()->setChecked(true);
+
+    MessageBoxAnswerer answerer;
+    answerer.answer({ QMessageBox::Save, QMessageBox::Ok });
+    f.pressAdd();
+
+    QVERIFY2(answerer.errors().isEmpty(), qPrintable(answerer.errors().join('\n')));
+    QCOMPARE(answerer.seen().size(), 2);
+    const SeenMessageBox &result = answerer.seen().at(1);
+    QCOMPARE(result.text, QStringLiteral("Entry could not be added to the database!"));
+    QCOMPARE(result.buttons, QMessageBox::StandardButtons(QMessageBox::Ok));
+    QCOMPARE(result.defaultButton, QMessageBox::Ok);
+    QVERIFY(!result.hasParent);
+
+    QVERIFY(f.name()->text().isEmpty());
+    QVERIFY(f.amount()->text().isEmpty());
+    QVERIFY(f.place()->text().isEmpty());
+    QVERIFY(!f.geoLocation()->isChecked());
+    QCOMPARE(f.category()->currentIndex(), 4);
+}
+
+// --------------------------------------------------------- the reply parser
+
+void TestAddEntryWidget::parserReadsWhatTheReplySays_data()
+{
+    QTest::addColumn<QByteArray>("body");
+    QTest::addColumn<QString>("read");
+
+    QTest::newRow("full reply") << fullReply << "ip=10.1.2.3 city=Pune region=Maharashtra lat=18.52 long=73.85";
+    QTest::newRow("without declaration or blanks")
+        << QByteArray("<Response><Ip>1.2.3.4</Ip><Latitude>-33.9</Latitude><Longitude>151.2</Longitude></Response>")
+        << "ip=1.2.3.4 city=- region=- lat=-33.9 long=151.2";
+    QTest::newRow("unknown child with a nested subtree between known ones")
+        << QByteArray("<Response><Ip>10.1.2.3</Ip>"
+                      "<CountryCode><City>Wrong</City><Latitude>1</Latitude><Deep><Ip>9.9.9.9</Ip></Deep></CountryCode>"
+                      "<City>Pune</City><RegionName>Maharashtra</RegionName></Response>")
+        << "ip=10.1.2.3 city=Pune region=Maharashtra lat=- long=-";
+    QTest::newRow("a later child of the same name wins")
+        << QByteArray("<Response><Ip>1.1.1.1</Ip><City>A</City><Ip>2.2.2.2</Ip></Response>")
+        << "ip=2.2.2.2 city=A region=- lat=- long=-";
+    QTest::newRow("names are case-sensitive")
+        << QByteArray("<Response><ip>1.1.1.1</ip><CITY>A</CITY></Response>") << "ip=- city=- region=- lat=- long=-";
+    QTest::newRow("empty children are read as empty")
+        << QByteArray("<Response><Ip/><City></City></Response>") << "ip= city= region=- lat=- long=-";
+    QTest::newRow("UTF-8 text") << QByteArray("<Response><City>Z\xc3\xbcrich</City><RegionName>S\xc3\xa3o "
+                                              "Paulo</RegionName></Response>")
+                                << QString::fromUtf8("ip=- city=Z\xc3\xbcrich region=S\xc3\xa3o Paulo lat=- long=-");
+    QTest::newRow("numbers that are not numbers read as 0")
+        << QByteArray("<Response><Latitude>north</Latitude><Longitude>73,85</Longitude></Response>")
+        << "ip=- city=- region=- lat=0 long=0";
+    QTest::newRow("root other than Response")
+        << QByteArray("<Reply><Ip>10.1.2.3</Ip><City>Pune</City></Reply>") << "ip=- city=- region=- lat=- long=-";
+    QTest::newRow("Response below another root")
+        << QByteArray("<Envelope><Response><Ip>1.2.3.4</Ip></Response></Envelope>")
+        << "ip=- city=- region=- lat=- long=-";
+    QTest::newRow("body that is not XML")
+        << QByteArray("Ip: 10.1.2.3\nCity: Pune\n") << "ip=- city=- region=- lat=- long=-";
+    QTest::newRow("HTML error page") << QByteArray("<html><body><h1>Not here</h1></body></html>")
+                                     << "ip=- city=- region=- lat=- long=-";
+    QTest::newRow("empty body") << QByteArray() << "ip=- city=- region=- lat=- long=-";
+    QTest::newRow("binary bytes") << QByteArray("\x00\xff\xfe<Response>\x01", 13)
+                                  << "ip=- city=- region=- lat=- long=-";
+}
+
+void TestAddEntryWidget::parserReadsWhatTheReplySays()
+{
+    QFETCH(QByteArray, body);
+    QFETCH(QString, read);
+
+    const GeoLocationReply reply = parseGeoLocationReply(body);
+    QCOMPARE(describe(reply), read);
+    QCOMPARE(reply.isEmpty(), read == QLatin1String("ip=- city=- region=- lat=- long=-"));
+}
+
+// ------------------------------------------------ the lookup, against a server
+
+void TestAddEntryWidget::withoutAServiceNoRequestIsSentAndTheLookupValuesStayEmpty()
+{
+    LocalHttpServer server;
+    QVERIFY(server.listen());
+    server.setReply(200, fullReply);
+
+    PageFixture f;
+    QVERIFY(f.page.findChildren<QNetworkAccessManager *>().isEmpty());
+
+    f.type(QStringLiteral("Coffee"), QStringLiteral("2.50"), QStringLiteral("Kiosk"));
+    f.geoLocation()->setChecked(true);
+    MessageBoxAnswerer answerer;
+    answerer.answer({ QMessageBox::Save, QMessageBox::Ok });
+    f.pressAdd();
+
+    QVERIFY2(answerer.errors().isEmpty(), qPrintable(answerer.errors().join('\n')));
+    QVERIFY(f.page.findChildren<QNetworkAccessManager *>().isEmpty());
+    QCOMPARE(server.requestCount(), 0);
+    // As after a failed lookup: the never-written coordinates, no location.
+    QVERIFY(answerer.texts().value(0).endsWith(QStringLiteral("Longitude: 0 Latitude: 0 Location:  ")));
+    const QList<QVariantList> rows = storedEntries(f.home);
+    QCOMPARE(rows.size(), 1);
+    QCOMPARE(rows.at(0).at(5).toString(), QStringLiteral("true"));
+    QCOMPARE(rows.at(0).at(6).toFloat(), 0.0f);
+    QCOMPARE(rows.at(0).at(7).toFloat(), 0.0f);
+}
+
+void TestAddEntryWidget::theServiceUrlComesFromTheSettings()
+{
+    LocalHttpServer server;
+    QVERIFY(server.listen());
+    server.setReply(200, fullReply);
+    {
+        QSettings settings(QStringLiteral("Ledgerly"), QStringLiteral("Ledgerly"));
+        settings.setValue(QStringLiteral("GeoLocation/ServiceUrl"), server.url().toString());
+    }
+    QCOMPARE(AddEntryWidget::geoLocationServiceUrl(), server.url());
+
+    PageFixture f;
+    QTRY_COMPARE(server.requestCount(), 1);
+    QCOMPARE(server.requestLines().constFirst(), QStringLiteral("GET /ip_query.php HTTP/1.1"));
+    QTRY_COMPARE(f.page.ipAddress, QStringLiteral("10.1.2.3"));
+}
+
+void TestAddEntryWidget::theEnvironmentOverridesTheSetting()
+{
+    LocalHttpServer configured;
+    QVERIFY(configured.listen());
+    configured.setReply(200, fullReply);
+    LocalHttpServer overriding;
+    QVERIFY(overriding.listen());
+    overriding.setReply(200, QByteArrayLiteral("<Response><Ip>192.0.2.9</Ip></Response>"));
+    {
+        QSettings settings(QStringLiteral("Ledgerly"), QStringLiteral("Ledgerly"));
+        settings.setValue(QStringLiteral("GeoLocation/ServiceUrl"), configured.url().toString());
+    }
+    setService(overriding.url());
+    QCOMPARE(AddEntryWidget::geoLocationServiceUrl(), overriding.url());
+
+    PageFixture f;
+    QTRY_COMPARE(f.page.ipAddress, QStringLiteral("192.0.2.9"));
+    QCOMPARE(overriding.requestCount(), 1);
+    QCOMPARE(configured.requestCount(), 0);
+}
+
+void TestAddEntryWidget::openingThePageSendsOneGetAndEachAddOneMore()
+{
+    LocalHttpServer server;
+    QVERIFY(server.listen());
+    server.setReply(200, fullReply);
+    setService(server.url());
+
+    PageFixture f;
+    QTRY_COMPARE(server.requestCount(), 1);
+    QTRY_COMPARE(f.page.ipAddress, QStringLiteral("10.1.2.3"));
+
+    MessageBoxAnswerer answerer;
+    answerer.answer({ QMessageBox::Ok, QMessageBox::Ok });
+    f.pressAdd();
+    f.pressAdd();
+    QVERIFY2(answerer.errors().isEmpty(), qPrintable(answerer.errors().join('\n')));
+    QTRY_COMPARE(server.requestCount(), 3);
+
+    // Whether the box is ticked plays no part.
+    f.geoLocation()->setChecked(true);
+    f.type(QStringLiteral("Coffee"), QStringLiteral("2.50"), QStringLiteral("Kiosk"));
+    answerer.answer({ QMessageBox::Save, QMessageBox::Ok });
+    f.pressAdd();
+    QTRY_COMPARE(server.requestCount(), 4);
+
+    for (const QString &line : server.requestLines())
+        QCOMPARE(line, QStringLiteral("GET /ip_query.php HTTP/1.1"));
+}
+
+void TestAddEntryWidget::aFullReplyFillsTheMembersAndLocationBecomesTheIpAddress()
+{
+    LocalHttpServer server;
+    QVERIFY(server.listen());
+    server.setReply(200, fullReply);
+    setService(server.url());
+
+    PageFixture f;
+    QTRY_COMPARE(f.page.ipAddress, QStringLiteral("10.1.2.3"));
+    QCOMPARE(f.page.city, QStringLiteral("Pune"));
+    QCOMPARE(f.page.region, QStringLiteral("Maharashtra"));
+    QCOMPARE(f.page.latitude, 18.52f);
+    QCOMPARE(f.page.longitude, 73.85f);
+    QCOMPARE(f.page.location, QStringLiteral("10.1.2.3"));
+}
+
+void TestAddEntryWidget::anUnknownChildWithANestedSubtreeIsSkipped()
+{
+    LocalHttpServer server;
+    QVERIFY(server.listen());
+    server.setReply(200,
+                    QByteArrayLiteral("<Response><Ip>10.1.2.3</Ip>"
+                                      "<Timezone><City>Elsewhere</City><Latitude>1.5</Latitude></Timezone>"
+                                      "<City>Pune</City><RegionName>Maharashtra</RegionName>"
+                                      "<Latitude>18.52</Latitude><Longitude>73.85</Longitude></Response>"));
+    setService(server.url());
+
+    PageFixture f;
+    QTRY_COMPARE(f.page.ipAddress, QStringLiteral("10.1.2.3"));
+    QCOMPARE(f.page.city, QStringLiteral("Pune"));
+    QCOMPARE(f.page.region, QStringLiteral("Maharashtra"));
+    QCOMPARE(f.page.latitude, 18.52f);
+    QCOMPARE(f.page.longitude, 73.85f);
+    QCOMPARE(f.page.location, QStringLiteral("10.1.2.3"));
+}
+
+void TestAddEntryWidget::aSuccessfulReplyIsDeletedWithItsManager()
+{
+    LocalHttpServer server;
+    QVERIFY(server.listen());
+    server.setReply(200, fullReply);
+    setService(server.url());
+
+    PageFixture f;
+    const QList<QNetworkAccessManager *> managers = f.page.findChildren<QNetworkAccessManager *>();
+    QCOMPARE(managers.size(), 1);
+    QPointer<QNetworkAccessManager> manager = managers.constFirst();
+    QTRY_COMPARE(f.page.ipAddress, QStringLiteral("10.1.2.3"));
+    QTRY_VERIFY(manager.isNull());
+    QVERIFY(f.page.findChildren<QNetworkReply *>().isEmpty());
+}
+
+void TestAddEntryWidget::aFailedLookupChangesNothingAndKeepsItsReply_data()
+{
+    QTest::addColumn<int>("status");
+    QTest::addColumn<bool>("refuse");
+    QTest::addColumn<QNetworkReply::NetworkError>("error");
+
+    QTest::newRow("HTTP 500") << 500 << false << QNetworkReply::InternalServerError;
+    QTest::newRow("HTTP 404") << 404 << false << QNetworkReply::ContentNotFoundError;
+    QTest::newRow("connection refused") << 200 << true << QNetworkReply::ConnectionRefusedError;
+}
+
+void TestAddEntryWidget::aFailedLookupChangesNothingAndKeepsItsReply()
+{
+    QFETCH(int, status);
+    QFETCH(bool, refuse);
+    QFETCH(QNetworkReply::NetworkError, error);
+
+    LocalHttpServer server;
+    QVERIFY(server.listen());
+    server.setReply(200, fullReply);
+    setService(server.url());
+
+    PageFixture f;
+    QTRY_COMPARE(f.page.ipAddress, QStringLiteral("10.1.2.3"));
+    QTRY_VERIFY(f.page.findChildren<QNetworkAccessManager *>().isEmpty());
+
+    // The error reply carries a body that would change every member.
+    server.setReply(status,
+                    QByteArrayLiteral("<Response><Ip>6.6.6.6</Ip><City>Nowhere</City><RegionName>None"
+                                      "</RegionName><Latitude>1</Latitude><Longitude>2</Longitude></Response>"));
+    if (refuse)
+        server.stopListening();
+
+    MessageBoxAnswerer answerer;
+    answerer.answer(QMessageBox::Ok);
+    f.pressAdd();
+    QVERIFY2(answerer.errors().isEmpty(), qPrintable(answerer.errors().join('\n')));
+
+    QNetworkReply *reply = nullptr;
+    QTRY_VERIFY((reply = f.page.findChild<QNetworkReply *>()) && reply->isFinished());
+    QCOMPARE(reply->error(), error);
+    QPointer<QNetworkReply> kept = reply;
+    QPointer<QNetworkAccessManager> manager = reply->manager();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    QVERIFY(kept);
+    QVERIFY(manager);
+    QCOMPARE(manager->parent(), &f.page);
+
+    QCOMPARE(f.page.ipAddress, QStringLiteral("10.1.2.3"));
+    QCOMPARE(f.page.city, QStringLiteral("Pune"));
+    QCOMPARE(f.page.region, QStringLiteral("Maharashtra"));
+    QCOMPARE(f.page.latitude, 18.52f);
+    QCOMPARE(f.page.longitude, 73.85f);
+    QCOMPARE(f.page.location, QStringLiteral("10.1.2.3"));
+
+    // The page goes on working: a ticked entry gets the last good reply.
+    f.type(QStringLiteral("Coffee"), QStringLiteral("2.50"), QStringLiteral("Kiosk"));
+    f.geoLocation()->setChecked(true);
+    answerer.answer({ QMessageBox::Save, QMessageBox::Ok });
+    f.pressAdd();
+    QVERIFY2(answerer.errors().isEmpty(), qPrintable(answerer.errors().join('\n')));
+    QCOMPARE(answerer.texts().value(2), QStringLiteral("Entry added to the database successfully"));
+    const QList<QVariantList> rows = storedEntries(f.home);
+    QCOMPARE(rows.size(), 1);
+    QCOMPARE(rows.at(0).at(6).toFloat(), 73.85f);
+    QCOMPARE(rows.at(0).at(7).toFloat(), 18.52f);
+}
+
+void TestAddEntryWidget::aServerThatNeverAnswersLeavesThePageUsable()
+{
+    LocalHttpServer server;
+    QVERIFY(server.listen());
+    server.setNeverAnswer(true);
+    setService(server.url());
+
+    auto f = std::make_unique<PageFixture>();
+    QTRY_COMPARE(server.requestCount(), 1);
+
+    f->type(QStringLiteral("Coffee"), QStringLiteral("2.50"), QStringLiteral("Kiosk"));
+    f->geoLocation()->setChecked(true);
+    MessageBoxAnswerer answerer;
+    answerer.answer({ QMessageBox::Save, QMessageBox::Ok });
+    f->pressAdd();
+
+    QVERIFY2(answerer.errors().isEmpty(), qPrintable(answerer.errors().join('\n')));
+    QCOMPARE(answerer.texts().value(1), QStringLiteral("Entry added to the database successfully"));
+    QTRY_COMPARE(server.requestCount(), 2);
+    QVERIFY(f->page.ipAddress.isEmpty());
+    QVERIFY(f->page.location.isEmpty());
+    QCOMPARE(f->page.latitude, 0.0f);
+    QCOMPARE(f->page.longitude, 0.0f);
+    const QList<QVariantList> rows = storedEntries(f->home);
+    QCOMPARE(rows.size(), 1);
+    QCOMPARE(rows.at(0).at(6).toFloat(), 0.0f);
+
+    // Both lookups are still under way; they go with the page.
+    const QList<QNetworkReply *> replies = f->page.findChildren<QNetworkReply *>();
+    QCOMPARE(replies.size(), 2);
+    QPointer<QNetworkReply> pending = replies.constFirst();
+    QVERIFY(!pending->isFinished());
+    f.reset();
+    QVERIFY(pending.isNull());
+}
+
+void TestAddEntryWidget::anUnreadableReplyOnlyResetsLocationToTheKnownIpAddress_data()
+{
+    QTest::addColumn<QByteArray>("body");
+
+    QTest::newRow("not XML") << QByteArray("City=Nowhere;Latitude=1");
+    QTest::newRow("root other than Response")
+        << QByteArray("<Error><Ip>6.6.6.6</Ip><City>Nowhere</City><Latitude>1</Latitude></Error>");
+    QTest::newRow("empty body") << QByteArray();
+}
+
+void TestAddEntryWidget::anUnreadableReplyOnlyResetsLocationToTheKnownIpAddress()
+{
+    QFETCH(QByteArray, body);
+
+    LocalHttpServer server;
+    QVERIFY(server.listen());
+    server.setReply(200, fullReply);
+    setService(server.url());
+
+    PageFixture f;
+    QTRY_VERIFY(f.page.ipAddress == QLatin1String("10.1.2.3") &&
+                f.page.findChildren<QNetworkAccessManager *>().isEmpty());
+    // Something else in location shows that the unreadable reply still
+    // sets it from the address already known.
+    f.page.location = QStringLiteral("stale");
+
+    server.setReply(200, body);
+    MessageBoxAnswerer answerer;
+    answerer.answer(QMessageBox::Ok);
+    f.pressAdd();
+    QVERIFY2(answerer.errors().isEmpty(), qPrintable(answerer.errors().join('\n')));
+
+    QTRY_COMPARE(f.page.location, QStringLiteral("10.1.2.3"));
+    QCOMPARE(server.requestCount(), 2);
+    QCOMPARE(f.page.ipAddress, QStringLiteral("10.1.2.3"));
+    QCOMPARE(f.page.city, QStringLiteral("Pune"));
+    QCOMPARE(f.page.region, QStringLiteral("Maharashtra"));
+    QCOMPARE(f.page.latitude, 18.52f);
+    QCOMPARE(f.page.longitude, 73.85f);
+}
+
+void TestAddEntryWidget::numbersThatAreNotNumbersAreReadAsZero()
+{
+    LocalHttpServer server;
+    QVERIFY(server.listen());
+    server.setReply(200,
+                    QByteArrayLiteral("<Response><Ip>10.1.2.3</Ip><Latitude>north</Latitude>"
+                                      "<Longitude>73.85E</Longitude></Response>"));
+    setService(server.url());
+
+    PageFixture f;
+    QTRY_COMPARE(f.page.ipAddress, QStringLiteral("10.1.2.3"));
+    QCOMPARE(f.page.latitude, 0.0f);
+    QCOMPARE(f.page.longitude, 0.0f);
+
+    f.type(QStringLiteral("Coffee"), QStringLiteral("2.50"), QStringLiteral("Kiosk"));
+    f.geoLocation()->setChecked(true);
+    MessageBoxAnswerer answerer;
+    answerer.answer({ QMessageBox::Save, QMessageBox::Ok });
+    f.pressAdd();
+    QVERIFY2(answerer.errors().isEmpty(), qPrintable(answerer.errors().join('\n')));
+    QVERIFY(answerer.texts().value(0).endsWith(QStringLiteral("Longitude: 0 Latitude: 0 Location: 10.1.2.3 ")));
+}
+
+// ------------------------------------------- the main window's New Entry button
+
+void TestAddEntryWidget::newEntryShowsTheNewEntryPageOnTheDataPage()
+{
+    TempHome home;
+    MainWindow window;
+    auto *host = child<QScrollArea>(window, "scrollArea_2");
+    QPointer<QWidget> placeholder = host->widget();
+    QCOMPARE(placeholder->objectName(), QStringLiteral("scrollAreaWidgetContents_2"));
+
+    child<QPushButton>(window, "pushButtonNewEntry")->click();
+
+    auto *page = qobject_cast<AddEntryWidget *>(host->widget());
+    QVERIFY(page);
+    QCOMPARE(child<QStackedWidget>(window, "stackedWidget")->currentIndex(), 2);
+    QVERIFY(!host->widgetResizable());
+    QCOMPARE(page->size(), QSize(888, 761));
+    QVERIFY(placeholder.isNull());
+    QCOMPARE(window.findChildren<AddEntryWidget *>().size(), 1);
+    QCOMPARE(child<QComboBox>(*page, "comboBoxCategory")->count(), 37);
+}
+
+void TestAddEntryWidget::newEntryAgainReplacesTheTypedPageWithAnEmptyOne()
+{
+    TempHome home;
+    MainWindow window;
+    auto *newEntry = child<QPushButton>(window, "pushButtonNewEntry");
+    auto *host = child<QScrollArea>(window, "scrollArea_2");
+
+    newEntry->click();
+    QPointer<AddEntryWidget> first = qobject_cast<AddEntryWidget *>(host->widget());
+    QVERIFY(first);
+    QTest::keyClicks(child<QLineEdit>(*first, "lineEditItemName"), QStringLiteral("Coffee"));
+    QTest::keyClicks(child<QLineEdit>(*first, "lineEditAmount"), QStringLiteral("2.50"));
+    QTest::keyClicks(child<QLineEdit>(*first, "lineEditLocation"), QStringLiteral("Kiosk"));
+    child<QCheckBox>(*first, "checkBoxGeoLocation")->setChecked(true);
+
+    newEntry->click();
+
+    QVERIFY(first.isNull());
+    auto *second = qobject_cast<AddEntryWidget *>(host->widget());
+    QVERIFY(second);
+    QCOMPARE(window.findChildren<AddEntryWidget *>().size(), 1);
+    QVERIFY(child<QLineEdit>(*second, "lineEditItemName")->text().isEmpty());
+    QVERIFY(child<QLineEdit>(*second, "lineEditAmount")->text().isEmpty());
+    QVERIFY(child<QLineEdit>(*second, "lineEditLocation")->text().isEmpty());
+    QVERIFY(!child<QCheckBox>(*second, "checkBoxGeoLocation")->isChecked());
+    QCOMPARE(child<QStackedWidget>(window, "stackedWidget")->currentIndex(), 2);
+}
+
+void TestAddEntryWidget::homeAndAboutKeepTheTypedPageAliveAndHidden()
+{
+    TempHome home;
+    MainWindow window;
+    window.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&window));
+    auto *stack = child<QStackedWidget>(window, "stackedWidget");
+
+    child<QPushButton>(window, "pushButtonNewEntry")->click();
+    QPointer<AddEntryWidget> page = window.findChild<AddEntryWidget *>();
+    QVERIFY(page);
+    QVERIFY(page->isVisible());
+    auto *name = child<QLineEdit>(*page, "lineEditItemName");
+    QTest::keyClicks(name, QStringLiteral("Coffee"));
+
+    child<QPushButton>(window, "pushButtonHome")->click();
+    QCOMPARE(stack->currentIndex(), 0);
+    QVERIFY(page);
+    QVERIFY(!page->isVisible());
+
+    child<QPushButton>(window, "pushButtonExit")->click();
+    QCOMPARE(stack->currentIndex(), 1);
+    QVERIFY(page);
+    QVERIFY(!page->isVisible());
+    QCOMPARE(name->text(), QStringLiteral("Coffee"));
+
+    // Back on the data page it is the same page, as typed.
+    stack->setCurrentIndex(2);
+    QVERIFY(page->isVisible());
+    QCOMPARE(name->text(), QStringLiteral("Coffee"));
+
+    child<QPushButton>(window, "pushButtonNewEntry")->click();
+    QVERIFY(page.isNull());
+    window.close();
+}
+
+void TestAddEntryWidget::thePageKeepsItsBlackBackgroundInsideTheItalicHost()
+{
+    TempHome home;
+    MainWindow window;
+    window.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&window));
+    child<QPushButton>(window, "pushButtonNewEntry")->click();
+    auto *page = window.findChild<AddEntryWidget *>();
+    QVERIFY(page);
+
+    const QImage image = page->grab().toImage();
+    // Between the captions and the fields, and below the Add button.
+    QCOMPARE(image.pixelColor(140, 100), QColor(Qt::black));
+    QCOMPARE(image.pixelColor(100, 500), QColor(Qt::black));
+    // The page's own fonts are upright though its host's is italic.
+    QVERIFY(!child<QLineEdit>(*page, "lineEditItemName")->font().italic());
+    QVERIFY(!child<QPushButton>(*page, "pushButtonAdd")->font().italic());
+    window.close();
+}
+
+LEDGERLY_TEST_MAIN(TestAddEntryWidget)
+
+#include "tst_addentrywidget.moc"
