@@ -4,6 +4,7 @@
 #include "addentrywidget.h"
 #include "databasemanager.h"
 #include "look.h"
+#include "optionswidget.h"
 
 #include <QMessageBox>
 #include <QPointer>
@@ -57,6 +58,11 @@ void MainWindow::reportUnusableDatabase()
 void MainWindow::on_pushButtonNewEntry_clicked()
 {
     showDataPage(new AddEntryWidget(QPointer<DatabaseManager>(dbManager), this));
+}
+
+void MainWindow::on_pushButtonOptions_clicked()
+{
+    showDataPage(new OptionsWidget(QPointer<DatabaseManager>(dbManager), this));
 }
 
 void MainWindow::on_pushButtonHistory_clicked()

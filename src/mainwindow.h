@@ -21,6 +21,7 @@ public:
 
 private slots:
     void on_pushButtonNewEntry_clicked();
+    void on_pushButtonOptions_clicked();
     void on_pushButtonHistory_clicked();
     void on_pushButtonExit_clicked();
     void on_pushButtonHome_clicked();

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <QStyledItemDelegate>
+
+// Editors for the stored entries' table that can only produce values in the
+// file's storage forms, so that nothing typed into the table can leave a row
+// that the rest of the program misreads.
+
+// The transaction date: a date-time editor; written back as the ISO text
+// yyyy-MM-ddTHH:mm:ss that every date query of the store compares against.
+class EntryDateTimeDelegate : public QStyledItemDelegate
+{
+    Q_OBJECT
+    Q_DISABLE_COPY(EntryDateTimeDelegate)
+
+public:
+    explicit EntryDateTimeDelegate(QObject *parent = nullptr);
+
+    static QString storageText(const QDateTime &dateTime);
+
+    QString displayText(const QVariant &value, const QLocale &locale) const override;
+    QWidget *createEditor(QWidget *parent, const QStyleOptionViewItem &option, const QModelIndex &index) const override;
+    void setEditorData(QWidget *editor, const QModelIndex &index) const override;
+    void setModelData(QWidget *editor, QAbstractItemModel *model, const QModelIndex &index) const override;
+};
+
+// The price: a number editor; written back as a single-precision number, as
+// the store writes prices.
+class EntryPriceDelegate : public QStyledItemDelegate
+{
+    Q_OBJECT
+    Q_DISABLE_COPY(EntryPriceDelegate)
+
+public:
+    explicit EntryPriceDelegate(QObject *parent = nullptr);
+
+    QString displayText(const QVariant &value, const QLocale &locale) const override;
+    QWidget *createEditor(QWidget *parent, const QStyleOptionViewItem &option, const QModelIndex &index) const override;
+    void setEditorData(QWidget *editor, const QModelIndex &index) const override;
+    void setModelData(QWidget *editor, QAbstractItemModel *model, const QModelIndex &index) const override;
+};

@@ -1,0 +1,15 @@
+#pragma once
+
+class QObject;
+class QSqlTableModel;
+class QString;
+
+// Table models that show and edit one table of the store's file as it is
+// stored, for the pages that work on raw rows (entry editing, the test page).
+class StoreTable
+{
+public:
+    // A new model of `table`, selected, that keeps edits until submitAll().
+    // It belongs to `parent`.
+    static QSqlTableModel *createModel(const QString &table, QObject *parent);
+};
