@@ -1,0 +1,103 @@
+#include "testwidget.h"
+#include "ui_testwidget.h"
+
+#include "databasemanager.h"
+#include "storetable.h"
+
+#include <QDateTime>
+#include <QMessageBox>
+#include <QSqlTableModel>
+
+namespace {
+
+void inform(const QString &text)
+{
+    QMessageBox msgBox;
+    msgBox.setText(text);
+    msgBox.setStandardButtons(QMessageBox::Ok);
+    msgBox.setDefaultButton(QMessageBox::Ok);
+    msgBox.exec();
+}
+
+} // namespace
+
+TestWidget::TestWidget(QPointer<DatabaseManager> dbManager, QWidget *parent)
+    : QWidget(parent), ui(new Ui::TestWidget), dbManager(dbManager)
+{
+    ui->setupUi(this);
+}
+
+TestWidget::~TestWidget()
+{
+    delete ui;
+}
+
+void TestWidget::showTable(const QString &table)
+{
+    // A new model per press, kept by the page until it goes.
+    QSqlTableModel *model = StoreTable::createModel(table, this);
+    QItemSelectionModel *oldSelection = ui->tableView->selectionModel();
+    ui->tableView->setModel(model);
+    delete oldSelection;
+}
+
+void TestWidget::on_pushButton_clicked()
+{
+    // The category number is fixed on purpose; the store looks the real one up.
+    Items item;
+    item.ItemName = QStringLiteral("Add Item Test 1");
+    item.CategoryName = QStringLiteral("Drinks");
+    item.CategoryID = 1;
+    item.LastPrice = 11.0f;
+    item.UseFrequency = 2;
+
+    if (dbManager && dbManager->AddItem(&item)) {
+        inform(tr("item added to the database successfully "));
+    } else {
+        const int drinksID = dbManager ? dbManager->GetCategoryID(QStringLiteral("Drinks")) : 0;
+        inform(tr("item could not be added to the database - %1").arg(drinksID));
+    }
+    showTable(QStringLiteral("Items"));
+}
+
+void TestWidget::on_pushButton_2_clicked()
+{
+    HistoricLocation location;
+    location.LocationName = QStringLiteral("Test Location 2");
+    location.LocationLongitude = 103.856f;
+    location.LocationLatitude = 1.293f;
+    location.ReverseGeoLocation = QStringLiteral("Singapore");
+    location.CoordinateText = QStringLiteral("103.856/1.293");
+
+    if (dbManager && dbManager->AddHistoricLocation(&location))
+        inform(tr("historic location added to the database successfully "));
+    else
+        inform(tr("historic location could not be added to the database "));
+    showTable(QStringLiteral("HistoricLocation"));
+}
+
+void TestWidget::on_pushButton_3_clicked()
+{
+    if (dbManager && dbManager->AddMode(QStringLiteral("Default")))
+        inform(tr("Mode added to the database successfully "));
+    else
+        inform(tr("Mode could not be added to the database "));
+    showTable(QStringLiteral("Mode"));
+}
+
+void TestWidget::on_pushButton_4_clicked()
+{
+    Entry entry;
+    entry.ItemName = QStringLiteral("TestItem 1");
+    entry.CategoryName = QStringLiteral("Food");
+    entry.Price = 10.5f;
+    entry.LocationText = QStringLiteral("TestLocation 1");
+    entry.TransactDateTime = QDateTime::currentDateTime();
+    entry.EnableGeoLoc = false;
+
+    if (dbManager && dbManager->AddEntry(&entry))
+        inform(tr("Entry added to the database successfully"));
+    else
+        inform(tr("Entry could not be added to the database!"));
+    showTable(QStringLiteral("Entry"));
+}
