@@ -14,6 +14,10 @@
 
 namespace {
 
+// Long enough for another program's ordinary write to finish, short enough
+// that a file held locked does not freeze the page once per table model.
+const int entrySaveBusyTimeout = 500;
+
 enum EntryColumn {
     SNoColumn = 0,
     CategoryNameColumn = 2,
@@ -49,7 +53,8 @@ bool confirm(const QString &text)
 } // namespace
 
 OptionsWidget::OptionsWidget(QPointer<DatabaseManager> dbManager, QWidget *parent)
-    : QWidget(parent), ui(new Ui::OptionsWidget), dbManager(dbManager), currentMode(QStringLiteral("Default"))
+    : QWidget(parent), ui(new Ui::OptionsWidget), dbManager(dbManager), currentMode(QStringLiteral("Default")),
+      storeBusyTimeout(-1)
 {
     // The form ends on the entries tab and connects its slots only then, so
     // building it runs no tab handler.
@@ -188,17 +193,31 @@ void OptionsWidget::ShowEditEntriesDetails()
         ui->tableViewEditEntries->hideColumn(column);
     ui->tableViewEditEntries->horizontalHeader()->resizeSections(QHeaderView::Stretch);
 
+    // Save runs, in connection order: beginEntrySave, each model's
+    // submitAll, finishEntrySave. So the first is connected once, before any
+    // model, and the last is moved behind the newest model.
+    if (!entrySaveStart)
+        entrySaveStart =
+            connect(ui->pushButtonSaveChanges, &QPushButton::clicked, this, &OptionsWidget::beginEntrySave);
     connect(ui->pushButtonSaveChanges, &QPushButton::clicked, model, &QSqlTableModel::submitAll);
     connect(ui->pushButtonCancelChanges, &QPushButton::clicked, model, &QSqlTableModel::revertAll);
-
-    // The report has to run after every model's submission: connected last.
-    disconnect(unsavedEditsReport);
-    unsavedEditsReport =
-        connect(ui->pushButtonSaveChanges, &QPushButton::clicked, this, &OptionsWidget::reportUnsavedEntryEdits);
+    disconnect(entrySaveEnd);
+    entrySaveEnd = connect(ui->pushButtonSaveChanges, &QPushButton::clicked, this, &OptionsWidget::finishEntrySave);
 }
 
-void OptionsWidget::reportUnsavedEntryEdits()
+void OptionsWidget::beginEntrySave()
 {
+    // Every model waits for a locked file on its own; with the store's usual
+    // wait a few visits to the tab would add up to a long freeze.
+    storeBusyTimeout = StoreTable::setBusyTimeout(entrySaveBusyTimeout);
+}
+
+void OptionsWidget::finishEntrySave()
+{
+    if (storeBusyTimeout >= 0)
+        StoreTable::setBusyTimeout(storeBusyTimeout);
+    storeBusyTimeout = -1;
+
     // A model still holding edits after Save could not write them (the file
     // locked by another program, a full disk). The edits stay in the table so
     // that a later Save can store them, but the user must not believe they

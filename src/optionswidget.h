@@ -33,10 +33,13 @@ private:
     void AddEmptyCategoriesToComboBox();
     void ShowSwitchModeDetails();
     void ShowEditEntriesDetails();
-    void reportUnsavedEntryEdits();
+    void beginEntrySave();
+    void finishEntrySave();
 
     Ui::OptionsWidget *ui;
     QPointer<DatabaseManager> dbManager;
     QString currentMode;
-    QMetaObject::Connection unsavedEditsReport;
+    QMetaObject::Connection entrySaveStart;
+    QMetaObject::Connection entrySaveEnd;
+    int storeBusyTimeout;
 };

@@ -2,6 +2,7 @@
 
 #include <QDir>
 #include <QSqlDatabase>
+#include <QSqlQuery>
 #include <QSqlTableModel>
 #include <QString>
 
@@ -34,4 +35,25 @@ QSqlTableModel *StoreTable::createModel(const QString &table, QObject *parent)
     model->setEditStrategy(QSqlTableModel::OnManualSubmit);
     model->select();
     return model;
+}
+
+int StoreTable::busyTimeout()
+{
+    const QSqlDatabase db = storeDatabase();
+    if (!db.isOpen())
+        return -1;
+    QSqlQuery query(db);
+    if (query.exec(QStringLiteral("PRAGMA busy_timeout")) && query.next())
+        return query.value(0).toInt();
+    return -1;
+}
+
+int StoreTable::setBusyTimeout(int milliseconds)
+{
+    const int previous = busyTimeout();
+    if (previous < 0)
+        return previous;
+    QSqlQuery query(storeDatabase());
+    query.exec(QStringLiteral("PRAGMA busy_timeout = %1").arg(milliseconds));
+    return previous;
 }

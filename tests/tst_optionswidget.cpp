@@ -1,0 +1,1029 @@
+#include "databasemanager.h"
+#include "mainwindow.h"
+#include "optionswidget.h"
+#include "storetable.h"
+
+#include "messageboxanswerer.h"
+#include "rawdatabase.h"
+#include "temphome.h"
+#include "testmain.h"
+
+#include <QComboBox>
+#include <QDateTimeEdit>
+#include <QDoubleSpinBox>
+#include <QHeaderView>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPointer>
+#include <QPushButton>
+#include <QRegularExpression>
+#include <QScrollArea>
+#include <QSqlDatabase>
+#include <QSqlTableModel>
+#include <QStackedWidget>
+#include <QStyledItemDelegate>
+#include <QTabWidget>
+#include <QTableView>
+#include <QTextDocument>
+#include <QtTest>
+
+namespace {
+
+const char gradientButtonStyle[] =
+    "border-style: outset;\nborder-width: 2px;\nborder-color: beige;\n\nbackground-color: qlineargradient(spread:pad, "
+    "x1:0.452, y1:0.0397727, x2:0.452, y2:1, stop:0.361582 rgba(151, 0, 0, 255), stop:1 rgba(221, 182, 116, "
+    "255));\nfont: 75 16pt \"MS Shell Dlg 2\"  rgb(252, 252, 0);\n";
+const char borderedComboStyle[] =
+    "border-style: outset;\nborder-width: 2px;\nborder-color: beige;\nfont: 75 14pt \"MS Shell Dlg 2\";";
+const char inputFieldStyle[] = "border-style: outset;\nborder-width: 2px;\nborder-color: beige;\nfont: 75 14pt \"MS "
+                               "Shell Dlg 2\";\nbackground-color: rgb(254, 255, 189);";
+
+const QString unsavedText = QStringLiteral("Your changes to the entries could not be saved.");
+
+enum Tab { CategoryTab = 0, ModeTab = 1, EntriesTab = 2 };
+enum Column { ItemNameColumn = 1, DateColumn = 4, PriceColumn = 5, LocationColumn = 6 };
+
+template<typename T> T *child(const QWidget &widget, const char *name)
+{
+    T *found = widget.findChild<T *>(QLatin1String(name));
+    if (!found)
+        qWarning("no child %s", name);
+    return found;
+}
+
+QStringList items(const QComboBox *box)
+{
+    QStringList result;
+    for (int i = 0; i < box->count(); ++i)
+        result.append(box->itemText(i));
+    return result;
+}
+
+QString plainText(const QLabel *label)
+{
+    QTextDocument document;
+    document.setHtml(label->text());
+    return document.toPlainText();
+}
+
+// Categories that no entry uses, in the store's order, read straight from the file.
+QStringList unusedCategories(RawDatabase &raw)
+{
+    QStringList names;
+    const QList<QVariantList> rows = raw.rows(QStringLiteral(
+        "SELECT CategoryName FROM Category WHERE CategoryName NOT IN (SELECT CategoryName FROM Entry) ORDER BY SNo"));
+    for (const QVariantList &row : rows)
+        names.append(row.at(0).toString());
+    return names;
+}
+
+int categoryCount(RawDatabase &raw, const QString &name)
+{
+    return raw.scalar(QStringLiteral("SELECT COUNT(*) FROM Category WHERE CategoryName = '%1'").arg(name)).toInt();
+}
+
+QStringList modeNames(RawDatabase &raw)
+{
+    QStringList names;
+    for (const QVariantList &row : raw.rows(QStringLiteral("SELECT ModeName FROM Mode ORDER BY SNo")))
+        names.append(row.at(0).toString());
+    return names;
+}
+
+QString entryValue(RawDatabase &raw, int sno, const char *column)
+{
+    return raw.scalar(QStringLiteral("SELECT %1 FROM Entry WHERE SNo = %2").arg(QLatin1String(column)).arg(sno))
+        .toString();
+}
+
+double entryPrice(RawDatabase &raw, int sno)
+{
+    return raw.scalar(QStringLiteral("SELECT Price FROM Entry WHERE SNo = %1").arg(sno)).toDouble();
+}
+
+// One home, one store on its file, one options page, and a raw view of the file.
+struct Fixture
+{
+    TempHome home;
+    DatabaseManager store { nullptr };
+    RawDatabase raw { home.databasePath() };
+};
+
+QTabWidget *tabs(const OptionsWidget &page)
+{
+    return child<QTabWidget>(page, "tabWidgetOptionsContainer");
+}
+
+QTableView *entriesView(const OptionsWidget &page)
+{
+    return child<QTableView>(page, "tableViewEditEntries");
+}
+
+QSqlTableModel *entriesModel(const OptionsWidget &page)
+{
+    return qobject_cast<QSqlTableModel *>(entriesView(page)->model());
+}
+
+// Opens the table's own editor on a cell, as a double click would.
+QWidget *openEditor(QTableView *view, int row, int column)
+{
+    const QModelIndex index = view->model()->index(row, column);
+    view->setCurrentIndex(index);
+    view->edit(index);
+    return view->indexWidget(index);
+}
+
+// Enter commits the editor's value to the model (queued by the delegate).
+void commit(QWidget *editor)
+{
+    QTest::keyClick(editor, Qt::Key_Return);
+}
+
+void typeInto(QWidget *editor, const QString &text)
+{
+    if (auto *lineEdit = qobject_cast<QLineEdit *>(editor))
+        lineEdit->selectAll();
+    if (auto *spinBox = qobject_cast<QAbstractSpinBox *>(editor))
+        spinBox->selectAll();
+    QTest::keyClicks(editor, text);
+}
+
+} // namespace
+
+class TestOptionsWidget : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void cleanup();
+
+    // The form
+    void formHasTheDesignedWidgetsAndGeometry_data();
+    void formHasTheDesignedWidgetsAndGeometry();
+    void formHasItsTitleSizeAndStyles();
+    void tabsCaptionsAndButtonsCarryTheirTexts();
+    void buildingTheFormRunsNoTabHandler();
+
+    // Categories
+    void aNewPageShowsTheCategoryTabWithEachUnusedCategoryTwice();
+    void everyVisitToTheCategoryTabAppendsTheListAgain();
+    void addingACategoryConfirmsStoresAndClearsTheField();
+    void aNewCategoryIsListedOnlyAtTheNextFilling();
+    void addingAnExistingCategoryReportsSuccessAndAddsNothing();
+    void anEmptyNameIsRefusedWithoutAskingTheStore_data();
+    void anEmptyNameIsRefusedWithoutAskingTheStore();
+    void aNameOfBlanksIsStoredAsItIs();
+    void discardingTheConfirmationChangesNothing_data();
+    void discardingTheConfirmationChangesNothing();
+    void renamingAnUnusedCategoryRefillsTheListOnce();
+    void renamingToANameInUseFailsAndKeepsTheFields();
+    void renamingWithEveryCategoryInUseFails();
+
+    // Modes
+    void aNewPageShowsDefaultInRedAndOffersTheOtherModesInStoreOrder();
+    void switchingModeAsksReportsAndOffersTheOthers();
+    void discardingAModeSwitchChangesNothing();
+    void aStoreHoldingOnlyTheCurrentModeOffersAnEmptySwitch();
+    void aStoreWithoutDefaultStillStartsFromDefault();
+
+    // Entry editing
+    void theEntriesTabShowsTheEditableColumnsOfTheEntryTable();
+    void savingStoresAnEditedPriceAndItemNameAndSaysNothing();
+    void cancelRestoresTheStoredValues();
+    void switchingAwayAndBackReloadsTheTableInANewModel();
+    void saveReachesEditsMadeBeforeTheTableWasReloaded();
+    void anEditedDateIsStoredInTheStorageForm();
+    void typedTextCannotReachTheDateOrPriceColumns_data();
+    void typedTextCannotReachTheDateOrPriceColumns();
+    void aFailedSaveIsReportedOnceAndKeepsTheEditsForALaterSave();
+    void theStoreKeepsWorkingAfterTheEntriesTab();
+
+    // The main window
+    void optionsShowsThePageOnStackedPage2();
+    void optionsReplacesThePageAndStartsFromDefaultAgain();
+};
+
+void TestOptionsWidget::cleanup()
+{
+    QVERIFY(noVisibleTopLevelWidgets());
+}
+
+void TestOptionsWidget::formHasTheDesignedWidgetsAndGeometry_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QString>("className");
+    QTest::addColumn<QRect>("geometry");
+
+    const QList<std::tuple<const char *, const char *, QRect>> widgets = {
+        { "scrollArea", "QScrollArea", QRect(10, 10, 871, 741) },
+        { "scrollAreaWidgetContents", "QWidget", QRect(0, 0, 869, 739) },
+        { "tabWidgetOptionsContainer", "QTabWidget", QRect(10, 9, 851, 721) },
+        { "labelNewCategoryName", "QLabel", QRect(10, 30, 191, 41) },
+        { "lineEditNewCategoryName", "QLineEdit", QRect(210, 20, 551, 51) },
+        { "pushButtonAddNewCategory", "QPushButton", QRect(310, 100, 311, 61) },
+        { "labelCategoryNameToEdit", "QLabel", QRect(10, 230, 191, 41) },
+        { "comboBoxCategoryName", "QComboBox", QRect(210, 230, 581, 41) },
+        { "labelNewCategoryNameEdit", "QLabel", QRect(10, 290, 191, 41) },
+        { "lineEditCategoryNameToEdit", "QLineEdit", QRect(210, 280, 551, 51) },
+        { "pushButtonEditCategory", "QPushButton", QRect(310, 370, 311, 61) },
+        { "labelCurrentModeName", "QLabel", QRect(10, 20, 131, 41) },
+        { "labelCurrentModeActual", "QLabel", QRect(150, 20, 581, 41) },
+        { "labelNewMode", "QLabel", QRect(10, 70, 131, 41) },
+        { "comboBoxNewModeNames", "QComboBox", QRect(150, 70, 581, 41) },
+        { "pushButtonChangeMode", "QPushButton", QRect(300, 130, 311, 61) },
+        { "tableViewEditEntries", "QTableView", QRect(70, 30, 701, 401) },
+        { "pushButtonSaveChanges", "QPushButton", QRect(70, 450, 311, 61) },
+        { "pushButtonCancelChanges", "QPushButton", QRect(460, 450, 311, 61) },
+    };
+    for (const auto &[name, className, geometry] : widgets)
+        QTest::newRow(name) << QString::fromLatin1(name) << QString::fromLatin1(className) << geometry;
+}
+
+void TestOptionsWidget::formHasTheDesignedWidgetsAndGeometry()
+{
+    QFETCH(QString, name);
+    QFETCH(QString, className);
+    QFETCH(QRect, geometry);
+
+    Fixture f;
+    OptionsWidget page(&f.store);
+    auto *widget = page.findChild<QWidget *>(name);
+    QVERIFY2(widget, qPrintable(name));
+    QCOMPARE(QString::fromLatin1(widget->metaObject()->className()), className);
+    QCOMPARE(widget->geometry(), geometry);
+}
+
+void TestOptionsWidget::formHasItsTitleSizeAndStyles()
+{
+    Fixture f;
+    OptionsWidget page(&f.store);
+    QCOMPARE(page.objectName(), QStringLiteral("OptionsWidget"));
+    QCOMPARE(page.windowTitle(), QStringLiteral("Form"));
+    QCOMPARE(page.size(), QSize(888, 761));
+    QCOMPARE(page.styleSheet(), QStringLiteral("background-color: rgb(0, 0, 0);"));
+
+    auto *scrollArea = child<QScrollArea>(page, "scrollArea");
+    QVERIFY(scrollArea->widgetResizable());
+    QCOMPARE(scrollArea->widget()->objectName(), QStringLiteral("scrollAreaWidgetContents"));
+    QCOMPARE(scrollArea->styleSheet(), QStringLiteral("font: 75 14pt \"MS Shell Dlg 2\";"));
+
+    QCOMPARE(tabs(page)->styleSheet(), QString::fromLatin1(borderedComboStyle));
+    QCOMPARE(child<QComboBox>(page, "comboBoxCategoryName")->styleSheet(), QString::fromLatin1(borderedComboStyle));
+    QCOMPARE(child<QComboBox>(page, "comboBoxNewModeNames")->styleSheet(), QString::fromLatin1(borderedComboStyle));
+    QCOMPARE(child<QLineEdit>(page, "lineEditNewCategoryName")->styleSheet(), QString::fromLatin1(inputFieldStyle));
+    QCOMPARE(child<QLineEdit>(page, "lineEditCategoryNameToEdit")->styleSheet(), QString::fromLatin1(inputFieldStyle));
+    QCOMPARE(entriesView(page)->styleSheet(),
+             QStringLiteral("border-color: rgb(181, 181, 181);\nfont: 75 12pt \"MS Shell Dlg 2\";\n"
+                            "background-color: rgb(255, 170, 127);"));
+
+    for (const char *name : { "pushButtonAddNewCategory", "pushButtonEditCategory", "pushButtonChangeMode",
+                              "pushButtonSaveChanges", "pushButtonCancelChanges" })
+        QCOMPARE(child<QPushButton>(page, name)->styleSheet(), QString::fromLatin1(gradientButtonStyle));
+
+    // The add button carries the widget font of the menu buttons as well.
+    QCOMPARE(child<QPushButton>(page, "pushButtonAddNewCategory")->font().family(), QStringLiteral("MS Shell Dlg 2"));
+}
+
+void TestOptionsWidget::tabsCaptionsAndButtonsCarryTheirTexts()
+{
+    Fixture f;
+    OptionsWidget page(&f.store);
+    QCOMPARE(tabs(page)->count(), 3);
+    const QStringList tabNames = { QStringLiteral("tabAddCategory"), QStringLiteral("tabSwitchModes"),
+                                   QStringLiteral("tabEditEntries") };
+    const QStringList titles = { QStringLiteral("Category"), QStringLiteral("Switch Modes"),
+                                 QStringLiteral("Edit Entries") };
+    for (int i = 0; i < 3; ++i) {
+        QCOMPARE(tabs(page)->widget(i)->objectName(), tabNames.at(i));
+        QCOMPARE(tabs(page)->tabText(i), titles.at(i));
+    }
+
+    const QList<QPair<const char *, QString>> captions = {
+        { "labelNewCategoryName", QStringLiteral("New Category Name") },
+        { "labelCategoryNameToEdit", QStringLiteral("Old Category Name") },
+        { "labelNewCategoryNameEdit", QStringLiteral("New Category Name") },
+        { "labelCurrentModeName", QStringLiteral("Current Mode") },
+        { "labelNewMode", QStringLiteral("New Mode") },
+    };
+    for (const auto &[name, text] : captions) {
+        const QLabel *label = child<QLabel>(page, name);
+        QCOMPARE(plainText(label), text);
+        QVERIFY2(label->text().contains(QStringLiteral("<span style=\" color:#ffff00;\">")), name);
+        QVERIFY(label->text().contains(QStringLiteral("font-family:'MS Shell Dlg 2'; font-size:14pt;")));
+    }
+
+    const QList<QPair<const char *, QString>> buttons = {
+        { "pushButtonAddNewCategory", QStringLiteral("Add") },   { "pushButtonEditCategory", QStringLiteral("Edit") },
+        { "pushButtonChangeMode", QStringLiteral("Switch") },    { "pushButtonSaveChanges", QStringLiteral("Save") },
+        { "pushButtonCancelChanges", QStringLiteral("Cancel") },
+    };
+    for (const auto &[name, text] : buttons)
+        QCOMPARE(child<QPushButton>(page, name)->text(), text);
+}
+
+void TestOptionsWidget::buildingTheFormRunsNoTabHandler()
+{
+    // The form ends on the entries tab before its slots are connected: no
+    // table model is made until the user opens that tab.
+    Fixture f;
+    OptionsWidget page(&f.store);
+    QCOMPARE(tabs(page)->currentIndex(), int(CategoryTab));
+    QVERIFY(page.findChildren<QSqlTableModel *>().isEmpty());
+    QCOMPARE(entriesView(page)->model(), nullptr);
+}
+
+void TestOptionsWidget::aNewPageShowsTheCategoryTabWithEachUnusedCategoryTwice()
+{
+    Fixture f;
+    QVERIFY(
+        f.raw.insertEntry(QStringLiteral("Bread"), QStringLiteral("Food"), QDateTime(QDate(2026, 3, 1), QTime()), 2.5));
+    const QStringList unused = unusedCategories(f.raw);
+    QCOMPARE(unused.size(), 36);
+    QVERIFY(!unused.contains(QStringLiteral("Food")));
+
+    OptionsWidget page(&f.store);
+    QCOMPARE(tabs(page)->currentIndex(), int(CategoryTab));
+    QCOMPARE(items(child<QComboBox>(page, "comboBoxCategoryName")), unused + unused);
+    // The mode tab is filled already.
+    QCOMPARE(items(child<QComboBox>(page, "comboBoxNewModeNames")).size(), 2);
+}
+
+void TestOptionsWidget::everyVisitToTheCategoryTabAppendsTheListAgain()
+{
+    Fixture f;
+    OptionsWidget page(&f.store);
+    const QStringList unused = unusedCategories(f.raw);
+    tabs(page)->setCurrentIndex(ModeTab);
+    tabs(page)->setCurrentIndex(CategoryTab);
+    QCOMPARE(items(child<QComboBox>(page, "comboBoxCategoryName")), unused + unused + unused);
+}
+
+void TestOptionsWidget::addingACategoryConfirmsStoresAndClearsTheField()
+{
+    Fixture f;
+    OptionsWidget page(&f.store);
+    auto *field = child<QLineEdit>(page, "lineEditNewCategoryName");
+    QTest::keyClicks(field, QStringLiteral("Pets"));
+
+    MessageBoxAnswerer answerer;
+    answerer.answer({ QMessageBox::Save, QMessageBox::Ok });
+    child<QPushButton>(page, "pushButtonAddNewCategory")->click();
+
+    QCOMPARE(answerer.texts(),
+             QStringList({ QStringLiteral("Category Name Entered - Pets "),
+                           QStringLiteral("Category added to the database successfully") }));
+    QVERIFY2(answerer.errors().isEmpty(), qPrintable(answerer.errors().join('\n')));
+    const SeenMessageBox &question = answerer.seen().at(0);
+    QCOMPARE(question.buttons, QMessageBox::Save | QMessageBox::Discard);
+    QCOMPARE(question.defaultButton, QMessageBox::Save);
+    const SeenMessageBox &information = answerer.seen().at(1);
+    QCOMPARE(information.buttons, QMessageBox::StandardButtons(QMessageBox::Ok));
+    QCOMPARE(information.defaultButton, QMessageBox::Ok);
+    for (const SeenMessageBox &box : answerer.seen()) {
+        QVERIFY(!box.hasParent);
+        QVERIFY(box.title.isEmpty());
+        QCOMPARE(box.icon, QMessageBox::NoIcon);
+    }
+
+    QCOMPARE(categoryCount(f.raw, QStringLiteral("Pets")), 1);
+    QVERIFY(field->text().isEmpty());
+}
+
+void TestOptionsWidget::aNewCategoryIsListedOnlyAtTheNextFilling()
+{
+    Fixture f;
+    OptionsWidget page(&f.store);
+    auto *box = child<QComboBox>(page, "comboBoxCategoryName");
+    const QStringList before = items(box);
+    QTest::keyClicks(child<QLineEdit>(page, "lineEditNewCategoryName"), QStringLiteral("Pets"));
+
+    MessageBoxAnswerer answerer;
+    answerer.answer({ QMessageBox::Save, QMessageBox::Ok });
+    child<QPushButton>(page, "pushButtonAddNewCategory")->click();
+    QCOMPARE(answerer.seen().size(), 2);
+    QCOMPARE(items(box), before);
+
+    tabs(page)->setCurrentIndex(ModeTab);
+    tabs(page)->setCurrentIndex(CategoryTab);
+    QCOMPARE(items(box).count(QStringLiteral("Pets")), 1);
+    QCOMPARE(items(box).constLast(), QStringLiteral("Pets"));
+}
+
+void TestOptionsWidget::addingAnExistingCategoryReportsSuccessAndAddsNothing()
+{
+    Fixture f;
+    OptionsWidget page(&f.store);
+    auto *field = child<QLineEdit>(page, "lineEditNewCategoryName");
+    QTest::keyClicks(field, QStringLiteral("Food"));
+
+    MessageBoxAnswerer answerer;
+    answerer.answer({ QMessageBox::Save, QMessageBox::Ok });
+    child<QPushButton>(page, "pushButtonAddNewCategory")->click();
+
+    QCOMPARE(answerer.texts(),
+             QStringList({ QStringLiteral("Category Name Entered - Food "),
+                           QStringLiteral("Category added to the database successfully") }));
+    QCOMPARE(categoryCount(f.raw, QStringLiteral("Food")), 1);
+    QCOMPARE(f.raw.scalar(QStringLiteral("SELECT COUNT(*) FROM Category")).toInt(), 37);
+    QVERIFY(field->text().isEmpty());
+}
+
+void TestOptionsWidget::anEmptyNameIsRefusedWithoutAskingTheStore_data()
+{
+    QTest::addColumn<QByteArray>("button");
+    QTest::newRow("Add") << QByteArray("pushButtonAddNewCategory");
+    QTest::newRow("Edit") << QByteArray("pushButtonEditCategory");
+}
+
+void TestOptionsWidget::anEmptyNameIsRefusedWithoutAskingTheStore()
+{
+    QFETCH(QByteArray, button);
+    Fixture f;
+    OptionsWidget page(&f.store);
+    const QList<QVariantList> before = f.raw.rows(QStringLiteral("SELECT * FROM Category ORDER BY SNo"));
+
+    MessageBoxAnswerer answerer;
+    answerer.answer(QMessageBox::Ok);
+    child<QPushButton>(page, button.constData())->click();
+
+    QCOMPARE(answerer.texts(), QStringList { QStringLiteral("New Category Name cannot be empty") });
+    QCOMPARE(answerer.seen().constFirst().buttons, QMessageBox::StandardButtons(QMessageBox::Ok));
+    QVERIFY(answerer.errors().isEmpty());
+    QCOMPARE(f.raw.rows(QStringLiteral("SELECT * FROM Category ORDER BY SNo")), before);
+}
+
+void TestOptionsWidget::aNameOfBlanksIsStoredAsItIs()
+{
+    Fixture f;
+    OptionsWidget page(&f.store);
+    QTest::keyClicks(child<QLineEdit>(page, "lineEditNewCategoryName"), QStringLiteral("   "));
+
+    MessageBoxAnswerer answerer;
+    answerer.answer({ QMessageBox::Save, QMessageBox::Ok });
+    child<QPushButton>(page, "pushButtonAddNewCategory")->click();
+
+    QCOMPARE(answerer.texts(),
+             QStringList({ QStringLiteral("Category Name Entered -     "),
+                           QStringLiteral("Category added to the database successfully") }));
+    QCOMPARE(categoryCount(f.raw, QStringLiteral("   ")), 1);
+}
+
+void TestOptionsWidget::discardingTheConfirmationChangesNothing_data()
+{
+    QTest::addColumn<QByteArray>("field");
+    QTest::addColumn<QByteArray>("button");
+    QTest::newRow("Add") << QByteArray("lineEditNewCategoryName") << QByteArray("pushButtonAddNewCategory");
+    QTest::newRow("Edit") << QByteArray("lineEditCategoryNameToEdit") << QByteArray("pushButtonEditCategory");
+}
+
+void TestOptionsWidget::discardingTheConfirmationChangesNothing()
+{
+    QFETCH(QByteArray, field);
+    QFETCH(QByteArray, button);
+    Fixture f;
+    OptionsWidget page(&f.store);
+    auto *box = child<QComboBox>(page, "comboBoxCategoryName");
+    const QStringList listed = items(box);
+    const QList<QVariantList> before = f.raw.rows(QStringLiteral("SELECT * FROM Category ORDER BY SNo"));
+    QTest::keyClicks(child<QLineEdit>(page, field.constData()), QStringLiteral("Pets"));
+
+    MessageBoxAnswerer answerer;
+    answerer.answer(QMessageBox::Discard);
+    child<QPushButton>(page, button.constData())->click();
+
+    QCOMPARE(answerer.texts(), QStringList { QStringLiteral("Category Name Entered - Pets ") });
+    QVERIFY(answerer.errors().isEmpty());
+    QCOMPARE(f.raw.rows(QStringLiteral("SELECT * FROM Category ORDER BY SNo")), before);
+    QCOMPARE(child<QLineEdit>(page, field.constData())->text(), QStringLiteral("Pets"));
+    QCOMPARE(items(box), listed);
+}
+
+void TestOptionsWidget::renamingAnUnusedCategoryRefillsTheListOnce()
+{
+    Fixture f;
+    QVERIFY(
+        f.raw.insertEntry(QStringLiteral("Bread"), QStringLiteral("Food"), QDateTime(QDate(2026, 3, 1), QTime()), 2.5));
+    const int giftsId = f.raw.scalar(QStringLiteral("SELECT SNo FROM Category WHERE CategoryName = 'Gifts'")).toInt();
+    OptionsWidget page(&f.store);
+    auto *box = child<QComboBox>(page, "comboBoxCategoryName");
+    box->setCurrentIndex(box->findText(QStringLiteral("Gifts")));
+    auto *field = child<QLineEdit>(page, "lineEditCategoryNameToEdit");
+    QTest::keyClicks(field, QStringLiteral("Presents"));
+
+    MessageBoxAnswerer answerer;
+    answerer.answer({ QMessageBox::Save, QMessageBox::Ok });
+    child<QPushButton>(page, "pushButtonEditCategory")->click();
+
+    QCOMPARE(answerer.texts(),
+             QStringList({ QStringLiteral("Category Name Entered - Presents "),
+                           QStringLiteral("Category name Gifts edited to Presents ") }));
+    QCOMPARE(f.raw.scalar(QStringLiteral("SELECT CategoryName FROM Category WHERE SNo = %1").arg(giftsId)).toString(),
+             QStringLiteral("Presents"));
+    QCOMPARE(categoryCount(f.raw, QStringLiteral("Gifts")), 0);
+
+    const QStringList listed = items(box);
+    QCOMPARE(listed, unusedCategories(f.raw));
+    QCOMPARE(listed.count(QStringLiteral("Presents")), 1);
+    QVERIFY(!listed.contains(QStringLiteral("Gifts")));
+    QVERIFY(!listed.contains(QStringLiteral("Food")));
+    QVERIFY(field->text().isEmpty());
+}
+
+void TestOptionsWidget::renamingToANameInUseFailsAndKeepsTheFields()
+{
+    Fixture f;
+    OptionsWidget page(&f.store);
+    auto *box = child<QComboBox>(page, "comboBoxCategoryName");
+    box->setCurrentIndex(box->findText(QStringLiteral("Gifts")));
+    const QStringList listed = items(box);
+    auto *field = child<QLineEdit>(page, "lineEditCategoryNameToEdit");
+    QTest::keyClicks(field, QStringLiteral("Food"));
+
+    MessageBoxAnswerer answerer;
+    answerer.answer({ QMessageBox::Save, QMessageBox::Ok });
+    child<QPushButton>(page, "pushButtonEditCategory")->click();
+
+    QCOMPARE(answerer.texts(),
+             QStringList({ QStringLiteral("Category Name Entered - Food "),
+                           QStringLiteral("Category name could not be edited!") }));
+    QCOMPARE(categoryCount(f.raw, QStringLiteral("Gifts")), 1);
+    QCOMPARE(categoryCount(f.raw, QStringLiteral("Food")), 1);
+    QCOMPARE(field->text(), QStringLiteral("Food"));
+    QCOMPARE(box->currentText(), QStringLiteral("Gifts"));
+    QCOMPARE(items(box), listed);
+}
+
+void TestOptionsWidget::renamingWithEveryCategoryInUseFails()
+{
+    Fixture f;
+    const QList<QVariantList> categories = f.raw.rows(QStringLiteral("SELECT CategoryName FROM Category"));
+    for (const QVariantList &row : categories)
+        QVERIFY(f.raw.insertEntry(QStringLiteral("Thing"), row.at(0).toString(),
+                                  QDateTime(QDate(2026, 3, 1), QTime(12, 0)), 1.0));
+    const QList<QVariantList> before = f.raw.rows(QStringLiteral("SELECT * FROM Category ORDER BY SNo"));
+
+    OptionsWidget page(&f.store);
+    auto *box = child<QComboBox>(page, "comboBoxCategoryName");
+    QCOMPARE(box->count(), 0);
+    QTest::keyClicks(child<QLineEdit>(page, "lineEditCategoryNameToEdit"), QStringLiteral("Pets"));
+
+    MessageBoxAnswerer answerer;
+    answerer.answer({ QMessageBox::Save, QMessageBox::Ok });
+    child<QPushButton>(page, "pushButtonEditCategory")->click();
+
+    QCOMPARE(answerer.texts(),
+             QStringList({ QStringLiteral("Category Name Entered - Pets "),
+                           QStringLiteral("Category name could not be edited!") }));
+    QCOMPARE(f.raw.rows(QStringLiteral("SELECT * FROM Category ORDER BY SNo")), before);
+}
+
+void TestOptionsWidget::aNewPageShowsDefaultInRedAndOffersTheOtherModesInStoreOrder()
+{
+    Fixture f;
+    OptionsWidget page(&f.store);
+    auto *label = child<QLabel>(page, "labelCurrentModeActual");
+    QCOMPARE(label->text(), QStringLiteral("<font color=#ff0000> Default </font>"));
+    QCOMPARE(items(child<QComboBox>(page, "comboBoxNewModeNames")),
+             QStringList({ QStringLiteral("Money Saving"), QStringLiteral("Time Saving") }));
+}
+
+void TestOptionsWidget::switchingModeAsksReportsAndOffersTheOthers()
+{
+    Fixture f;
+    OptionsWidget page(&f.store);
+    tabs(page)->setCurrentIndex(ModeTab);
+    auto *box = child<QComboBox>(page, "comboBoxNewModeNames");
+    box->setCurrentIndex(box->findText(QStringLiteral("Time Saving")));
+
+    MessageBoxAnswerer answerer;
+    answerer.answer({ QMessageBox::Save, QMessageBox::Ok });
+    child<QPushButton>(page, "pushButtonChangeMode")->click();
+
+    QCOMPARE(answerer.texts(),
+             QStringList({ QStringLiteral("You are switching from Default to Time Saving "),
+                           QStringLiteral("Mode switched from Default to Time Saving ") }));
+    QCOMPARE(answerer.seen().at(0).buttons, QMessageBox::Save | QMessageBox::Discard);
+    QCOMPARE(answerer.seen().at(0).defaultButton, QMessageBox::Save);
+    QCOMPARE(answerer.seen().at(1).buttons, QMessageBox::StandardButtons(QMessageBox::Ok));
+    QVERIFY(answerer.errors().isEmpty());
+
+    QCOMPARE(child<QLabel>(page, "labelCurrentModeActual")->text(),
+             QStringLiteral("<font color=#ff0000> Time Saving </font>"));
+    QCOMPARE(items(box), QStringList({ QStringLiteral("Default"), QStringLiteral("Money Saving") }));
+    // The mode belongs to the page: nothing is written.
+    QCOMPARE(modeNames(f.raw),
+             QStringList({ QStringLiteral("Default"), QStringLiteral("Money Saving"), QStringLiteral("Time Saving") }));
+}
+
+void TestOptionsWidget::discardingAModeSwitchChangesNothing()
+{
+    Fixture f;
+    OptionsWidget page(&f.store);
+    auto *box = child<QComboBox>(page, "comboBoxNewModeNames");
+    box->setCurrentIndex(box->findText(QStringLiteral("Money Saving")));
+
+    MessageBoxAnswerer answerer;
+    answerer.answer(QMessageBox::Discard);
+    child<QPushButton>(page, "pushButtonChangeMode")->click();
+
+    QCOMPARE(answerer.texts(), QStringList { QStringLiteral("You are switching from Default to Money Saving ") });
+    QVERIFY(answerer.errors().isEmpty());
+    QCOMPARE(child<QLabel>(page, "labelCurrentModeActual")->text(),
+             QStringLiteral("<font color=#ff0000> Default </font>"));
+    QCOMPARE(items(box), QStringList({ QStringLiteral("Money Saving"), QStringLiteral("Time Saving") }));
+    QCOMPARE(box->currentText(), QStringLiteral("Money Saving"));
+}
+
+void TestOptionsWidget::aStoreHoldingOnlyTheCurrentModeOffersAnEmptySwitch()
+{
+    Fixture f;
+    QVERIFY(f.raw.exec(QStringLiteral("DELETE FROM Mode WHERE ModeName <> 'Default'")));
+    OptionsWidget page(&f.store);
+    auto *box = child<QComboBox>(page, "comboBoxNewModeNames");
+    QCOMPARE(box->count(), 0);
+
+    MessageBoxAnswerer answerer;
+    answerer.answer({ QMessageBox::Save, QMessageBox::Ok });
+    child<QPushButton>(page, "pushButtonChangeMode")->click();
+
+    QCOMPARE(answerer.texts(),
+             QStringList({ QStringLiteral("You are switching from Default to  "),
+                           QStringLiteral("Mode switched from Default to  ") }));
+    QCOMPARE(child<QLabel>(page, "labelCurrentModeActual")->text(), QStringLiteral("<font color=#ff0000>  </font>"));
+    QCOMPARE(items(box), QStringList { QStringLiteral("Default") });
+}
+
+void TestOptionsWidget::aStoreWithoutDefaultStillStartsFromDefault()
+{
+    Fixture f;
+    QVERIFY(f.raw.exec(QStringLiteral("UPDATE Mode SET ModeName = 'Relaxed' WHERE ModeName = 'Default'")));
+    OptionsWidget page(&f.store);
+    QCOMPARE(child<QLabel>(page, "labelCurrentModeActual")->text(),
+             QStringLiteral("<font color=#ff0000> Default </font>"));
+    QCOMPARE(items(child<QComboBox>(page, "comboBoxNewModeNames")),
+             QStringList({ QStringLiteral("Relaxed"), QStringLiteral("Money Saving"), QStringLiteral("Time Saving") }));
+}
+
+void TestOptionsWidget::theEntriesTabShowsTheEditableColumnsOfTheEntryTable()
+{
+    Fixture f;
+    QVERIFY(f.raw.insertEntry(QStringLiteral("Bread"), QStringLiteral("Food"),
+                              QDateTime(QDate(2026, 3, 1), QTime(8, 0)), 2.5, QStringLiteral("Bakery")));
+    QVERIFY(f.raw.insertEntry(QStringLiteral("Coffee"), QStringLiteral("Drinks"),
+                              QDateTime(QDate(2026, 3, 2), QTime(9, 30)), 3.0, QStringLiteral("Cafe")));
+    OptionsWidget page(&f.store);
+    tabs(page)->setCurrentIndex(EntriesTab);
+
+    QSqlTableModel *model = entriesModel(page);
+    QVERIFY(model);
+    QCOMPARE(model->parent(), &page);
+    QCOMPARE(model->tableName(), QStringLiteral("Entry"));
+    QCOMPARE(model->editStrategy(), QSqlTableModel::OnManualSubmit);
+    QCOMPARE(model->rowCount(), 2);
+    QCOMPARE(model->columnCount(), 12);
+
+    QTableView *view = entriesView(page);
+    const QList<int> hidden = { 0, 2, 3, 7, 8, 9, 10, 11 };
+    for (int column = 0; column < model->columnCount(); ++column)
+        QCOMPARE(view->isColumnHidden(column), hidden.contains(column));
+    QCOMPARE(model->headerData(ItemNameColumn, Qt::Horizontal).toString(), QStringLiteral("ItemName"));
+    QCOMPARE(model->headerData(DateColumn, Qt::Horizontal).toString(), QStringLiteral("TransactDateTime"));
+    QCOMPARE(model->headerData(PriceColumn, Qt::Horizontal).toString(), QStringLiteral("Price"));
+    QCOMPARE(model->headerData(LocationColumn, Qt::Horizontal).toString(), QStringLiteral("LocationText"));
+    QCOMPARE(model->index(1, ItemNameColumn).data().toString(), QStringLiteral("Coffee"));
+    QCOMPARE(model->index(1, LocationColumn).data().toString(), QStringLiteral("Cafe"));
+
+    // Shown as every page shows dates and numbers.
+    QCOMPARE(qobject_cast<QStyledItemDelegate *>(view->itemDelegateForColumn(DateColumn))
+                 ->displayText(model->index(1, DateColumn).data(), QLocale()),
+             QStringLiteral("Mon Mar 2 09:30:00 2026"));
+    QCOMPARE(qobject_cast<QStyledItemDelegate *>(view->itemDelegateForColumn(PriceColumn))
+                 ->displayText(model->index(0, PriceColumn).data(), QLocale()),
+             QStringLiteral("2.5"));
+
+    // Stretched once to the view's width, then left to the user.
+    int visibleWidth = 0;
+    for (int column : { 1, 4, 5, 6 })
+        visibleWidth += view->horizontalHeader()->sectionSize(column);
+    QVERIFY2(visibleWidth >= view->viewport()->width() - 4, qPrintable(QString::number(visibleWidth)));
+    QCOMPARE(view->horizontalHeader()->sectionResizeMode(1), QHeaderView::Interactive);
+}
+
+void TestOptionsWidget::savingStoresAnEditedPriceAndItemNameAndSaysNothing()
+{
+    Fixture f;
+    const QDateTime when(QDate(2026, 3, 1), QTime(8, 0));
+    const int sno = f.raw.insertEntry(QStringLiteral("Coffee"), QStringLiteral("Drinks"), when, 2.5);
+    QVERIFY(sno);
+    OptionsWidget page(&f.store);
+    page.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&page));
+    tabs(page)->setCurrentIndex(EntriesTab);
+    QTableView *view = entriesView(page);
+    QSqlTableModel *model = entriesModel(page);
+
+    QWidget *priceEditor = openEditor(view, 0, PriceColumn);
+    QVERIFY(qobject_cast<QDoubleSpinBox *>(priceEditor));
+    typeInto(priceEditor, QStringLiteral("3.75"));
+    commit(priceEditor);
+    QTRY_COMPARE(model->index(0, PriceColumn).data().toDouble(), 3.75);
+
+    QWidget *nameEditor = openEditor(view, 0, ItemNameColumn);
+    QVERIFY(qobject_cast<QLineEdit *>(nameEditor));
+    typeInto(nameEditor, QStringLiteral("Tea"));
+    commit(nameEditor);
+    QTRY_COMPARE(model->index(0, ItemNameColumn).data().toString(), QStringLiteral("Tea"));
+
+    // Nothing reaches the file before Save.
+    QCOMPARE(entryValue(f.raw, sno, "ItemName"), QStringLiteral("Coffee"));
+
+    MessageBoxAnswerer answerer;
+    child<QPushButton>(page, "pushButtonSaveChanges")->click();
+    QCoreApplication::processEvents();
+    QVERIFY(answerer.seen().isEmpty());
+    QVERIFY(answerer.errors().isEmpty());
+
+    QCOMPARE(entryValue(f.raw, sno, "ItemName"), QStringLiteral("Tea"));
+    QCOMPARE(entryPrice(f.raw, sno), 3.75);
+    QCOMPARE(entryValue(f.raw, sno, "TransactDateTime"), RawDatabase::isoText(when));
+    QCOMPARE(entryValue(f.raw, sno, "CategoryName"), QStringLiteral("Drinks"));
+    QCOMPARE(entryValue(f.raw, sno, "EnableGeoLoc"), QStringLiteral("false"));
+    QVERIFY(!model->isDirty());
+    page.close();
+}
+
+void TestOptionsWidget::cancelRestoresTheStoredValues()
+{
+    Fixture f;
+    const int sno = f.raw.insertEntry(QStringLiteral("Coffee"), QStringLiteral("Drinks"),
+                                      QDateTime(QDate(2026, 3, 1), QTime(8, 0)), 2.5);
+    OptionsWidget page(&f.store);
+    page.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&page));
+    tabs(page)->setCurrentIndex(EntriesTab);
+    QSqlTableModel *model = entriesModel(page);
+
+    QWidget *editor = openEditor(entriesView(page), 0, PriceColumn);
+    typeInto(editor, QStringLiteral("9"));
+    commit(editor);
+    QTRY_COMPARE(model->index(0, PriceColumn).data().toDouble(), 9.0);
+
+    child<QPushButton>(page, "pushButtonCancelChanges")->click();
+    QCOMPARE(model->index(0, PriceColumn).data().toDouble(), 2.5);
+    QVERIFY(!model->isDirty());
+
+    // The dropped edit stays dropped.
+    child<QPushButton>(page, "pushButtonSaveChanges")->click();
+    QCOMPARE(entryPrice(f.raw, sno), 2.5);
+    page.close();
+}
+
+void TestOptionsWidget::switchingAwayAndBackReloadsTheTableInANewModel()
+{
+    Fixture f;
+    const int sno = f.raw.insertEntry(QStringLiteral("Coffee"), QStringLiteral("Drinks"),
+                                      QDateTime(QDate(2026, 3, 1), QTime(8, 0)), 2.5);
+    OptionsWidget page(&f.store);
+    tabs(page)->setCurrentIndex(EntriesTab);
+    QPointer<QSqlTableModel> first = entriesModel(page);
+    QVERIFY(first->setData(first->index(0, PriceColumn), 4.0f));
+    child<QPushButton>(page, "pushButtonSaveChanges")->click();
+    QCOMPARE(entryPrice(f.raw, sno), 4.0);
+
+    QVERIFY(
+        f.raw.insertEntry(QStringLiteral("Bread"), QStringLiteral("Food"), QDateTime(QDate(2026, 3, 2), QTime()), 1.5));
+    tabs(page)->setCurrentIndex(ModeTab);
+    tabs(page)->setCurrentIndex(EntriesTab);
+
+    QSqlTableModel *second = entriesModel(page);
+    QVERIFY(second != first);
+    QVERIFY(first); // earlier models stay with the page
+    QCOMPARE(page.findChildren<QSqlTableModel *>().size(), 2);
+    QCOMPARE(second->rowCount(), 2);
+    QCOMPARE(second->index(0, PriceColumn).data().toDouble(), 4.0);
+    QCOMPARE(second->index(1, ItemNameColumn).data().toString(), QStringLiteral("Bread"));
+    QVERIFY(entriesView(page)->isColumnHidden(0));
+    QVERIFY(entriesView(page)->isColumnHidden(11));
+}
+
+void TestOptionsWidget::saveReachesEditsMadeBeforeTheTableWasReloaded()
+{
+    Fixture f;
+    const int sno = f.raw.insertEntry(QStringLiteral("Coffee"), QStringLiteral("Drinks"),
+                                      QDateTime(QDate(2026, 3, 1), QTime(8, 0)), 2.5);
+    OptionsWidget page(&f.store);
+    page.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&page));
+    tabs(page)->setCurrentIndex(EntriesTab);
+    QSqlTableModel *first = entriesModel(page);
+    QWidget *editor = openEditor(entriesView(page), 0, ItemNameColumn);
+    typeInto(editor, QStringLiteral("Espresso"));
+    commit(editor);
+    QTRY_VERIFY(first->isDirty());
+
+    // Leaving the tab unsaved and coming back shows the file again; the
+    // earlier edit waits in the earlier model and the next Save stores it.
+    tabs(page)->setCurrentIndex(CategoryTab);
+    tabs(page)->setCurrentIndex(EntriesTab);
+    QCOMPARE(entriesModel(page)->index(0, ItemNameColumn).data().toString(), QStringLiteral("Coffee"));
+
+    MessageBoxAnswerer answerer;
+    child<QPushButton>(page, "pushButtonSaveChanges")->click();
+    QCoreApplication::processEvents();
+    QVERIFY(answerer.seen().isEmpty());
+    QCOMPARE(entryValue(f.raw, sno, "ItemName"), QStringLiteral("Espresso"));
+    page.close();
+}
+
+void TestOptionsWidget::anEditedDateIsStoredInTheStorageForm()
+{
+    Fixture f;
+    const int sno = f.raw.insertEntry(QStringLiteral("Coffee"), QStringLiteral("Drinks"),
+                                      QDateTime(QDate(2026, 3, 1), QTime(8, 0)), 2.5);
+    OptionsWidget page(&f.store);
+    page.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&page));
+    tabs(page)->setCurrentIndex(EntriesTab);
+
+    auto *editor = qobject_cast<QDateTimeEdit *>(openEditor(entriesView(page), 0, DateColumn));
+    QVERIFY(editor);
+    QCOMPARE(editor->dateTime(), QDateTime(QDate(2026, 3, 1), QTime(8, 0)));
+    QCOMPARE(editor->displayFormat(), QStringLiteral("dd/MM/yyyy HH:mm:ss"));
+    editor->setDateTime(QDateTime(QDate(2026, 12, 1), QTime(9, 15, 30)));
+    commit(editor);
+    QTRY_VERIFY(entriesModel(page)->isDirty());
+
+    child<QPushButton>(page, "pushButtonSaveChanges")->click();
+    QCOMPARE(entryValue(f.raw, sno, "TransactDateTime"), QStringLiteral("2026-12-01T09:15:30"));
+    page.close();
+}
+
+void TestOptionsWidget::typedTextCannotReachTheDateOrPriceColumns_data()
+{
+    QTest::addColumn<int>("column");
+    QTest::addColumn<QString>("typed");
+    QTest::newRow("a word as the date") << int(DateColumn) << QStringLiteral("tomorrow");
+    QTest::newRow("a word as the price") << int(PriceColumn) << QStringLiteral("abc");
+    QTest::newRow("a negative price") << int(PriceColumn) << QStringLiteral("-5");
+}
+
+void TestOptionsWidget::typedTextCannotReachTheDateOrPriceColumns()
+{
+    QFETCH(int, column);
+    QFETCH(QString, typed);
+    Fixture f;
+    const int sno = f.raw.insertEntry(QStringLiteral("Coffee"), QStringLiteral("Drinks"),
+                                      QDateTime(QDate(2026, 3, 1), QTime(8, 0)), 2.5);
+    OptionsWidget page(&f.store);
+    page.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&page));
+    tabs(page)->setCurrentIndex(EntriesTab);
+
+    QWidget *editor = openEditor(entriesView(page), 0, column);
+    QVERIFY(editor);
+    typeInto(editor, typed);
+    commit(editor);
+    QTRY_VERIFY(!entriesView(page)->indexWidget(entriesModel(page)->index(0, column)));
+
+    MessageBoxAnswerer answerer;
+    child<QPushButton>(page, "pushButtonSaveChanges")->click();
+    QCoreApplication::processEvents();
+    QVERIFY(answerer.seen().isEmpty());
+
+    const QString storedDate = entryValue(f.raw, sno, "TransactDateTime");
+    QVERIFY2(
+        QRegularExpression(QStringLiteral("^\\d{4}-\\d\\d-\\d\\dT\\d\\d:\\d\\d:\\d\\d$")).match(storedDate).hasMatch(),
+        qPrintable(storedDate));
+    QCOMPARE(storedDate, QStringLiteral("2026-03-01T08:00:00"));
+    const QVariant storedPrice = f.raw.scalar(QStringLiteral("SELECT Price FROM Entry WHERE SNo = %1").arg(sno));
+    QCOMPARE(storedPrice.typeId(), QMetaType::Double);
+    QCOMPARE(storedPrice.toDouble(), 2.5);
+    page.close();
+}
+
+void TestOptionsWidget::aFailedSaveIsReportedOnceAndKeepsTheEditsForALaterSave()
+{
+    Fixture f;
+    const int sno = f.raw.insertEntry(QStringLiteral("Coffee"), QStringLiteral("Drinks"),
+                                      QDateTime(QDate(2026, 3, 1), QTime(8, 0)), 2.5);
+    OptionsWidget page(&f.store);
+    page.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&page));
+    // Two visits: both models receive Save, yet the user hears of it once.
+    tabs(page)->setCurrentIndex(EntriesTab);
+    tabs(page)->setCurrentIndex(CategoryTab);
+    tabs(page)->setCurrentIndex(EntriesTab);
+    QSqlTableModel *model = entriesModel(page);
+    QWidget *editor = openEditor(entriesView(page), 0, PriceColumn);
+    typeInto(editor, QStringLiteral("7.25"));
+    commit(editor);
+    QTRY_VERIFY(model->isDirty());
+
+    // Another program holds the file: the save waits a little for it, then
+    // fails. Each model waits on its own, so the store's own wait of
+    // several seconds would make this one press last many times as long.
+    const int storeBusyTimeout = StoreTable::busyTimeout();
+    QVERIFY(storeBusyTimeout > 0);
+    QVERIFY(f.raw.exec(QStringLiteral("BEGIN EXCLUSIVE")));
+    MessageBoxAnswerer answerer;
+    answerer.answer(QMessageBox::Ok);
+    QElapsedTimer pressing;
+    pressing.start();
+    child<QPushButton>(page, "pushButtonSaveChanges")->click();
+    QVERIFY2(pressing.elapsed() < storeBusyTimeout, qPrintable(QString::number(pressing.elapsed())));
+    QCOMPARE(StoreTable::busyTimeout(), storeBusyTimeout);
+
+    QCOMPARE(answerer.seen().size(), 1);
+    QVERIFY(answerer.errors().isEmpty());
+    const SeenMessageBox &box = answerer.seen().constFirst();
+    QVERIFY2(box.text.startsWith(unsavedText), qPrintable(box.text));
+    QVERIFY2(box.text.contains(QStringLiteral("database is locked")), qPrintable(box.text));
+    QVERIFY2(box.text.contains(QStringLiteral("press Save to try again")), qPrintable(box.text));
+    QCOMPARE(box.buttons, QMessageBox::StandardButtons(QMessageBox::Ok));
+    QCOMPARE(box.defaultButton, QMessageBox::Ok);
+    QCOMPARE(box.icon, QMessageBox::Warning);
+    QVERIFY(!box.hasParent);
+
+    QVERIFY(f.raw.exec(QStringLiteral("ROLLBACK")));
+    QCOMPARE(entryPrice(f.raw, sno), 2.5);
+    QVERIFY(model->isDirty());
+    QCOMPARE(model->index(0, PriceColumn).data().toDouble(), 7.25);
+
+    child<QPushButton>(page, "pushButtonSaveChanges")->click();
+    QCoreApplication::processEvents();
+    QCOMPARE(answerer.seen().size(), 1);
+    QCOMPARE(entryPrice(f.raw, sno), 7.25);
+    QVERIFY(!model->isDirty());
+    page.close();
+}
+
+void TestOptionsWidget::theStoreKeepsWorkingAfterTheEntriesTab()
+{
+    Fixture f;
+    QVERIFY(f.raw.insertEntry(QStringLiteral("Coffee"), QStringLiteral("Drinks"),
+                              QDateTime(QDate(2026, 3, 1), QTime(8, 0)), 2.5));
+    const QStringList connections = QSqlDatabase::connectionNames();
+    {
+        OptionsWidget page(&f.store);
+        tabs(page)->setCurrentIndex(EntriesTab);
+        tabs(page)->setCurrentIndex(CategoryTab);
+        tabs(page)->setCurrentIndex(EntriesTab);
+        child<QPushButton>(page, "pushButtonSaveChanges")->click();
+        QCOMPARE(QSqlDatabase::connectionNames(), connections);
+        QVERIFY(QSqlDatabase::database().isOpen());
+    }
+    QVERIFY(QSqlDatabase::database().isOpen());
+    QCOMPARE(f.store.GetTotalNumberOfEntries(), 1);
+    QVERIFY(f.store.AddCategory(QStringLiteral("Pets")));
+    QCOMPARE(categoryCount(f.raw, QStringLiteral("Pets")), 1);
+}
+
+void TestOptionsWidget::optionsShowsThePageOnStackedPage2()
+{
+    TempHome home;
+    MainWindow window;
+    auto *host = child<QScrollArea>(window, "scrollArea_2");
+    child<QPushButton>(window, "pushButtonOptions")->click();
+
+    QCOMPARE(child<QStackedWidget>(window, "stackedWidget")->currentIndex(), 2);
+    auto *page = qobject_cast<OptionsWidget *>(host->widget());
+    QVERIFY(page);
+    QCOMPARE(page->objectName(), QStringLiteral("OptionsWidget"));
+    QVERIFY(!host->widgetResizable());
+    QCOMPARE(page->size(), QSize(888, 761));
+    QCOMPARE(tabs(*page)->currentIndex(), int(CategoryTab));
+    QVERIFY(child<QComboBox>(*page, "comboBoxCategoryName")->count() > 0);
+    QVERIFY(window.findChild<QWidget *>(QStringLiteral("scrollAreaWidgetContents_2")) == nullptr);
+}
+
+void TestOptionsWidget::optionsReplacesThePageAndStartsFromDefaultAgain()
+{
+    TempHome home;
+    MainWindow window;
+    auto *host = child<QScrollArea>(window, "scrollArea_2");
+    child<QPushButton>(window, "pushButtonOptions")->click();
+    QPointer<OptionsWidget> first = qobject_cast<OptionsWidget *>(host->widget());
+    QVERIFY(first);
+    auto *box = child<QComboBox>(*first, "comboBoxNewModeNames");
+    box->setCurrentIndex(box->findText(QStringLiteral("Money Saving")));
+
+    MessageBoxAnswerer answerer;
+    answerer.answer({ QMessageBox::Save, QMessageBox::Ok });
+    child<QPushButton>(*first, "pushButtonChangeMode")->click();
+    QCOMPARE(answerer.seen().size(), 2);
+    QCOMPARE(child<QLabel>(*first, "labelCurrentModeActual")->text(),
+             QStringLiteral("<font color=#ff0000> Money Saving </font>"));
+
+    child<QPushButton>(window, "pushButtonHome")->click();
+    child<QPushButton>(window, "pushButtonOptions")->click();
+    QVERIFY(first.isNull());
+    auto *second = qobject_cast<OptionsWidget *>(host->widget());
+    QVERIFY(second);
+    QCOMPARE(child<QStackedWidget>(window, "stackedWidget")->currentIndex(), 2);
+    QCOMPARE(child<QLabel>(*second, "labelCurrentModeActual")->text(),
+             QStringLiteral("<font color=#ff0000> Default </font>"));
+}
+
+LEDGERLY_TEST_MAIN(TestOptionsWidget)
+
+#include "tst_optionswidget.moc"
