@@ -197,6 +197,7 @@ private slots:
     void typedTextCannotReachTheDateOrPriceColumns();
     void aFailedSaveIsReportedOnceAndKeepsTheEditsForALaterSave();
     void theStoreKeepsWorkingAfterTheEntriesTab();
+    void anUnreadableFileLeavesTheTableEmptyAndSilent();
 
     // The main window
     void optionsShowsThePageOnStackedPage2();
@@ -976,6 +977,32 @@ void TestOptionsWidget::theStoreKeepsWorkingAfterTheEntriesTab()
     QCOMPARE(f.store.GetTotalNumberOfEntries(), 1);
     QVERIFY(f.store.AddCategory(QStringLiteral("Pets")));
     QCOMPARE(categoryCount(f.raw, QStringLiteral("Pets")), 1);
+}
+
+void TestOptionsWidget::anUnreadableFileLeavesTheTableEmptyAndSilent()
+{
+    TempHome home;
+    {
+        QFile file(home.databasePath());
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write(QByteArray(4096, 'x'));
+    }
+    DatabaseManager store(nullptr);
+    QVERIFY(!store.isUsable());
+    runPendingEventsAndClearQuit();
+
+    MessageBoxAnswerer answerer;
+    OptionsWidget page(&store);
+    QCOMPARE(child<QComboBox>(page, "comboBoxCategoryName")->count(), 0);
+    QCOMPARE(child<QComboBox>(page, "comboBoxNewModeNames")->count(), 0);
+    tabs(page)->setCurrentIndex(EntriesTab);
+    QCOMPARE(entriesModel(page)->rowCount(), 0);
+    child<QPushButton>(page, "pushButtonSaveChanges")->click();
+    child<QPushButton>(page, "pushButtonCancelChanges")->click();
+    QCoreApplication::processEvents();
+    QVERIFY(answerer.seen().isEmpty());
+    QVERIFY(answerer.errors().isEmpty());
+    QCOMPARE(QFile(home.databasePath()).size(), 4096);
 }
 
 void TestOptionsWidget::optionsShowsThePageOnStackedPage2()
