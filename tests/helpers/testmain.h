@@ -9,7 +9,8 @@
 // The offscreen platform cannot propagate size hints and warns whenever a
 // dialog fixes its size; that is the platform's limit, not the program's, so
 // the handler drops exactly that line and passes everything else on to the
-// test log.
+// test log. Likewise the web engine's two start-up warnings (and its
+// configuration dump) about the missing OpenGL of the offscreen platform.
 void ledgerlyInstallPlatformNoiseFilter();
 
 #define LEDGERLY_TEST_MAIN(TestObject)                                                                                 \
