@@ -1,0 +1,38 @@
+#pragma once
+
+#include <QPointer>
+#include <QString>
+#include <QWidget>
+
+class DatabaseManager;
+class Entry;
+
+namespace Ui {
+class EntryDetailsWidget;
+}
+
+// One stored expense: a table of its fields beside a street map of where it
+// was recorded. Filled once, from the entry at a position of GetAllEntries().
+class EntryDetailsWidget : public QWidget
+{
+    Q_OBJECT
+    Q_DISABLE_COPY(EntryDetailsWidget)
+
+public:
+    EntryDetailsWidget(int index, QPointer<DatabaseManager> dbManager, QWidget *parent);
+    ~EntryDetailsWidget() override;
+
+    void ShowEntryDetails();
+
+    // The map page handed to the web view for an entry: the map template
+    // with its latitude and longitude filled in. Empty if the template
+    // cannot be read.
+    static QString mapPageHtml(const Entry &entry);
+
+private:
+    void fillTable(const Entry &entry);
+
+    Ui::EntryDetailsWidget *ui;
+    QPointer<DatabaseManager> dbManager;
+    int indexOfEntryinAllEntries;
+};
