@@ -538,6 +538,11 @@ void TestEntryDetailsWidget::webViewShowsTheMapCentredOnTheEntryWithAPinTitledA_
     QTest::newRow("geolocation") << lunchInPune << QStringLiteral("L.latLng(18.52,73.85)") << 18.52 << 73.85;
     QTest::newRow("no geolocation: the default place")
         << busTicket << QStringLiteral("L.latLng(1.27899,103.8488)") << 1.27899 << 103.8488;
+    StoredEntry singapore = lunchInPune;
+    singapore.latitude = 1.27899;
+    singapore.longitude = 103.8488;
+    QTest::newRow("geolocation with six significant digits")
+        << singapore << QStringLiteral("L.latLng(1.27899,103.849)") << 1.27899 << 103.849;
 }
 
 void TestEntryDetailsWidget::webViewShowsTheMapCentredOnTheEntryWithAPinTitledA()
@@ -565,9 +570,9 @@ void TestEntryDetailsWidget::webViewShowsTheMapCentredOnTheEntryWithAPinTitledA(
     QTRY_VERIFY_WITH_TIMEOUT(mapState(view).value(QStringLiteral("shadowLoaded")).toBool(), webTimeoutMs);
     const QVariantMap state = mapState(view);
     QVERIFY2(qAbs(state.value(QStringLiteral("lat")).toDouble() - latitude) < 1e-9,
-             qPrintable(state.value("lat").toString()));
+             qPrintable(state.value(QStringLiteral("lat")).toString()));
     QVERIFY2(qAbs(state.value(QStringLiteral("lng")).toDouble() - longitude) < 1e-9,
-             qPrintable(state.value("lng").toString()));
+             qPrintable(state.value(QStringLiteral("lng")).toString()));
     QCOMPARE(state.value(QStringLiteral("zoom")).toInt(), 16);
     QCOMPARE(state.value(QStringLiteral("markerLat")).toDouble(), latitude);
     QCOMPARE(state.value(QStringLiteral("markerLng")).toDouble(), longitude);
