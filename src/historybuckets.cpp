@@ -1,0 +1,191 @@
+#include "historybuckets.h"
+
+#include "databasemanager.h"
+#include "format.h"
+
+#include <QHash>
+
+namespace {
+
+// A day's value is looked up by its text date. The hash keeps the first
+// total under each text, as a search from the front of the list would find.
+class DayValues
+{
+public:
+    explicit DayValues(const QList<LabelledTotal> &days)
+    {
+        byText.reserve(days.size());
+        for (const LabelledTotal &day : days) {
+            if (!byText.contains(day.label))
+                byText.insert(day.label, day.total);
+        }
+    }
+
+    float valueOf(const QDate &day) const { return byText.value(Format::date(day), 0.0f); }
+
+private:
+    QHash<QString, float> byText;
+};
+
+} // namespace
+
+namespace HistoryBuckets {
+
+float sumOfPrices(const QList<Entry *> &entries)
+{
+    float sum = 0;
+    for (const Entry *entry : entries)
+        sum += entry->Price;
+    return sum;
+}
+
+QList<LabelledTotal> dayTotals(const QList<Entry *> &entries)
+{
+    QList<LabelledTotal> days;
+    if (entries.isEmpty())
+        return days;
+
+    // Two dates have equal text dates exactly when they are the same date, so
+    // the text is made once per run rather than once per entry.
+    QDate key = entries.first()->TransactDateTime.date();
+    float sum = 0;
+    for (const Entry *entry : entries) {
+        const QDate day = entry->TransactDateTime.date();
+        if (day != key) {
+            days.append({ Format::date(key), sum });
+            key = day;
+            sum = 0;
+        }
+        sum += entry->Price;
+    }
+    days.append({ Format::date(key), sum });
+    return days;
+}
+
+QList<LabelledTotal> categoryTotals(const QList<Entry *> &entries)
+{
+    QList<LabelledTotal> categories;
+    QHash<QString, qsizetype> indexOf;
+    for (const Entry *entry : entries) {
+        auto found = indexOf.constFind(entry->CategoryName);
+        if (found == indexOf.constEnd()) {
+            found = indexOf.insert(entry->CategoryName, categories.size());
+            categories.append({ entry->CategoryName, 0 });
+        }
+        categories[*found].total += entry->Price;
+    }
+    return categories;
+}
+
+QList<LabelledTotal> dailyBuckets(const QDate &start, const QDate &end, const QList<LabelledTotal> &days)
+{
+    const DayValues values(days);
+    const qint64 n = start.daysTo(end);
+    QList<LabelledTotal> buckets;
+    if (n >= 0)
+        buckets.reserve(n + 1);
+    for (qint64 i = 0; i <= n; ++i) {
+        const QDate day = start.addDays(i);
+        buckets.append({ Format::date(day), values.valueOf(day) });
+    }
+    return buckets;
+}
+
+QList<LabelledTotal> weeklyBuckets(const QDate &start, const QDate &end, const QList<LabelledTotal> &days)
+{
+    const DayValues values(days);
+    const qint64 n = start.daysTo(end);
+    const auto weekLabel = [](int week) { return QStringLiteral("Week %1").arg(week); };
+
+    // Comparing weekday numbers is comparing full weekday names.
+    const int firstWeekday = start.dayOfWeek();
+    QList<LabelledTotal> buckets;
+    int week = 1;
+    float weekSum = values.valueOf(start);
+    for (qint64 i = 1; i <= n; ++i) {
+        const QDate day = start.addDays(i);
+        if (day.dayOfWeek() == firstWeekday) {
+            buckets.append({ weekLabel(week), weekSum });
+            ++week;
+            weekSum = 0;
+        }
+        weekSum += values.valueOf(day);
+    }
+    buckets.append({ weekLabel(week), weekSum });
+    return buckets;
+}
+
+QList<LabelledTotal> monthlyBuckets(const QDate &start, const QDate &end, const QList<LabelledTotal> &days)
+{
+    const DayValues values(days);
+    const qint64 n = start.daysTo(end);
+    const QString monthFormat = QStringLiteral("MMMM");
+
+    QList<LabelledTotal> buckets;
+    QString month = start.toString(monthFormat);
+    int monthNumber = start.month();
+    float monthSum = 0;
+    for (qint64 i = 0; i <= n; ++i) {
+        const QDate day = start.addDays(i);
+        // Day by day, the month's name changes exactly when its number does.
+        if (day.month() != monthNumber) {
+            buckets.append({ month, monthSum });
+            monthSum = 0;
+            month = day.toString(monthFormat);
+            monthNumber = day.month();
+        }
+        monthSum += values.valueOf(day);
+    }
+    buckets.append({ month, monthSum });
+    return buckets;
+}
+
+DateTimeRange totalTabWindow(const QDateTime &first, const QDateTime &last)
+{
+    if (first.daysTo(last) > 10)
+        return { first, first.addDays(10) };
+    return { first, last };
+}
+
+bool categoryListsAllEntries(const QList<QDateTime> &distinctDateTimes)
+{
+    return distinctDateTimes.size() <= 10;
+}
+
+DateTimeRange categoryRecentWindow(const QList<QDateTime> &distinctDateTimes)
+{
+    return { distinctDateTimes.at(9), distinctDateTimes.at(0) };
+}
+
+CategoryStatistics categoryStatistics(float categoryTotal, const QList<QDateTime> &distinctDateTimes, float globalTotal)
+{
+    CategoryStatistics statistics;
+    statistics.total = categoryTotal;
+    statistics.daysInUse = int(distinctDateTimes.size());
+    if (!distinctDateTimes.isEmpty())
+        statistics.calendarDays = distinctDateTimes.last().daysTo(distinctDateTimes.first());
+    // Float divisions throughout: a single day of use gives an infinite
+    // calendar average, which the page shows as it comes.
+    statistics.dailyAverage = categoryTotal / float(statistics.daysInUse);
+    statistics.calendarDailyAverage = categoryTotal / float(statistics.calendarDays);
+    statistics.percentOfTotal = percentOf(categoryTotal, globalTotal);
+    return statistics;
+}
+
+float percentOf(float part, float whole)
+{
+    const float ratio = part / whole;
+    return ratio * 100.0f;
+}
+
+int sliceValue(float total)
+{
+    return static_cast<int>(total);
+}
+
+QString totalSliceLabel(const QString &category, float categoryTotal, float globalTotal)
+{
+    return category + QStringLiteral(" - %1 % ").arg(Format::number(double(percentOf(categoryTotal, globalTotal))));
+}
+
+} // namespace HistoryBuckets
