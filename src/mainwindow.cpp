@@ -3,6 +3,7 @@
 
 #include "addentrywidget.h"
 #include "databasemanager.h"
+#include "historywidget.h"
 #include "look.h"
 #include "optionswidget.h"
 
@@ -73,8 +74,10 @@ void MainWindow::on_pushButtonHistory_clicked()
 
     // The flag is sticky: once entries were seen, History opens even if they
     // have since been deleted.
-    if (IsEntryPresentInDatabase)
+    if (IsEntryPresentInDatabase) {
+        showDataPage(new HistoryWidget(QPointer<DatabaseManager>(dbManager), this));
         return;
+    }
 
     msgBox.setText(tr("No Entries added. Kindly add entry first"));
     msgBox.setStandardButtons(QMessageBox::Ok);

@@ -1,0 +1,318 @@
+#include "historywidget.h"
+#include "ui_historywidget.h"
+
+#include "databasemanager.h"
+#include "entrydetailswidget.h"
+#include "format.h"
+#include "historybuckets.h"
+#include "linegraph.h"
+#include "piewidget.h"
+
+#include <QBrush>
+#include <QHeaderView>
+#include <QMessageBox>
+#include <QTableWidget>
+#include <QTableWidgetItem>
+
+namespace {
+
+// Entries returned by the store belong to whoever asked; this frees them
+// when the list goes out of scope.
+class OwnedEntries
+{
+public:
+    explicit OwnedEntries(QList<Entry *> entries) : list(std::move(entries)) { }
+    ~OwnedEntries() { qDeleteAll(list); }
+    OwnedEntries(const OwnedEntries &) = delete;
+    OwnedEntries &operator=(const OwnedEntries &) = delete;
+
+    const QList<Entry *> &entries() const { return list; }
+
+private:
+    QList<Entry *> list;
+};
+
+} // namespace
+
+HistoryWidget::HistoryWidget(QPointer<DatabaseManager> dbManager, QWidget *parent)
+    : QWidget(parent), ui(new Ui::HistoryWidget), dbManager(dbManager), allowDatewiseDropDowns(false), globalTotal(0)
+{
+    ui->setupUi(this);
+
+    ui->comboBoxDateWiseTimePeriod->addItem(tr("Daily"));
+    ui->comboBoxDateWiseTimePeriod->addItem(tr("Weekly"));
+    ui->comboBoxDateWiseTimePeriod->addItem(tr("Monthly"));
+
+    // The date-wise tab opens on the single day of the newest entry.
+    const QDate newestDay = this->dbManager->GetDateOfLastEntry().date();
+    ui->dateEditDateWiseEndDate->setDate(newestDay);
+    ui->dateEditDateWiseStartDate->setDate(newestDay);
+
+    usedCategories = this->dbManager->GetListOfAllDistinctCategoriesOfAllEntries();
+    CalculateGlobalEntryData();
+
+    // Adding the first category already computes the tab through the combo's
+    // slot; it is computed once more here so the tab never depends on that.
+    AddCategoriesToComboBoxInCategoryTab(usedCategories);
+    ShowCategoryWiseDetails();
+
+    ui->tabWidgetHistoryContainer->setCurrentIndex(0);
+    allowDatewiseDropDowns = true;
+
+    ShowTotalDetails();
+    ShowAllEntryDetails();
+}
+
+HistoryWidget::~HistoryWidget()
+{
+    delete ui;
+}
+
+void HistoryWidget::CalculateGlobalEntryData()
+{
+    for (const QString &name : std::as_const(usedCategories)) {
+        usedCategoriesCorrespondingNumberOfDays.append(
+            int(dbManager->GetAllDistinctDatesOfEntriesOfCategory(name).size()));
+        const OwnedEntries entries(dbManager->GetAllEntriesOfCategory(name));
+        const float sum = HistoryBuckets::sumOfPrices(entries.entries());
+        usedCategoriesTotals.append(sum);
+        globalTotal += sum;
+    }
+}
+
+void HistoryWidget::AddCategoriesToComboBoxInCategoryTab(QList<QString> names)
+{
+    for (const QString &name : std::as_const(names))
+        ui->comboBoxCategory->addItem(name);
+}
+
+void HistoryWidget::ShowCategoryWiseDetails()
+{
+    const QString name = ui->comboBoxCategory->currentText();
+    auto *graph = new ZRLineGraph;
+
+    const QList<QDateTime> dates = dbManager->GetAllDistinctDatesOfEntriesOfCategory(name);
+    // The combo only ever holds names of usedCategories; an empty store
+    // leaves it empty, and the figures then read as divisions of zero.
+    const float total = usedCategoriesTotals.value(usedCategories.indexOf(name), 0.0f);
+    const CategoryStatistics statistics = HistoryBuckets::categoryStatistics(total, dates, globalTotal);
+
+    ui->labelCategoryTabCategoryTotal->setText(
+        tr("<font color=#ff7637> Category Total: %1 </font>").arg(Format::number(statistics.total)));
+    ui->labelCategoryTabDaysUse->setText(tr("<font color=#ff7637> Days in use: %1 </font>").arg(statistics.daysInUse));
+    ui->labelCategoryTabCalanderDaysUse->setText(
+        tr("<font color=#ff7637> Calander days in use: %1 </font>").arg(statistics.calendarDays));
+    ui->labelCategoryTabAvgDaysUse->setText(
+        tr("<font color=#ff7637> Daily Average: %1 </font>").arg(Format::number(statistics.dailyAverage)));
+    ui->labelCategoryTabAvgCalanderDaysUse->setText(tr("<font color=#ff7637> Daily Calander Average: %1 </font>")
+                                                        .arg(Format::number(statistics.calendarDailyAverage)));
+    ui->labelCategoryTabCategoryPercent->setText(
+        tr("<font color=#ff7637> % Contribution in Total: %1 </font>").arg(Format::number(statistics.percentOfTotal)));
+
+    const bool listsAll = HistoryBuckets::categoryListsAllEntries(dates);
+    QList<Entry *> chosen;
+    if (listsAll) {
+        chosen = dbManager->GetAllEntriesOfCategory(name);
+    } else {
+        const DateTimeRange window = HistoryBuckets::categoryRecentWindow(dates);
+        chosen = dbManager->GetAllEntriesOfCategoryBetweenDates(name, window.from, window.to);
+    }
+    const OwnedEntries entries(chosen);
+
+    const QList<LabelledTotal> days = HistoryBuckets::dayTotals(entries.entries());
+    for (const LabelledTotal &day : days)
+        graph->append(ZRLineGraphData(day.label, Format::number(day.total)));
+    graph->setSortY(true);
+    graph->save(QStringLiteral("QtCategoriesLineGraph.png"), ui->scrollAreaCategoryLineChart->size());
+    ui->scrollAreaCategoryLineChart->setWidget(graph);
+
+    fillEntryTable(ui->tableWidgetCategoryRecentEntries, entries.entries(),
+                   listsAll ? ColumnFit::BeforeRefill : ColumnFit::AfterHeaders);
+}
+
+void HistoryWidget::ShowDateWiseDetails()
+{
+    const QDateTime start = ui->dateEditDateWiseStartDate->dateTime();
+    const QDateTime end = ui->dateEditDateWiseEndDate->dateTime();
+    const OwnedEntries entries(dbManager->GetAllEntriesBetweenDates(start, end));
+    if (entries.entries().isEmpty()) {
+        // The tab keeps what it showed before.
+        showMessage(tr("No Entries between the given dates"));
+        return;
+    }
+
+    const QString period = ui->comboBoxDateWiseTimePeriod->currentText();
+    const QList<LabelledTotal> days = HistoryBuckets::dayTotals(entries.entries());
+    const float periodTotal = HistoryBuckets::sumOfPrices(entries.entries());
+    ui->labelDatewiseTabTotal->setText(
+        tr("<font color=#ff2411> Total Spending in the period= %1 </font>").arg(Format::number(periodTotal)));
+    const QList<LabelledTotal> categories = HistoryBuckets::categoryTotals(entries.entries());
+
+    QList<LabelledTotal> buckets;
+    QString fileName;
+    if (period == QLatin1String("Daily")) {
+        buckets = HistoryBuckets::dailyBuckets(start.date(), end.date(), days);
+        fileName = QStringLiteral("QtDateWiseDailyLineGraph.png");
+    } else if (period == QLatin1String("Weekly")) {
+        buckets = HistoryBuckets::weeklyBuckets(start.date(), end.date(), days);
+        fileName = QStringLiteral("QtDateWiseWeeklyLineGraph.png");
+    } else if (period == QLatin1String("Monthly")) {
+        buckets = HistoryBuckets::monthlyBuckets(start.date(), end.date(), days);
+        fileName = QStringLiteral("QtDateWiseMonthlyLineGraph.png");
+    }
+
+    if (!fileName.isEmpty()) {
+        auto *graph = new ZRLineGraph;
+        for (const LabelledTotal &bucket : std::as_const(buckets))
+            graph->append(ZRLineGraphData(bucket.label, Format::number(bucket.total)));
+        graph->setSortY(true);
+        graph->save(fileName, ui->scrollAreaDateWiseLineChart->size());
+        ui->scrollAreaDateWiseLineChart->setWidget(graph);
+
+        auto *pie = new PieWidget;
+        for (const LabelledTotal &category : categories)
+            pie->addEntry(category.label, HistoryBuckets::sliceValue(category.total));
+        ui->scrollAreaDateWisePieChart->setWidget(pie);
+    }
+
+    fillEntryTable(ui->tableWidgetDattewiseTabEntries, entries.entries());
+}
+
+void HistoryWidget::ShowTotalDetails()
+{
+    auto *pie = new PieWidget;
+    for (qsizetype i = 0; i < usedCategories.size(); ++i) {
+        pie->addEntry(HistoryBuckets::totalSliceLabel(usedCategories.at(i), usedCategoriesTotals.at(i), globalTotal),
+                      HistoryBuckets::sliceValue(usedCategoriesTotals.at(i)));
+    }
+    ui->scrollAreaTotalPieChartCategories->setWidget(pie);
+
+    const QDateTime last = dbManager->GetDateOfLastEntry();
+    const QDateTime first = dbManager->GetDateOfFirstEntry();
+    ui->labelTotalTabGlobalTotal->setText(
+        tr("<font color=#ff0202> Global Total: %1 </font>").arg(Format::number(globalTotal)));
+
+    // Anchored at the oldest entry, under the caption "Recent Entries": that
+    // is the page's long-standing choice.
+    const DateTimeRange window = HistoryBuckets::totalTabWindow(first, last);
+    const OwnedEntries entries(dbManager->GetAllEntriesBetweenDates(window.from, window.to));
+    fillEntryTable(ui->tableWidgetTotalTabEntries, entries.entries());
+}
+
+void HistoryWidget::ShowAllEntryDetails()
+{
+    const OwnedEntries entries(dbManager->GetAllEntries());
+    fillEntryTable(ui->tableWidgetAllEntries, entries.entries());
+}
+
+void HistoryWidget::fillEntryTable(QTableWidget *table, const QList<Entry *> &entries, ColumnFit fit)
+{
+    if (fit == ColumnFit::BeforeRefill)
+        table->resizeColumnsToContents();
+
+    table->setColumnCount(6);
+    table->setRowCount(int(entries.size()));
+    table->setHorizontalHeaderLabels(
+        { tr("No."), tr("Item Name"), tr("Category"), tr("Price"), tr("Date"), tr("Location Text") });
+    if (fit == ColumnFit::AfterHeaders)
+        table->resizeColumnsToContents();
+    table->horizontalHeader()->setSectionResizeMode(QHeaderView::Stretch);
+
+    // Items, not a label per cell: label cells cost a widget each and do not
+    // survive years of entries. Same texts, same red, read-only.
+    const QBrush red(QColor(0xff, 0x00, 0x00));
+    const auto cell = [&red](const QString &text) {
+        auto *item = new QTableWidgetItem(text);
+        item->setFlags(item->flags() & ~Qt::ItemIsEditable);
+        item->setForeground(red);
+        return item;
+    };
+    for (int row = 0; row < entries.size(); ++row) {
+        const Entry *entry = entries.at(row);
+        table->setItem(row, 0, cell(QString::number(row + 1)));
+        table->setItem(row, 1, cell(entry->ItemName));
+        table->setItem(row, 2, cell(entry->CategoryName));
+        table->setItem(row, 3, cell(Format::number(entry->Price)));
+        table->setItem(row, 4, cell(Format::dateTime(entry->TransactDateTime)));
+        table->setItem(row, 5, cell(entry->LocationText));
+    }
+}
+
+void HistoryWidget::showMessage(const QString &text)
+{
+    QMessageBox msgBox;
+    msgBox.setText(text);
+    msgBox.setStandardButtons(QMessageBox::Ok);
+    msgBox.setDefaultButton(QMessageBox::Ok);
+    msgBox.exec();
+}
+
+void HistoryWidget::on_tableWidgetAllEntries_cellClicked(int row, int column)
+{
+    Q_UNUSED(column)
+    // The row is the entry's position in the store's newest-first list, the
+    // order this table was filled in. The scroll area drops the details
+    // shown before.
+    auto *details = new EntryDetailsWidget(row, dbManager, this);
+    ui->scrollAreaAllEntriesEntryDetails->setWidget(details);
+}
+
+void HistoryWidget::on_dateEditDateWiseStartDate_dateChanged(const QDate &date)
+{
+    Q_UNUSED(date)
+    if (allowDatewiseDropDowns)
+        ShowDateWiseDetails();
+}
+
+void HistoryWidget::on_comboBoxDateWiseTimePeriod_currentIndexChanged(int index)
+{
+    Q_UNUSED(index)
+    // Checked even while the page is being built; only the period box
+    // corrects a start after the end.
+    if (ui->dateEditDateWiseStartDate->dateTime() > ui->dateEditDateWiseEndDate->dateTime()) {
+        showMessage(tr("Start date cannot be after end date"));
+        ui->dateEditDateWiseEndDate->setDateTime(ui->dateEditDateWiseStartDate->dateTime());
+    }
+    if (allowDatewiseDropDowns)
+        ShowDateWiseDetails();
+}
+
+void HistoryWidget::on_dateEditDateWiseEndDate_dateChanged(const QDate &date)
+{
+    Q_UNUSED(date)
+    if (allowDatewiseDropDowns)
+        ShowDateWiseDetails();
+}
+
+void HistoryWidget::on_tableWidgetCategoryRecentEntries_cellClicked(int row, int column)
+{
+    // Deliberately nothing: the category tab opens no details.
+    Q_UNUSED(row)
+    Q_UNUSED(column)
+}
+
+void HistoryWidget::on_comboBoxCategory_currentIndexChanged(int index)
+{
+    Q_UNUSED(index)
+    ShowCategoryWiseDetails();
+}
+
+void HistoryWidget::on_tabWidgetHistoryContainer_currentChanged(int index)
+{
+    switch (index) {
+    case 0:
+        ShowCategoryWiseDetails();
+        break;
+    case 1:
+        ShowDateWiseDetails();
+        break;
+    case 2:
+        ShowTotalDetails();
+        break;
+    case 3:
+        ShowAllEntryDetails();
+        break;
+    default:
+        break;
+    }
+}

@@ -1,0 +1,62 @@
+#pragma once
+
+#include <QList>
+#include <QPointer>
+#include <QString>
+#include <QWidget>
+
+class DatabaseManager;
+class Entry;
+class QDate;
+class QTableWidget;
+
+namespace Ui {
+class HistoryWidget;
+}
+
+// The report page: spending by category, by period, in total, and the list
+// of every entry with the details of a tapped one. The store is shared, not
+// owned; the records it returns are freed here once shown.
+class HistoryWidget : public QWidget
+{
+    Q_OBJECT
+    Q_DISABLE_COPY(HistoryWidget)
+
+public:
+    HistoryWidget(QPointer<DatabaseManager> dbManager, QWidget *parent);
+    ~HistoryWidget() override;
+
+private slots:
+    void on_tableWidgetAllEntries_cellClicked(int row, int column);
+    void on_dateEditDateWiseStartDate_dateChanged(const QDate &date);
+    void on_comboBoxDateWiseTimePeriod_currentIndexChanged(int index);
+    void on_dateEditDateWiseEndDate_dateChanged(const QDate &date);
+    void on_tableWidgetCategoryRecentEntries_cellClicked(int row, int column);
+    void on_comboBoxCategory_currentIndexChanged(int index);
+    void on_tabWidgetHistoryContainer_currentChanged(int index);
+
+private:
+    // When an entry table fits its columns to their contents: after the
+    // header labels are set, or once before the rows are replaced, from what
+    // the table showed until then.
+    enum class ColumnFit { AfterHeaders, BeforeRefill };
+
+    void AddCategoriesToComboBoxInCategoryTab(QList<QString> names);
+    void ShowCategoryWiseDetails();
+    void ShowDateWiseDetails();
+    void ShowTotalDetails();
+    void CalculateGlobalEntryData();
+    void ShowAllEntryDetails();
+
+    static void fillEntryTable(QTableWidget *table, const QList<Entry *> &entries,
+                               ColumnFit fit = ColumnFit::AfterHeaders);
+    static void showMessage(const QString &text);
+
+    Ui::HistoryWidget *ui;
+    QPointer<DatabaseManager> dbManager;
+    QList<QString> usedCategories;
+    QList<float> usedCategoriesTotals;
+    QList<int> usedCategoriesCorrespondingNumberOfDays;
+    bool allowDatewiseDropDowns;
+    float globalTotal;
+};

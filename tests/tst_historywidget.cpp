@@ -1,0 +1,1027 @@
+#include "databasemanager.h"
+#include "entrydetailswidget.h"
+#include "historywidget.h"
+#include "linegraph.h"
+#include "mainwindow.h"
+#include "piewidget.h"
+
+#include "messageboxanswerer.h"
+#include "rawdatabase.h"
+#include "temphome.h"
+#include "testmain.h"
+
+#include <QComboBox>
+#include <QDateEdit>
+#include <QFile>
+#include <QHeaderView>
+#include <QImage>
+#include <QLabel>
+#include <QPushButton>
+#include <QScrollArea>
+#include <QStackedWidget>
+#include <QTabWidget>
+#include <QTableWidget>
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include <memory>
+
+namespace {
+
+QDateTime at(int year, int month, int day, int hour = 0, int minute = 0)
+{
+    return QDateTime(QDate(year, month, day), QTime(hour, minute));
+}
+
+QString textDate(const QDate &date)
+{
+    return date.toString(Qt::TextDate);
+}
+
+const QStringList entryTableHeaders = { "No.", "Item Name", "Category", "Price", "Date", "Location Text" };
+
+const char dailyGraph[] = "QtDateWiseDailyLineGraph.png";
+const char weeklyGraph[] = "QtDateWiseWeeklyLineGraph.png";
+const char monthlyGraph[] = "QtDateWiseMonthlyLineGraph.png";
+const char categoryGraph[] = "QtCategoriesLineGraph.png";
+
+// A history page over a store in a fresh home that is also the current
+// directory, where the page writes its graphs. Rows go in through a second
+// connection, at exact date-times.
+class HistoryFixture
+{
+public:
+    HistoryFixture() : home(TempHome::CurrentDir::Enter), store(nullptr), raw(home.databasePath()) { }
+
+    void add(const QString &item, const QString &category, const QDateTime &when, double price,
+             const QString &location = QStringLiteral("Somewhere"))
+    {
+        QVERIFY2(raw.insertEntry(item, category, when, price, location) > 0, qPrintable(raw.lastError()));
+    }
+
+    HistoryWidget *build()
+    {
+        page = std::make_unique<HistoryWidget>(QPointer<DatabaseManager>(&store), nullptr);
+        return page.get();
+    }
+
+    template<typename T> T *child(const char *name) const
+    {
+        T *found = page->findChild<T *>(QLatin1String(name));
+        if (!found)
+            qFatal("no child %s", name);
+        return found;
+    }
+
+    QTabWidget *tabs() const { return child<QTabWidget>("tabWidgetHistoryContainer"); }
+    QDateEdit *startEdit() const { return child<QDateEdit>("dateEditDateWiseStartDate"); }
+    QDateEdit *endEdit() const { return child<QDateEdit>("dateEditDateWiseEndDate"); }
+    QComboBox *periodBox() const { return child<QComboBox>("comboBoxDateWiseTimePeriod"); }
+    QComboBox *categoryBox() const { return child<QComboBox>("comboBoxCategory"); }
+    QString labelText(const char *name) const { return child<QLabel>(name)->text(); }
+    QTableWidget *table(const char *name) const { return child<QTableWidget>(name); }
+    QWidget *chartIn(const char *scrollArea) const { return child<QScrollArea>(scrollArea)->widget(); }
+    PieWidget *pieIn(const char *scrollArea) const { return qobject_cast<PieWidget *>(chartIn(scrollArea)); }
+
+    bool fileExists(const char *name) const { return QFile::exists(home.filePath(QLatin1String(name))); }
+    QImage savedImage(const char *name) const { return QImage(home.filePath(QLatin1String(name))); }
+
+    TempHome home;
+    DatabaseManager store;
+    RawDatabase raw;
+    std::unique_ptr<HistoryWidget> page;
+};
+
+// The picture a line graph of these points saves at this size, for comparing
+// with what the page wrote.
+QImage expectedGraph(const QList<QPair<QString, QString>> &points, const QSize &size)
+{
+    QTemporaryDir dir;
+    ZRLineGraph graph;
+    for (const auto &point : points)
+        graph.append(ZRLineGraphData(point.first, point.second));
+    graph.setSortY(true);
+    const QString fileName = dir.filePath(QStringLiteral("expected.png"));
+    if (!graph.save(fileName, size))
+        return {};
+    return QImage(fileName);
+}
+
+// Whether the page's saved graph is the picture of exactly these points.
+bool savedGraphShows(const HistoryFixture &fixture, const char *file, const QList<QPair<QString, QString>> &points)
+{
+    const QImage saved = fixture.savedImage(file);
+    const QImage expected = expectedGraph(points, QSize(401, 281));
+    return !saved.isNull() && !expected.isNull() && saved == expected;
+}
+
+QStringList rowTexts(const QTableWidget *table, int row)
+{
+    QStringList texts;
+    for (int column = 0; column < table->columnCount(); ++column)
+        texts.append(table->item(row, column) ? table->item(row, column)->text() : QStringLiteral("<no item>"));
+    return texts;
+}
+
+QStringList columnTexts(const QTableWidget *table, int column)
+{
+    QStringList texts;
+    for (int row = 0; row < table->rowCount(); ++row)
+        texts.append(table->item(row, column)->text());
+    return texts;
+}
+
+QStringList headerTexts(const QTableWidget *table)
+{
+    QStringList texts;
+    for (int column = 0; column < table->columnCount(); ++column)
+        texts.append(table->horizontalHeaderItem(column)->text());
+    return texts;
+}
+
+// Every cell red and read-only, every section stretched.
+bool allCellsAreRedReadOnlyAndStretched(const QTableWidget *table)
+{
+    for (int row = 0; row < table->rowCount(); ++row) {
+        for (int column = 0; column < table->columnCount(); ++column) {
+            const QTableWidgetItem *item = table->item(row, column);
+            if (!item || item->foreground().color() != QColor(0xff, 0, 0) || (item->flags() & Qt::ItemIsEditable))
+                return false;
+        }
+    }
+    for (int column = 0; column < table->columnCount(); ++column) {
+        if (table->horizontalHeader()->sectionResizeMode(column) != QHeaderView::Stretch)
+            return false;
+    }
+    return true;
+}
+
+QString categoryLabel(const QString &text)
+{
+    return QStringLiteral("<font color=#ff7637> %1 </font>").arg(text);
+}
+
+void clickCell(QTableWidget *table, int row, int column)
+{
+    const QRect cell = table->visualItemRect(table->item(row, column));
+    QTest::mouseClick(table->viewport(), Qt::LeftButton, Qt::NoModifier, cell.center());
+}
+
+} // namespace
+
+class TestHistoryWidget : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void cleanup();
+
+    // The form
+    void formHasTheDesignedWidgetsAndGeometry();
+    void tabsAreCategoryWiseDateWiseTotalAndEntriesWithCategoryWiseShown();
+    void styleSheetsKeepTheSharedLookWithTheTabWidgetsStrayColour();
+    void captionsAreRichTextInTheirTabsAccentColour();
+    void dateControlsShowDaysAndOfferThePeriods();
+
+    // Page and Entries tab
+    void pageBuiltWhenTheNewestEntryIsOnADayOpensItsDateControlsOnThatDay();
+    void everyTableListsItsEntriesNewestFirstInSixRedColumns();
+    void pricesShowWithSixSignificantDigitsAndNoTrailingZeros();
+    void entriesAddedAfterThePageWasBuiltAreListedButNotSummed();
+    void dateWiseTabIsComputedOnlyWhenTheUserSelectsIt();
+    void pageOnAnEmptyStoreShowsNoRowsAndReportsNothing();
+
+    // Total tab
+    void totalTableListsTheFirstTenDaysFromTheOldestEntry_data();
+    void totalTableListsTheFirstTenDaysFromTheOldestEntry();
+    void categoriesOfThirtyAndSeventyMakeSlicesOfThirtyAndSeventyPerCent();
+    void sliceValuesAreTruncatedWhileSharesUseTheFullTotal();
+
+    // Date Wise tab
+    void startEqualsEndGivesOneBucketInEveryPeriod();
+    void dailyGraphKeepsADayWithoutEntriesAsZero();
+    void weeklyGraphFromAWednesdayOverFifteenDaysHasThreeWeeks();
+    void monthlyGraphFromThirtyJanuaryToSecondMarchHasThreeMonths();
+    void dateEditsCarryMidnightSoLaterEntriesOfTheEndDayAreOutside();
+    void twoEntriesOfOneCategoryOnDifferentDaysMakeOnePieSlice();
+    void periodTotalLabelShowsTheSumOfTheRange();
+    void eachPeriodWritesItsGraphAtTheSizeOfTheGraphArea();
+    void rangeWithoutEntriesIsReportedAndTheTabKeepsItsContents();
+    void startAfterEndIsReportedByThePeriodBoxWhichResetsTheEndDate();
+
+    // Category Wise tab
+    void categoryUsedAtThreeDateTimesOverFiveDaysShowsItsSixFigures();
+    void categoryOfTwentyFiveOutOfTwoHundredContributesTwelveAndAHalfPerCent();
+    void categoryListsItsEntriesFromTheTenthNewestDateTime_data();
+    void categoryListsItsEntriesFromTheTenthNewestDateTime();
+    void twoEntriesOfTheCategoryOnOneDayMakeOneGraphPoint();
+    void choosingAnotherCategoryRecomputesTheTab();
+
+    // From the main window
+    void historyOpensThePageOnceAnEntryExists();
+    void tappingRowZeroOfEntriesShowsTheNewestEntryAndTappingAgainReplacesIt();
+    void tappingARowOfTheCategoryTableChangesNothing();
+};
+
+void TestHistoryWidget::cleanup()
+{
+    QVERIFY(noVisibleTopLevelWidgets());
+}
+
+void TestHistoryWidget::formHasTheDesignedWidgetsAndGeometry()
+{
+    HistoryFixture fixture;
+    fixture.add("Bread", "Food", at(2026, 11, 15), 3);
+    HistoryWidget *page = fixture.build();
+    QCOMPARE(page->objectName(), QStringLiteral("HistoryWidget"));
+    QCOMPARE(page->windowTitle(), QStringLiteral("Form"));
+    QCOMPARE(page->size(), QSize(888, 761));
+
+    struct Designed
+    {
+        const char *name;
+        const char *className;
+        QRect geometry;
+    };
+    const Designed designed[] = {
+        { "scrollArea", "QScrollArea", QRect(10, 10, 871, 741) },
+        { "scrollAreaWidgetContents", "QWidget", QRect(0, 0, 869, 739) },
+        { "tabWidgetHistoryContainer", "QTabWidget", QRect(10, 9, 851, 721) },
+        { "comboBoxCategory", "QComboBox", QRect(10, 10, 341, 41) },
+        { "scrollAreaCategoryLineChart", "QScrollArea", QRect(10, 70, 401, 281) },
+        { "labelCategoryTabCategoryTotal", "QLabel", QRect(420, 80, 411, 31) },
+        { "labelCategoryTabDaysUse", "QLabel", QRect(420, 120, 411, 31) },
+        { "labelCategoryTabCalanderDaysUse", "QLabel", QRect(420, 160, 411, 31) },
+        { "labelCategoryTabAvgDaysUse", "QLabel", QRect(420, 200, 411, 31) },
+        { "labelCategoryTabAvgCalanderDaysUse", "QLabel", QRect(420, 240, 411, 31) },
+        { "labelCategoryTabCategoryPercent", "QLabel", QRect(420, 280, 411, 31) },
+        { "labelCategoryRecentEntries", "QLabel", QRect(10, 360, 161, 41) },
+        { "tableWidgetCategoryRecentEntries", "QTableWidget", QRect(10, 400, 641, 251) },
+        { "labelDateWiseStart", "QLabel", QRect(40, 20, 71, 31) },
+        { "dateEditDateWiseStartDate", "QDateEdit", QRect(110, 10, 291, 41) },
+        { "labelDateWiseEnd", "QLabel", QRect(440, 20, 71, 31) },
+        { "dateEditDateWiseEndDate", "QDateEdit", QRect(510, 10, 301, 41) },
+        { "labelDateWiseTimeHorizon", "QLabel", QRect(180, 80, 81, 31) },
+        { "comboBoxDateWiseTimePeriod", "QComboBox", QRect(260, 70, 341, 41) },
+        { "scrollAreaDateWiseLineChart", "QScrollArea", QRect(10, 130, 401, 281) },
+        { "scrollAreaDateWisePieChart", "QScrollArea", QRect(420, 130, 401, 281) },
+        { "labelDateWiseRecentEntries", "QLabel", QRect(10, 420, 161, 31) },
+        { "labelDatewiseTabTotal", "QLabel", QRect(420, 420, 401, 31) },
+        { "tableWidgetDattewiseTabEntries", "QTableWidget", QRect(10, 460, 811, 196) },
+        { "labelTotalCategoryBreakup", "QLabel", QRect(10, 20, 201, 31) },
+        { "labelTotalTabGlobalTotal", "QLabel", QRect(550, 40, 281, 31) },
+        { "scrollAreaTotalPieChartCategories", "QScrollArea", QRect(10, 70, 821, 321) },
+        { "labelTotalRecentEntries", "QLabel", QRect(20, 400, 161, 31) },
+        { "tableWidgetTotalTabEntries", "QTableWidget", QRect(10, 440, 791, 211) },
+        { "labelAllEntries", "QLabel", QRect(10, 10, 111, 31) },
+        { "tableWidgetAllEntries", "QTableWidget", QRect(10, 50, 821, 211) },
+        { "labelAllEntriesTabEntryDetails", "QLabel", QRect(10, 270, 151, 31) },
+        { "scrollAreaAllEntriesEntryDetails", "QScrollArea", QRect(0, 310, 831, 341) },
+    };
+    for (const Designed &widget : designed) {
+        const QWidget *found = page->findChild<QWidget *>(QLatin1String(widget.name));
+        QVERIFY2(found, widget.name);
+        QVERIFY2(QLatin1String(found->metaObject()->className()) == QLatin1String(widget.className), widget.name);
+        QVERIFY2(found->geometry() == widget.geometry,
+                 qPrintable(QStringLiteral("%1 at %2,%3 %4x%5")
+                                .arg(QLatin1String(widget.name))
+                                .arg(found->x())
+                                .arg(found->y())
+                                .arg(found->width())
+                                .arg(found->height())));
+    }
+}
+
+void TestHistoryWidget::tabsAreCategoryWiseDateWiseTotalAndEntriesWithCategoryWiseShown()
+{
+    HistoryFixture fixture;
+    fixture.add("Bread", "Food", at(2026, 11, 15), 3);
+    fixture.build();
+
+    QTabWidget *tabs = fixture.tabs();
+    QCOMPARE(tabs->count(), 4);
+    const QStringList titles = { "Category Wise", "Date Wise", "Total", "Entries" };
+    const QStringList pages = { "tabCategoryWise", "tabDateWise", "tabTotal", "tabAllEntries" };
+    for (int i = 0; i < 4; ++i) {
+        QCOMPARE(tabs->tabText(i), titles.at(i));
+        QCOMPARE(tabs->widget(i)->objectName(), pages.at(i));
+    }
+    QCOMPARE(tabs->tabPosition(), QTabWidget::North);
+    QCOMPARE(tabs->currentIndex(), 0);
+
+    // The chart areas follow their charts' size; the page itself scrolls.
+    QVERIFY(!fixture.child<QScrollArea>("scrollArea")->widgetResizable());
+    for (const char *area :
+         { "scrollAreaCategoryLineChart", "scrollAreaDateWiseLineChart", "scrollAreaDateWisePieChart",
+           "scrollAreaTotalPieChartCategories", "scrollAreaAllEntriesEntryDetails" })
+        QVERIFY2(fixture.child<QScrollArea>(area)->widgetResizable(), area);
+}
+
+void TestHistoryWidget::styleSheetsKeepTheSharedLookWithTheTabWidgetsStrayColour()
+{
+    HistoryFixture fixture;
+    fixture.add("Bread", "Food", at(2026, 11, 15), 3);
+    HistoryWidget *page = fixture.build();
+
+    const QString border = QStringLiteral("border-style: outset;\nborder-width: 2px;\nborder-color: beige;\n");
+    QCOMPARE(page->styleSheet(), QStringLiteral("background-color: rgb(0, 0, 0);"));
+    QCOMPARE(fixture.tabs()->styleSheet(), border + "font: 75 14pt \"MS Shell Dlg 2\"  rgb(255, 0, 0);");
+    QCOMPARE(fixture.categoryBox()->styleSheet(), border + "font: 75 14pt \"MS Shell Dlg 2\";");
+    QCOMPARE(fixture.startEdit()->styleSheet(),
+             border + "font: 75 14pt \"MS Shell Dlg 2\";\nbackground-color: rgb(254, 255, 189);");
+    QCOMPARE(fixture.endEdit()->styleSheet(), fixture.startEdit()->styleSheet());
+
+    const QString tableLook =
+        QStringLiteral("selection-background-color: rgb(58, 176, 86);\nbackground-color: rgb(254, 255, 189);");
+    QCOMPARE(fixture.table("tableWidgetCategoryRecentEntries")->styleSheet(),
+             border + "font: 75 14pt \"MS Shell Dlg 2\"  rgb(255, 0, 0);\n" + tableLook);
+    QCOMPARE(fixture.table("tableWidgetDattewiseTabEntries")->styleSheet(),
+             border + "font: 75 14pt \"MS Shell Dlg 2\";\n" + tableLook);
+    QCOMPARE(fixture.table("tableWidgetTotalTabEntries")->styleSheet(),
+             fixture.table("tableWidgetDattewiseTabEntries")->styleSheet());
+    QCOMPARE(fixture.table("tableWidgetAllEntries")->styleSheet(),
+             border + "font: 75 14pt \"MS Shell Dlg 2\";\n" + tableLook + "\nselection-color: rgb(85, 255, 255);");
+    QVERIFY(!fixture.table("tableWidgetAllEntries")->alternatingRowColors());
+    QCOMPARE(fixture.table("tableWidgetAllEntries")->palette().color(QPalette::Base), QColor(254, 255, 189));
+    QCOMPARE(fixture.child<QLabel>("labelAllEntries")->styleSheet(), QStringLiteral("border-color: rgb(0, 0, 0);"));
+}
+
+void TestHistoryWidget::captionsAreRichTextInTheirTabsAccentColour()
+{
+    HistoryFixture fixture;
+    fixture.add("Bread", "Food", at(2026, 11, 15), 3);
+    fixture.build();
+
+    const QList<QPair<const char *, QString>> captions = {
+        { "labelCategoryRecentEntries", "color:#ff7637;\">Recent Entries</span>" },
+        { "labelDateWiseStart", "color:#ff2411;\">Start</span>" },
+        { "labelDateWiseEnd", "color:#ff2411;\">End</span>" },
+        { "labelDateWiseTimeHorizon", "color:#ff2411;\">Period</span>" },
+        { "labelDateWiseRecentEntries", "color:#ff2411;\">Recent Entries</span>" },
+        { "labelTotalCategoryBreakup", "color:#ff0202;\">Category Break-up</span>" },
+        { "labelTotalRecentEntries", "color:#ff0202;\">Recent Entries</span>" },
+        { "labelAllEntries", "color:#ff0202;\">Entries</span>" },
+        { "labelAllEntriesTabEntryDetails", "color:#ff0202;\">Entry Details</span>" },
+    };
+    for (const auto &caption : captions) {
+        const QString text = fixture.labelText(caption.first);
+        QVERIFY2(Qt::mightBeRichText(text), caption.first);
+        QVERIFY2(text.contains("font-family:'MS Shell Dlg 2'; font-size:14pt;"), caption.first);
+        QVERIFY2(text.contains("<span style=\" font-weight:600; " + caption.second), caption.first);
+    }
+    // The date-wise and total placeholders wait, in 12 pt, for their first run.
+    QVERIFY(fixture.labelText("labelDatewiseTabTotal").contains("font-size:12pt;"));
+    QVERIFY(fixture.labelText("labelTotalTabGlobalTotal").startsWith("<font color=#ff0202> Global Total: "));
+}
+
+void TestHistoryWidget::dateControlsShowDaysAndOfferThePeriods()
+{
+    HistoryFixture fixture;
+    fixture.add("Bread", "Food", at(2026, 11, 15), 3);
+    fixture.build();
+
+    for (QDateEdit *edit : { fixture.startEdit(), fixture.endEdit() }) {
+        QCOMPARE(edit->displayFormat(), QStringLiteral("dd/MM/yyyy"));
+        QCOMPARE(edit->alignment(), Qt::AlignCenter);
+        QCOMPARE(edit->buttonSymbols(), QAbstractSpinBox::UpDownArrows);
+        QVERIFY(!edit->calendarPopup());
+        QCOMPARE(edit->text(), QStringLiteral("15/11/2026"));
+    }
+    QComboBox *period = fixture.periodBox();
+    QCOMPARE(period->count(), 3);
+    QCOMPARE(period->itemText(0), QStringLiteral("Daily"));
+    QCOMPARE(period->itemText(1), QStringLiteral("Weekly"));
+    QCOMPARE(period->itemText(2), QStringLiteral("Monthly"));
+    QCOMPARE(period->currentText(), QStringLiteral("Daily"));
+}
+
+void TestHistoryWidget::pageBuiltWhenTheNewestEntryIsOnADayOpensItsDateControlsOnThatDay()
+{
+    HistoryFixture fixture;
+    fixture.add("Bread", "Food", at(2026, 11, 2, 9, 15), 3);
+    fixture.add("Taxi", "Travel", at(2026, 11, 15, 21, 40), 12);
+    fixture.add("Milk", "Food", at(2026, 11, 9, 7, 0), 1.5);
+    fixture.build();
+
+    QCOMPARE(fixture.startEdit()->date(), QDate(2026, 11, 15));
+    QCOMPARE(fixture.endEdit()->date(), QDate(2026, 11, 15));
+    // The edits carry no time of day.
+    QCOMPARE(fixture.startEdit()->dateTime(), at(2026, 11, 15));
+    QCOMPARE(fixture.endEdit()->dateTime(), at(2026, 11, 15));
+}
+
+void TestHistoryWidget::everyTableListsItsEntriesNewestFirstInSixRedColumns()
+{
+    HistoryFixture fixture;
+    fixture.add("Ticket", "Travel", at(2026, 11, 13), 1234567, "Station");
+    fixture.add("Coffee", "Drinks", at(2026, 11, 15), 2.5, "Cafe Blue");
+    fixture.add("Bread", "Food", at(2026, 11, 14), 7, "Bakery");
+    fixture.build();
+
+    const QStringList coffee = { "1", "Coffee", "Drinks", "2.5", "Sun Nov 15 00:00:00 2026", "Cafe Blue" };
+    const QStringList bread = { "2", "Bread", "Food", "7", "Sat Nov 14 00:00:00 2026", "Bakery" };
+    const QStringList ticket = { "3", "Ticket", "Travel", "1.23457e+06", "Fri Nov 13 00:00:00 2026", "Station" };
+
+    QTableWidget *all = fixture.table("tableWidgetAllEntries");
+    QTableWidget *total = fixture.table("tableWidgetTotalTabEntries");
+    QTableWidget *datewise = fixture.table("tableWidgetDattewiseTabEntries");
+    QTableWidget *category = fixture.table("tableWidgetCategoryRecentEntries");
+
+    fixture.tabs()->setCurrentIndex(1);
+    fixture.startEdit()->setDate(QDate(2026, 11, 13));
+    fixture.categoryBox()->setCurrentText("Food");
+    QCOMPARE(fixture.categoryBox()->currentText(), QStringLiteral("Food"));
+
+    for (QTableWidget *table : { all, total, datewise }) {
+        QCOMPARE(table->columnCount(), 6);
+        QCOMPARE(table->rowCount(), 3);
+        QCOMPARE(headerTexts(table), entryTableHeaders);
+        QCOMPARE(rowTexts(table, 0), coffee);
+        QCOMPARE(rowTexts(table, 1), bread);
+        QCOMPARE(rowTexts(table, 2), ticket);
+        QVERIFY2(allCellsAreRedReadOnlyAndStretched(table), qPrintable(table->objectName()));
+    }
+
+    QCOMPARE(category->columnCount(), 6);
+    QCOMPARE(category->rowCount(), 1);
+    QCOMPARE(headerTexts(category), entryTableHeaders);
+    QCOMPARE(rowTexts(category, 0), (QStringList { "1", "Bread", "Food", "7", "Sat Nov 14 00:00:00 2026", "Bakery" }));
+    QVERIFY(allCellsAreRedReadOnlyAndStretched(category));
+}
+
+void TestHistoryWidget::pricesShowWithSixSignificantDigitsAndNoTrailingZeros()
+{
+    HistoryFixture fixture;
+    fixture.add("A", "Food", at(2026, 11, 15), 7);
+    fixture.add("B", "Food", at(2026, 11, 14), 0.1);
+    fixture.add("C", "Food", at(2026, 11, 13), 12.5);
+    fixture.add("D", "Food", at(2026, 11, 12), 1234567);
+    fixture.add("E", "Food", at(2026, 11, 11), 103.8488);
+    fixture.build();
+
+    QCOMPARE(columnTexts(fixture.table("tableWidgetAllEntries"), 3),
+             (QStringList { "7", "0.1", "12.5", "1.23457e+06", "103.849" }));
+}
+
+void TestHistoryWidget::entriesAddedAfterThePageWasBuiltAreListedButNotSummed()
+{
+    HistoryFixture fixture;
+    fixture.add("Bread", "Food", at(2026, 11, 14), 30);
+    fixture.add("Taxi", "Travel", at(2026, 11, 15), 70);
+    fixture.build();
+
+    fixture.add("Flowers", "Gifts", at(2026, 11, 16), 50);
+
+    fixture.tabs()->setCurrentIndex(3);
+    QTableWidget *all = fixture.table("tableWidgetAllEntries");
+    QCOMPARE(all->rowCount(), 3);
+    QCOMPARE(columnTexts(all, 1), (QStringList { "Flowers", "Taxi", "Bread" }));
+
+    fixture.tabs()->setCurrentIndex(2);
+    const QHash<QString, int> slices = fixture.pieIn("scrollAreaTotalPieChartCategories")->entries();
+    QCOMPARE(slices.size(), 2);
+    QVERIFY(slices.contains("Food - 30 % "));
+    QVERIFY(slices.contains("Travel - 70 % "));
+    QCOMPARE(fixture.labelText("labelTotalTabGlobalTotal"),
+             QStringLiteral("<font color=#ff0202> Global Total: 100 </font>"));
+    QCOMPARE(fixture.categoryBox()->findText("Gifts"), -1);
+}
+
+void TestHistoryWidget::dateWiseTabIsComputedOnlyWhenTheUserSelectsIt()
+{
+    HistoryFixture fixture;
+    fixture.add("Bread", "Food", at(2026, 11, 15), 3);
+    fixture.build();
+
+    QVERIFY(!fixture.fileExists(dailyGraph));
+    QCOMPARE(fixture.table("tableWidgetDattewiseTabEntries")->rowCount(), 0);
+    QVERIFY(!qobject_cast<PieWidget *>(fixture.chartIn("scrollAreaDateWisePieChart")));
+    QVERIFY(fixture.fileExists(categoryGraph));
+
+    fixture.tabs()->setCurrentIndex(1);
+
+    QVERIFY(fixture.fileExists(dailyGraph));
+    QCOMPARE(fixture.table("tableWidgetDattewiseTabEntries")->rowCount(), 1);
+    QVERIFY(qobject_cast<ZRLineGraph *>(fixture.chartIn("scrollAreaDateWiseLineChart")));
+    QVERIFY(qobject_cast<PieWidget *>(fixture.chartIn("scrollAreaDateWisePieChart")));
+}
+
+void TestHistoryWidget::pageOnAnEmptyStoreShowsNoRowsAndReportsNothing()
+{
+    HistoryFixture fixture;
+    MessageBoxAnswerer answerer;
+    fixture.build();
+    QCoreApplication::processEvents();
+
+    QVERIFY(answerer.seen().isEmpty());
+    QCOMPARE(fixture.categoryBox()->count(), 0);
+    for (const char *name :
+         { "tableWidgetAllEntries", "tableWidgetTotalTabEntries", "tableWidgetCategoryRecentEntries" })
+        QCOMPARE(fixture.table(name)->rowCount(), 0);
+    QCOMPARE(fixture.labelText("labelTotalTabGlobalTotal"),
+             QStringLiteral("<font color=#ff0202> Global Total: 0 </font>"));
+    QVERIFY(fixture.pieIn("scrollAreaTotalPieChartCategories")->entries().isEmpty());
+}
+
+void TestHistoryWidget::totalTableListsTheFirstTenDaysFromTheOldestEntry_data()
+{
+    QTest::addColumn<int>("spanDays");
+    QTest::addColumn<QStringList>("listed");
+
+    QTest::newRow("exactly ten days") << 10 << QStringList { "Newest", "Middle", "Oldest" };
+    QTest::newRow("eleven days") << 11 << QStringList { "Middle", "Oldest" };
+}
+
+void TestHistoryWidget::totalTableListsTheFirstTenDaysFromTheOldestEntry()
+{
+    QFETCH(int, spanDays);
+    QFETCH(QStringList, listed);
+
+    HistoryFixture fixture;
+    const QDateTime oldest = at(2026, 11, 1, 9, 30);
+    fixture.add("Oldest", "Food", oldest, 1);
+    fixture.add("Middle", "Food", oldest.addDays(5), 2);
+    fixture.add("Newest", "Food", oldest.addDays(spanDays), 3);
+    fixture.build();
+
+    QCOMPARE(columnTexts(fixture.table("tableWidgetTotalTabEntries"), 1), listed);
+    QCOMPARE(fixture.table("tableWidgetAllEntries")->rowCount(), 3);
+}
+
+void TestHistoryWidget::categoriesOfThirtyAndSeventyMakeSlicesOfThirtyAndSeventyPerCent()
+{
+    HistoryFixture fixture;
+    fixture.add("Bread", "Food", at(2026, 11, 14), 12.5);
+    fixture.add("Taxi", "Travel", at(2026, 11, 15), 70);
+    fixture.add("Cheese", "Food", at(2026, 11, 13), 17.5);
+    fixture.build();
+
+    const QHash<QString, int> slices = fixture.pieIn("scrollAreaTotalPieChartCategories")->entries();
+    QCOMPARE(slices.size(), 2);
+    QCOMPARE(slices.value("Food - 30 % ", -1), 30);
+    QCOMPARE(slices.value("Travel - 70 % ", -1), 70);
+    QCOMPARE(fixture.labelText("labelTotalTabGlobalTotal"),
+             QStringLiteral("<font color=#ff0202> Global Total: 100 </font>"));
+}
+
+void TestHistoryWidget::sliceValuesAreTruncatedWhileSharesUseTheFullTotal()
+{
+    HistoryFixture fixture;
+    fixture.add("Bread", "Food", at(2026, 11, 14), 3);
+    fixture.add("Taxi", "Travel", at(2026, 11, 15), 2.5);
+    fixture.add("Bus", "Travel", at(2026, 11, 12), 1.5);
+    fixture.add("Pen", "Office", at(2026, 11, 10), 12.75);
+    fixture.build();
+
+    const QHash<QString, int> slices = fixture.pieIn("scrollAreaTotalPieChartCategories")->entries();
+    QCOMPARE(slices.size(), 3);
+    // 3 of 19.75 and 4 of 19.75, in single precision.
+    const float global = 19.75f;
+    const auto share = [global](float total) {
+        const float ratio = total / global;
+        return QString::number(double(ratio * 100.0f), 'g', 6);
+    };
+    QCOMPARE(share(3.0f), QStringLiteral("15.1899"));
+    QCOMPARE(slices.value("Food - " + share(3.0f) + " % ", -1), 3);
+    QCOMPARE(slices.value("Travel - " + share(4.0f) + " % ", -1), 4);
+    QCOMPARE(slices.value("Office - " + share(12.75f) + " % ", -1), 12);
+    QCOMPARE(fixture.labelText("labelTotalTabGlobalTotal"),
+             QStringLiteral("<font color=#ff0202> Global Total: 19.75 </font>"));
+}
+
+void TestHistoryWidget::startEqualsEndGivesOneBucketInEveryPeriod()
+{
+    HistoryFixture fixture;
+    fixture.add("Bread", "Food", at(2025, 3, 5), 4);
+    fixture.add("Taxi", "Travel", at(2025, 3, 5), 6);
+    fixture.add("Old", "Food", at(2025, 3, 1), 100);
+    fixture.build();
+    QCOMPARE(fixture.startEdit()->date(), QDate(2025, 3, 5));
+
+    fixture.tabs()->setCurrentIndex(1);
+    QVERIFY(savedGraphShows(fixture, dailyGraph, { { textDate(QDate(2025, 3, 5)), "10" } }));
+    fixture.periodBox()->setCurrentIndex(1);
+    QVERIFY(savedGraphShows(fixture, weeklyGraph, { { "Week 1", "10" } }));
+    fixture.periodBox()->setCurrentIndex(2);
+    QVERIFY(savedGraphShows(fixture, monthlyGraph, { { "March", "10" } }));
+    QCOMPARE(fixture.table("tableWidgetDattewiseTabEntries")->rowCount(), 2);
+}
+
+void TestHistoryWidget::dailyGraphKeepsADayWithoutEntriesAsZero()
+{
+    HistoryFixture fixture;
+    fixture.add("Bread", "Food", at(2025, 3, 1), 4.5);
+    fixture.add("Taxi", "Travel", at(2025, 3, 3), 9);
+    fixture.build();
+
+    fixture.tabs()->setCurrentIndex(1);
+    fixture.startEdit()->setDate(QDate(2025, 3, 1));
+
+    const QImage expected = expectedGraph({ { textDate(QDate(2025, 3, 1)), "4.5" },
+                                            { textDate(QDate(2025, 3, 2)), "0" },
+                                            { textDate(QDate(2025, 3, 3)), "9" } },
+                                          QSize(401, 281));
+    QVERIFY(!expected.isNull());
+    QCOMPARE(fixture.savedImage(dailyGraph), expected);
+    // A graph without the empty middle day would differ.
+    QVERIFY(fixture.savedImage(dailyGraph) !=
+            expectedGraph({ { textDate(QDate(2025, 3, 1)), "4.5" }, { textDate(QDate(2025, 3, 3)), "9" } },
+                          QSize(401, 281)));
+}
+
+void TestHistoryWidget::weeklyGraphFromAWednesdayOverFifteenDaysHasThreeWeeks()
+{
+    HistoryFixture fixture;
+    // 5 March 2025 is a Wednesday; weeks run Wednesday to Tuesday.
+    fixture.add("A", "Food", at(2025, 3, 5), 1);
+    fixture.add("B", "Food", at(2025, 3, 11), 2);
+    fixture.add("C", "Food", at(2025, 3, 12), 5);
+    fixture.add("D", "Food", at(2025, 3, 19), 4);
+    fixture.build();
+
+    fixture.tabs()->setCurrentIndex(1);
+    fixture.startEdit()->setDate(QDate(2025, 3, 5));
+    fixture.periodBox()->setCurrentText("Weekly");
+
+    QVERIFY(savedGraphShows(fixture, weeklyGraph, { { "Week 1", "3" }, { "Week 2", "5" }, { "Week 3", "4" } }));
+}
+
+void TestHistoryWidget::monthlyGraphFromThirtyJanuaryToSecondMarchHasThreeMonths()
+{
+    HistoryFixture fixture;
+    fixture.add("A", "Food", at(2025, 1, 30), 1);
+    fixture.add("B", "Food", at(2025, 1, 31), 2);
+    fixture.add("C", "Food", at(2025, 2, 15), 10);
+    fixture.add("D", "Travel", at(2025, 3, 2), 4);
+    fixture.build();
+
+    fixture.tabs()->setCurrentIndex(1);
+    fixture.startEdit()->setDate(QDate(2025, 1, 30));
+    fixture.periodBox()->setCurrentText("Monthly");
+
+    QVERIFY(savedGraphShows(fixture, monthlyGraph, { { "January", "3" }, { "February", "10" }, { "March", "4" } }));
+    QCOMPARE(fixture.labelText("labelDatewiseTabTotal"),
+             QStringLiteral("<font color=#ff2411> Total Spending in the period= 17 </font>"));
+}
+
+void TestHistoryWidget::dateEditsCarryMidnightSoLaterEntriesOfTheEndDayAreOutside()
+{
+    HistoryFixture fixture;
+    fixture.add("Midnight", "Food", at(2025, 3, 5), 1);
+    fixture.add("Morning", "Food", at(2025, 3, 5, 9, 0), 2);
+    fixture.add("Before", "Food", at(2025, 3, 4, 18, 0), 4);
+    fixture.build();
+
+    fixture.tabs()->setCurrentIndex(1);
+    QCOMPARE(columnTexts(fixture.table("tableWidgetDattewiseTabEntries"), 1), QStringList { "Midnight" });
+
+    fixture.startEdit()->setDate(QDate(2025, 3, 4));
+    QCOMPARE(columnTexts(fixture.table("tableWidgetDattewiseTabEntries"), 1), (QStringList { "Midnight", "Before" }));
+    QCOMPARE(fixture.labelText("labelDatewiseTabTotal"),
+             QStringLiteral("<font color=#ff2411> Total Spending in the period= 5 </font>"));
+}
+
+void TestHistoryWidget::twoEntriesOfOneCategoryOnDifferentDaysMakeOnePieSlice()
+{
+    HistoryFixture fixture;
+    fixture.add("Bread", "Food", at(2025, 3, 3), 2.5);
+    fixture.add("Taxi", "Travel", at(2025, 3, 4), 9.9);
+    fixture.add("Cheese", "Food", at(2025, 3, 5), 4);
+    fixture.build();
+
+    fixture.tabs()->setCurrentIndex(1);
+    fixture.startEdit()->setDate(QDate(2025, 3, 3));
+
+    const QHash<QString, int> slices = fixture.pieIn("scrollAreaDateWisePieChart")->entries();
+    QCOMPARE(slices.size(), 2);
+    QCOMPARE(slices.value("Food", -1), 6);
+    QCOMPARE(slices.value("Travel", -1), 9);
+}
+
+void TestHistoryWidget::periodTotalLabelShowsTheSumOfTheRange()
+{
+    HistoryFixture fixture;
+    fixture.add("Outside", "Food", at(2025, 2, 27), 1000);
+    fixture.add("Bread", "Food", at(2025, 3, 1), 0.1);
+    fixture.add("Taxi", "Travel", at(2025, 3, 2), 12.5);
+    fixture.add("Ring", "Gifts", at(2025, 3, 3), 1234567);
+    fixture.build();
+
+    fixture.tabs()->setCurrentIndex(1);
+    fixture.startEdit()->setDate(QDate(2025, 3, 1));
+
+    float sum = 0;
+    sum += 1234567.0f;
+    sum += 12.5f;
+    sum += 0.1f;
+    QCOMPARE(fixture.labelText("labelDatewiseTabTotal"),
+             QStringLiteral("<font color=#ff2411> Total Spending in the period= %1 </font>")
+                 .arg(QString::number(double(sum), 'g', 6)));
+    QVERIFY(fixture.labelText("labelDatewiseTabTotal").contains("= 1.23458e+06 "));
+}
+
+void TestHistoryWidget::eachPeriodWritesItsGraphAtTheSizeOfTheGraphArea()
+{
+    HistoryFixture fixture;
+    fixture.add("Bread", "Food", at(2025, 3, 1), 3);
+    fixture.add("Taxi", "Travel", at(2025, 4, 20), 7);
+    fixture.build();
+
+    fixture.tabs()->setCurrentIndex(1);
+    fixture.startEdit()->setDate(QDate(2025, 3, 1));
+    fixture.periodBox()->setCurrentIndex(1);
+    fixture.periodBox()->setCurrentIndex(2);
+
+    const QSize area = fixture.child<QScrollArea>("scrollAreaDateWiseLineChart")->size();
+    QCOMPARE(area, QSize(401, 281));
+    for (const char *name : { dailyGraph, weeklyGraph, monthlyGraph }) {
+        QVERIFY2(fixture.fileExists(name), name);
+        QCOMPARE(fixture.savedImage(name).size(), area);
+    }
+    QCOMPARE(fixture.savedImage(categoryGraph).size(),
+             fixture.child<QScrollArea>("scrollAreaCategoryLineChart")->size());
+}
+
+void TestHistoryWidget::rangeWithoutEntriesIsReportedAndTheTabKeepsItsContents()
+{
+    HistoryFixture fixture;
+    fixture.add("Bread", "Food", at(2025, 3, 1), 3);
+    fixture.add("Taxi", "Travel", at(2025, 3, 5), 7);
+    fixture.build();
+
+    fixture.tabs()->setCurrentIndex(1);
+    fixture.startEdit()->setDate(QDate(2025, 3, 2));
+    const QString label = fixture.labelText("labelDatewiseTabTotal");
+    QWidget *graph = fixture.chartIn("scrollAreaDateWiseLineChart");
+    QWidget *pie = fixture.chartIn("scrollAreaDateWisePieChart");
+    QCOMPARE(columnTexts(fixture.table("tableWidgetDattewiseTabEntries"), 1), QStringList { "Taxi" });
+
+    MessageBoxAnswerer answerer;
+    answerer.answer(QMessageBox::Ok);
+    fixture.endEdit()->setDate(QDate(2025, 3, 4));
+
+    QCOMPARE(answerer.texts(), QStringList { "No Entries between the given dates" });
+    QVERIFY2(answerer.errors().isEmpty(), qPrintable(answerer.errors().join('\n')));
+    const SeenMessageBox &box = answerer.seen().constFirst();
+    QCOMPARE(box.buttons, QMessageBox::StandardButtons(QMessageBox::Ok));
+    QCOMPARE(box.defaultButton, QMessageBox::Ok);
+    QVERIFY(!box.hasParent);
+
+    QCOMPARE(fixture.labelText("labelDatewiseTabTotal"), label);
+    QCOMPARE(fixture.chartIn("scrollAreaDateWiseLineChart"), graph);
+    QCOMPARE(fixture.chartIn("scrollAreaDateWisePieChart"), pie);
+    QCOMPARE(columnTexts(fixture.table("tableWidgetDattewiseTabEntries"), 1), QStringList { "Taxi" });
+}
+
+void TestHistoryWidget::startAfterEndIsReportedByThePeriodBoxWhichResetsTheEndDate()
+{
+    HistoryFixture fixture;
+    fixture.add("Bread", "Food", at(2025, 3, 1), 3);
+    fixture.add("Taxi", "Travel", at(2025, 3, 3), 7);
+    fixture.build();
+    fixture.tabs()->setCurrentIndex(1);
+
+    MessageBoxAnswerer answerer;
+    answerer.answer({ QMessageBox::Ok, QMessageBox::Ok });
+
+    // A date edit does not compare the dates: the reversed range simply
+    // holds no entries.
+    fixture.endEdit()->setDate(QDate(2025, 3, 1));
+    QCOMPARE(answerer.texts(), QStringList { "No Entries between the given dates" });
+    QCOMPARE(fixture.endEdit()->date(), QDate(2025, 3, 1));
+
+    fixture.periodBox()->setCurrentText("Weekly");
+
+    QCOMPARE(answerer.texts(),
+             (QStringList { "No Entries between the given dates", "Start date cannot be after end date" }));
+    QVERIFY2(answerer.errors().isEmpty(), qPrintable(answerer.errors().join('\n')));
+    const SeenMessageBox &box = answerer.seen().constLast();
+    QCOMPARE(box.buttons, QMessageBox::StandardButtons(QMessageBox::Ok));
+    QCOMPARE(box.defaultButton, QMessageBox::Ok);
+    QVERIFY(!box.hasParent);
+
+    QCOMPARE(fixture.endEdit()->dateTime(), fixture.startEdit()->dateTime());
+    QCOMPARE(fixture.endEdit()->date(), QDate(2025, 3, 3));
+    QVERIFY(savedGraphShows(fixture, weeklyGraph, { { "Week 1", "7" } }));
+}
+
+void TestHistoryWidget::categoryUsedAtThreeDateTimesOverFiveDaysShowsItsSixFigures()
+{
+    HistoryFixture fixture;
+    fixture.add("Bread", "Food", at(2025, 3, 1, 10), 5);
+    fixture.add("Cheese", "Food", at(2025, 3, 3, 10), 10);
+    fixture.add("Taxi", "Travel", at(2025, 3, 4, 10), 90);
+    fixture.add("Fish", "Food", at(2025, 3, 6, 10), 15);
+    fixture.build();
+
+    fixture.categoryBox()->setCurrentText("Food");
+    QCOMPARE(fixture.categoryBox()->currentText(), QStringLiteral("Food"));
+
+    QCOMPARE(fixture.labelText("labelCategoryTabCategoryTotal"), categoryLabel("Category Total: 30"));
+    QCOMPARE(fixture.labelText("labelCategoryTabDaysUse"), categoryLabel("Days in use: 3"));
+    QCOMPARE(fixture.labelText("labelCategoryTabCalanderDaysUse"), categoryLabel("Calander days in use: 5"));
+    QCOMPARE(fixture.labelText("labelCategoryTabAvgDaysUse"), categoryLabel("Daily Average: 10"));
+    QCOMPARE(fixture.labelText("labelCategoryTabAvgCalanderDaysUse"), categoryLabel("Daily Calander Average: 6"));
+    QCOMPARE(fixture.labelText("labelCategoryTabCategoryPercent"), categoryLabel("% Contribution in Total: 25"));
+    QCOMPARE(columnTexts(fixture.table("tableWidgetCategoryRecentEntries"), 1),
+             (QStringList { "Fish", "Cheese", "Bread" }));
+}
+
+void TestHistoryWidget::categoryOfTwentyFiveOutOfTwoHundredContributesTwelveAndAHalfPerCent()
+{
+    HistoryFixture fixture;
+    fixture.add("Bread", "Food", at(2025, 3, 1, 10), 25);
+    fixture.add("Taxi", "Travel", at(2025, 3, 4, 10), 175);
+    fixture.build();
+
+    fixture.categoryBox()->setCurrentText("Food");
+    QCOMPARE(fixture.labelText("labelCategoryTabCategoryPercent"), categoryLabel("% Contribution in Total: 12.5"));
+    // Used at one date-time: no calendar span, an infinite calendar average.
+    QCOMPARE(fixture.labelText("labelCategoryTabCalanderDaysUse"), categoryLabel("Calander days in use: 0"));
+    QCOMPARE(fixture.labelText("labelCategoryTabAvgCalanderDaysUse"), categoryLabel("Daily Calander Average: inf"));
+}
+
+void TestHistoryWidget::categoryListsItsEntriesFromTheTenthNewestDateTime_data()
+{
+    QTest::addColumn<int>("dateTimes");
+    QTest::addColumn<int>("rows");
+
+    QTest::newRow("ten date-times: all") << 10 << 10;
+    QTest::newRow("eleven date-times: the ten newest") << 11 << 10;
+}
+
+void TestHistoryWidget::categoryListsItsEntriesFromTheTenthNewestDateTime()
+{
+    QFETCH(int, dateTimes);
+    QFETCH(int, rows);
+
+    HistoryFixture fixture;
+    for (int i = 0; i < dateTimes; ++i)
+        fixture.add(QStringLiteral("Item %1").arg(i + 1), "Food", at(2025, 3, 1, 8).addDays(i), 1);
+    fixture.build();
+
+    QTableWidget *table = fixture.table("tableWidgetCategoryRecentEntries");
+    QCOMPARE(table->rowCount(), rows);
+    const QStringList items = columnTexts(table, 1);
+    QCOMPARE(items.first(), QStringLiteral("Item %1").arg(dateTimes));
+    QCOMPARE(items.last(), QStringLiteral("Item %1").arg(dateTimes - 9));
+    QCOMPARE(items.contains("Item 1"), dateTimes <= 10);
+    QCOMPARE(fixture.labelText("labelCategoryTabDaysUse"),
+             categoryLabel(QStringLiteral("Days in use: %1").arg(dateTimes)));
+}
+
+void TestHistoryWidget::twoEntriesOfTheCategoryOnOneDayMakeOneGraphPoint()
+{
+    HistoryFixture fixture;
+    fixture.add("Bread", "Food", at(2025, 3, 4, 9), 4);
+    fixture.add("Cheese", "Food", at(2025, 3, 5, 9), 2);
+    fixture.add("Fish", "Food", at(2025, 3, 5, 18), 3);
+    fixture.build();
+
+    const QImage expected =
+        expectedGraph({ { textDate(QDate(2025, 3, 5)), "5" }, { textDate(QDate(2025, 3, 4)), "4" } }, QSize(401, 281));
+    QVERIFY(!expected.isNull());
+    QCOMPARE(fixture.savedImage(categoryGraph), expected);
+    QVERIFY(qobject_cast<ZRLineGraph *>(fixture.chartIn("scrollAreaCategoryLineChart")));
+    QCOMPARE(fixture.labelText("labelCategoryTabDaysUse"), categoryLabel("Days in use: 3"));
+}
+
+void TestHistoryWidget::choosingAnotherCategoryRecomputesTheTab()
+{
+    HistoryFixture fixture;
+    fixture.add("Bread", "Food", at(2025, 3, 1, 10), 5);
+    fixture.add("Taxi", "Travel", at(2025, 3, 4, 10), 95);
+    fixture.build();
+
+    QComboBox *box = fixture.categoryBox();
+    QCOMPARE(box->count(), 2);
+    QVERIFY(box->findText("Food") >= 0);
+    QVERIFY(box->findText("Travel") >= 0);
+
+    box->setCurrentText("Food");
+    QCOMPARE(fixture.labelText("labelCategoryTabCategoryTotal"), categoryLabel("Category Total: 5"));
+    QCOMPARE(columnTexts(fixture.table("tableWidgetCategoryRecentEntries"), 1), QStringList { "Bread" });
+    box->setCurrentText("Travel");
+    QCOMPARE(fixture.labelText("labelCategoryTabCategoryTotal"), categoryLabel("Category Total: 95"));
+    QCOMPARE(fixture.labelText("labelCategoryTabCategoryPercent"), categoryLabel("% Contribution in Total: 95"));
+    QCOMPARE(columnTexts(fixture.table("tableWidgetCategoryRecentEntries"), 1), QStringList { "Taxi" });
+}
+
+void TestHistoryWidget::historyOpensThePageOnceAnEntryExists()
+{
+    TempHome home(TempHome::CurrentDir::Enter);
+    MainWindow window;
+    QScrollArea *host = window.findChild<QScrollArea *>("scrollArea_2");
+    QStackedWidget *stack = window.findChild<QStackedWidget *>("stackedWidget");
+    QPushButton *history = window.findChild<QPushButton *>("pushButtonHistory");
+
+    MessageBoxAnswerer answerer;
+    answerer.answer(QMessageBox::Ok);
+    history->click();
+    QCOMPARE(answerer.texts(), QStringList { "No Entries added. Kindly add entry first" });
+    QVERIFY(!qobject_cast<HistoryWidget *>(host->widget()));
+
+    RawDatabase raw(home.databasePath());
+    QVERIFY(raw.insertEntry("Coffee", "Drinks", at(2026, 11, 15, 8, 30), 2.5));
+    history->click();
+
+    QPointer<HistoryWidget> first = qobject_cast<HistoryWidget *>(host->widget());
+    QVERIFY(first);
+    QCOMPARE(first->parentWidget(), host->viewport());
+    QCOMPARE(stack->currentIndex(), 2);
+    QVERIFY(!host->widgetResizable());
+    QCOMPARE(first->size(), QSize(888, 761));
+    QCOMPARE(answerer.seen().size(), 1);
+
+    // Every press builds a fresh page and drops the one before.
+    history->click();
+    QVERIFY(!first);
+    QVERIFY(qobject_cast<HistoryWidget *>(host->widget()));
+}
+
+void TestHistoryWidget::tappingRowZeroOfEntriesShowsTheNewestEntryAndTappingAgainReplacesIt()
+{
+    TempHome home(TempHome::CurrentDir::Enter);
+    {
+        DatabaseManager store(nullptr);
+    }
+    RawDatabase raw(home.databasePath());
+    QVERIFY(raw.insertEntry("Bread", "Food", at(2026, 11, 14, 9), 3));
+    QVERIFY(raw.insertEntry("Coffee", "Drinks", at(2026, 11, 15, 8, 30), 2.5));
+    QVERIFY(raw.insertEntry("Ticket", "Travel", at(2026, 11, 13, 18), 40));
+
+    MainWindow window;
+    window.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&window));
+    window.findChild<QPushButton *>("pushButtonHistory")->click();
+    auto *page = qobject_cast<HistoryWidget *>(window.findChild<QScrollArea *>("scrollArea_2")->widget());
+    QVERIFY(page);
+    page->findChild<QTabWidget *>("tabWidgetHistoryContainer")->setCurrentIndex(3);
+    QTableWidget *table = page->findChild<QTableWidget *>("tableWidgetAllEntries");
+    QScrollArea *detailsArea = page->findChild<QScrollArea *>("scrollAreaAllEntriesEntryDetails");
+    QTRY_VERIFY(table->isVisible());
+
+    const auto shownItem = [detailsArea]() -> QString {
+        auto *details = qobject_cast<EntryDetailsWidget *>(detailsArea->widget());
+        if (!details)
+            return {};
+        auto *fields = details->findChild<QTableWidget *>("tableWidget");
+        auto *value = fields ? qobject_cast<QLabel *>(fields->cellWidget(0, 1)) : nullptr;
+        return value ? value->text() : QString();
+    };
+
+    clickCell(table, 0, 2);
+    QPointer<QWidget> firstDetails = detailsArea->widget();
+    QVERIFY(qobject_cast<EntryDetailsWidget *>(firstDetails));
+    QVERIFY2(shownItem().contains(" Coffee "), qPrintable(shownItem()));
+
+    clickCell(table, 1, 4);
+    QVERIFY(!firstDetails);
+    QVERIFY2(shownItem().contains(" Bread "), qPrintable(shownItem()));
+
+    window.close();
+}
+
+void TestHistoryWidget::tappingARowOfTheCategoryTableChangesNothing()
+{
+    TempHome home(TempHome::CurrentDir::Enter);
+    {
+        DatabaseManager store(nullptr);
+    }
+    RawDatabase raw(home.databasePath());
+    QVERIFY(raw.insertEntry("Bread", "Food", at(2026, 11, 14, 9), 3));
+    QVERIFY(raw.insertEntry("Cheese", "Food", at(2026, 11, 15, 9), 4));
+
+    MainWindow window;
+    window.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&window));
+    window.findChild<QPushButton *>("pushButtonHistory")->click();
+    auto *page = qobject_cast<HistoryWidget *>(window.findChild<QScrollArea *>("scrollArea_2")->widget());
+    QVERIFY(page);
+    QTableWidget *table = page->findChild<QTableWidget *>("tableWidgetCategoryRecentEntries");
+    QTRY_VERIFY(table->isVisible());
+    QCOMPARE(table->rowCount(), 2);
+
+    QSignalSpy clicked(table, &QTableWidget::cellClicked);
+    QWidget *graph = page->findChild<QScrollArea *>("scrollAreaCategoryLineChart")->widget();
+    QWidget *details = page->findChild<QScrollArea *>("scrollAreaAllEntriesEntryDetails")->widget();
+    const QString total = page->findChild<QLabel *>("labelCategoryTabCategoryTotal")->text();
+    const QStringList firstRow = rowTexts(table, 0);
+
+    clickCell(table, 1, 1);
+
+    QCOMPARE(clicked.count(), 1);
+    QCOMPARE(page->findChild<QTabWidget *>("tabWidgetHistoryContainer")->currentIndex(), 0);
+    QCOMPARE(page->findChild<QScrollArea *>("scrollAreaCategoryLineChart")->widget(), graph);
+    QCOMPARE(page->findChild<QScrollArea *>("scrollAreaAllEntriesEntryDetails")->widget(), details);
+    QCOMPARE(details->objectName(), QStringLiteral("scrollAreaWidgetContents_6"));
+    QCOMPARE(page->findChild<QLabel *>("labelCategoryTabCategoryTotal")->text(), total);
+    QCOMPARE(rowTexts(table, 0), firstRow);
+    QVERIFY(!page->findChild<EntryDetailsWidget *>());
+
+    window.close();
+}
+
+LEDGERLY_TEST_MAIN(TestHistoryWidget)
+
+#include "tst_historywidget.moc"
