@@ -32,6 +32,73 @@ private:
     QList<Entry *> list;
 };
 
+// One cell of an entry table. It keeps the entry's value and writes the text
+// when the view asks for it: the view asks only for the rows on screen (and a
+// sample when fitting columns), while a table of years of entries would
+// otherwise format and hold several hundred thousand texts up front. The text
+// and the red come through the item's data, so text() and foreground() read
+// as if they had been set.
+class EntryCell : public QTableWidgetItem
+{
+public:
+    QVariant data(int role) const override
+    {
+        QVariant stored = QTableWidgetItem::data(role);
+        if (stored.isValid())
+            return stored;
+        if (role == Qt::DisplayRole || role == Qt::EditRole)
+            return cellText();
+        if (role == Qt::ForegroundRole)
+            return QBrush(QColor(0xff, 0x00, 0x00));
+        return stored;
+    }
+
+protected:
+    EntryCell() { setFlags(flags() & ~Qt::ItemIsEditable); }
+    EntryCell(const EntryCell &) = default;
+
+    virtual QString cellText() const = 0;
+};
+
+template<typename Value, QString (*Text)(const Value &)> class EntryValueCell final : public EntryCell
+{
+public:
+    explicit EntryValueCell(const Value &value) : value(value) { }
+
+    QTableWidgetItem *clone() const override { return new EntryValueCell(*this); }
+
+protected:
+    QString cellText() const override { return Text(value); }
+
+private:
+    Value value;
+};
+
+QString rowNumberText(const int &rowNumber)
+{
+    return QString::number(rowNumber);
+}
+
+QString plainText(const QString &text)
+{
+    return text;
+}
+
+QString priceText(const float &price)
+{
+    return Format::number(double(price));
+}
+
+QString dateTimeText(const QDateTime &dateTime)
+{
+    return Format::dateTime(dateTime);
+}
+
+using RowNumberCell = EntryValueCell<int, rowNumberText>;
+using TextCell = EntryValueCell<QString, plainText>;
+using PriceCell = EntryValueCell<float, priceText>;
+using DateTimeCell = EntryValueCell<QDateTime, dateTimeText>;
+
 } // namespace
 
 HistoryWidget::HistoryWidget(QPointer<DatabaseManager> dbManager, QWidget *parent)
@@ -219,22 +286,15 @@ void HistoryWidget::fillEntryTable(QTableWidget *table, const QList<Entry *> &en
     table->horizontalHeader()->setSectionResizeMode(QHeaderView::Stretch);
 
     // Items, not a label per cell: label cells cost a widget each and do not
-    // survive years of entries. Same texts, same red, read-only.
-    const QBrush red(QColor(0xff, 0x00, 0x00));
-    const auto cell = [&red](const QString &text) {
-        auto *item = new QTableWidgetItem(text);
-        item->setFlags(item->flags() & ~Qt::ItemIsEditable);
-        item->setForeground(red);
-        return item;
-    };
+    // survive years of entries.
     for (int row = 0; row < entries.size(); ++row) {
         const Entry *entry = entries.at(row);
-        table->setItem(row, 0, cell(QString::number(row + 1)));
-        table->setItem(row, 1, cell(entry->ItemName));
-        table->setItem(row, 2, cell(entry->CategoryName));
-        table->setItem(row, 3, cell(Format::number(entry->Price)));
-        table->setItem(row, 4, cell(Format::dateTime(entry->TransactDateTime)));
-        table->setItem(row, 5, cell(entry->LocationText));
+        table->setItem(row, 0, new RowNumberCell(row + 1));
+        table->setItem(row, 1, new TextCell(entry->ItemName));
+        table->setItem(row, 2, new TextCell(entry->CategoryName));
+        table->setItem(row, 3, new PriceCell(entry->Price));
+        table->setItem(row, 4, new DateTimeCell(entry->TransactDateTime));
+        table->setItem(row, 5, new TextCell(entry->LocationText));
     }
 }
 
