@@ -217,13 +217,13 @@ void HistoryWidget::ShowDateWiseDetails()
 
     QList<LabelledTotal> buckets;
     QString fileName;
-    if (period == QLatin1String("Daily")) {
+    if (period == tr("Daily")) {
         buckets = HistoryBuckets::dailyBuckets(start.date(), end.date(), days);
         fileName = QStringLiteral("QtDateWiseDailyLineGraph.png");
-    } else if (period == QLatin1String("Weekly")) {
+    } else if (period == tr("Weekly")) {
         buckets = HistoryBuckets::weeklyBuckets(start.date(), end.date(), days);
         fileName = QStringLiteral("QtDateWiseWeeklyLineGraph.png");
-    } else if (period == QLatin1String("Monthly")) {
+    } else if (period == tr("Monthly")) {
         buckets = HistoryBuckets::monthlyBuckets(start.date(), end.date(), days);
         fileName = QStringLiteral("QtDateWiseMonthlyLineGraph.png");
     }
