@@ -250,6 +250,15 @@ bool DatabaseManager::setupDatabase(QString dbname)
         return false;
     }
 
+    {
+        // Reports read the entry table once per category, without an index;
+        // SQLite's default page cache (2 MB) holds about 20,000 entries, so
+        // ten years of data would be read from the file again on every scan.
+        // This is a setting of the connection, not of the file.
+        QSqlQuery cache(db);
+        cache.exec(QStringLiteral("PRAGMA cache_size = -65536"));
+    }
+
     createCategoryTable();
     createItemsTable();
     createModeTable();
