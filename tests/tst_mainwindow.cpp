@@ -1,4 +1,6 @@
+#include "addentrywidget.h"
 #include "databasemanager.h"
+#include "historywidget.h"
 #include "mainwindow.h"
 
 #include "messageboxanswerer.h"
@@ -12,9 +14,11 @@
 #include <QGroupBox>
 #include <QImageReader>
 #include <QLabel>
+#include <QLineEdit>
 #include <QPushButton>
 #include <QScrollArea>
 #include <QStackedWidget>
+#include <QTableWidget>
 #include <QTextDocument>
 #include <QtTest>
 
@@ -68,6 +72,9 @@ private slots:
     void aboutAndHomeSwitchTheStackedPage();
     void historyOnAnEmptyStoreExplainsWhyAndStays();
     void historyStaysAvailableAfterEntriesAreDeleted();
+    void historyOpensOnceAnEntryWasAddedOnTheNewEntryPage();
+    void everyDataPageKeepsItsBlackBackgroundInTheItalicHost_data();
+    void everyDataPageKeepsItsBlackBackgroundInTheItalicHost();
     void constructionCreatesTheDatabaseFileInTheHomeDirectory();
 
     void resourcesAreCompiledIn();
@@ -262,7 +269,7 @@ void TestMainWindow::historyOnAnEmptyStoreExplainsWhyAndStays()
 
 void TestMainWindow::historyStaysAvailableAfterEntriesAreDeleted()
 {
-    TempHome home;
+    TempHome home(TempHome::CurrentDir::Enter);
     {
         DatabaseManager store(nullptr);
     }
@@ -274,12 +281,91 @@ void TestMainWindow::historyStaysAvailableAfterEntriesAreDeleted()
     QVERIFY(raw.exec(QStringLiteral("DELETE FROM Entry")));
     QCOMPARE(raw.scalar(QStringLiteral("SELECT COUNT(*) FROM Entry")).toInt(), 0);
 
-    // Once entries were seen the refusal never comes back.
+    // Once entries were seen the refusal never comes back: the history page
+    // opens on the empty store.
     MessageBoxAnswerer answerer;
     click(window, "pushButtonHistory");
     QCoreApplication::processEvents();
     QVERIFY(answerer.seen().isEmpty());
     QVERIFY(answerer.errors().isEmpty());
+    QCOMPARE(stack(window)->currentIndex(), 2);
+    QVERIFY(qobject_cast<HistoryWidget *>(child<QScrollArea>(window, "scrollArea_2")->widget()));
+}
+
+void TestMainWindow::historyOpensOnceAnEntryWasAddedOnTheNewEntryPage()
+{
+    TempHome home(TempHome::CurrentDir::Enter);
+    qunsetenv("LEDGERLY_GEOLOCATION_URL");
+    MainWindow window;
+    auto *host = child<QScrollArea>(window, "scrollArea_2");
+
+    MessageBoxAnswerer answerer;
+    answerer.answer(QMessageBox::Ok);
+    click(window, "pushButtonHistory");
+    QCOMPARE(answerer.texts(), QStringList { QStringLiteral("No Entries added. Kindly add entry first") });
+    QCOMPARE(stack(window)->currentIndex(), 0);
+
+    click(window, "pushButtonNewEntry");
+    auto *page = qobject_cast<AddEntryWidget *>(host->widget());
+    QVERIFY(page);
+    QTest::keyClicks(page->findChild<QLineEdit *>(QStringLiteral("lineEditItemName")), QStringLiteral("Coffee"));
+    QTest::keyClicks(page->findChild<QLineEdit *>(QStringLiteral("lineEditAmount")), QStringLiteral("2.50"));
+    QTest::keyClicks(page->findChild<QLineEdit *>(QStringLiteral("lineEditLocation")), QStringLiteral("Corner cafe"));
+    answerer.answer({ QMessageBox::Save, QMessageBox::Ok });
+    page->findChild<QPushButton *>(QStringLiteral("pushButtonAdd"))->click();
+    QCOMPARE(answerer.seen().size(), 3);
+    QCOMPARE(answerer.seen().at(2).text, QStringLiteral("Entry added to the database successfully"));
+
+    click(window, "pushButtonHistory");
+    QCOMPARE(answerer.seen().size(), 3);
+    QVERIFY2(answerer.errors().isEmpty(), qPrintable(answerer.errors().join('\n')));
+    QCOMPARE(stack(window)->currentIndex(), 2);
+    auto *history = qobject_cast<HistoryWidget *>(host->widget());
+    QVERIFY(history);
+    auto *entries = history->findChild<QTableWidget *>(QStringLiteral("tableWidgetAllEntries"));
+    QCOMPARE(entries->rowCount(), 1);
+    QCOMPARE(entries->item(0, 1)->text(), QStringLiteral("Coffee"));
+}
+
+void TestMainWindow::everyDataPageKeepsItsBlackBackgroundInTheItalicHost_data()
+{
+    QTest::addColumn<QByteArray>("button");
+    QTest::addColumn<QString>("pageName");
+    QTest::newRow("new entry") << QByteArray("pushButtonNewEntry") << "AddEntryWidget";
+    QTest::newRow("history") << QByteArray("pushButtonHistory") << "HistoryWidget";
+    QTest::newRow("options") << QByteArray("pushButtonOptions") << "OptionsWidget";
+}
+
+void TestMainWindow::everyDataPageKeepsItsBlackBackgroundInTheItalicHost()
+{
+    QFETCH(QByteArray, button);
+    QFETCH(QString, pageName);
+
+    TempHome home(TempHome::CurrentDir::Enter);
+    qunsetenv("LEDGERLY_GEOLOCATION_URL");
+    {
+        DatabaseManager store(nullptr);
+    }
+    RawDatabase raw(home.databasePath());
+    QVERIFY(raw.insertEntry(QStringLiteral("Coffee"), QStringLiteral("Drinks"),
+                            QDateTime(QDate(2026, 11, 15), QTime(8, 30)), 2.5));
+
+    MainWindow window;
+    window.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&window));
+    click(window, button.constData());
+    auto *host = child<QScrollArea>(window, "scrollArea_2");
+    QWidget *page = host->widget();
+    QCOMPARE(page->objectName(), pageName);
+    QCOMPARE(page->styleSheet(), QStringLiteral("background-color: rgb(0, 0, 0);"));
+    QCOMPARE(page->size(), QSize(888, 761));
+
+    // The page's own margin, left of its scroll area, shows the page's
+    // black however the host is styled.
+    const QImage shot = page->grab().toImage();
+    QCOMPARE(shot.pixelColor(4, 300), QColor(Qt::black));
+    QCOMPARE(shot.pixelColor(884, 300), QColor(Qt::black));
+    window.close();
 }
 
 void TestMainWindow::constructionCreatesTheDatabaseFileInTheHomeDirectory()
