@@ -4,6 +4,7 @@
 #include "rawdatabase.h"
 #include "temphome.h"
 #include "testmain.h"
+#include "webenginesanitizeroptions.h"
 
 #include <QFile>
 #include <QHeaderView>
@@ -21,29 +22,6 @@
 #include <QtTest>
 
 #include <memory>
-
-#if defined(__SANITIZE_ADDRESS__)
-// The web engine's browser side runs inside this process, prebuilt and not
-// instrumented. Chromium frees some of its objects through a base of another
-// size when a page is destroyed, which AddressSanitizer reports as a
-// new/delete type mismatch inside libQt6WebEngineCore. That one check is off
-// for this executable; every other one stays on, and the store's own tests
-// run with all of them.
-extern "C" const char *__asan_default_options()
-{
-    return "new_delete_type_mismatch=0";
-}
-
-// Chromium keeps process-wide objects until exit, some through its font
-// (fontconfig) and device (udev) back ends. Leaks allocated by the program's
-// own code have no frame in these libraries and are still reported.
-extern "C" const char *__lsan_default_suppressions()
-{
-    return "leak:libQt6WebEngineCore.so\n"
-           "leak:libfontconfig.so\n"
-           "leak:libudev.so\n";
-}
-#endif
 
 struct StoredEntry
 {

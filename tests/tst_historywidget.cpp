@@ -9,6 +9,7 @@
 #include "rawdatabase.h"
 #include "temphome.h"
 #include "testmain.h"
+#include "webenginesanitizeroptions.h"
 
 #include <QComboBox>
 #include <QDateEdit>
@@ -25,28 +26,6 @@
 #include <QtTest>
 
 #include <memory>
-
-#if defined(__SANITIZE_ADDRESS__)
-// Tapping an entry opens its details beside a web map, and the web engine's
-// browser side runs inside this process, prebuilt and not instrumented.
-// Chromium frees some objects through a base of another size when a page
-// goes, which AddressSanitizer reports as a new/delete type mismatch inside
-// libQt6WebEngineCore; that one check is off for this executable. Chromium
-// also keeps process-wide objects until exit, some through fontconfig and
-// udev. A record or widget the page forgets has no frame in these libraries
-// and is still reported.
-extern "C" const char *__asan_default_options()
-{
-    return "new_delete_type_mismatch=0";
-}
-
-extern "C" const char *__lsan_default_suppressions()
-{
-    return "leak:libQt6WebEngineCore.so\n"
-           "leak:libfontconfig.so\n"
-           "leak:libudev.so\n";
-}
-#endif
 
 namespace {
 
