@@ -103,6 +103,8 @@ public:
 // record that an operation returns, alone or inside a QList, is allocated for
 // that call and belongs to the caller, who must delete it (qDeleteAll for
 // lists); the store keeps no pointer to it.
+struct sqlite3;
+
 class DatabaseManager : public QObject
 {
     Q_OBJECT
@@ -241,6 +243,8 @@ private:
     QString firstText(const QString &statement, const Bindings &bindings);
     QDateTime entryDateBound(const QString &statement, const Bindings &bindings = {});
     QList<Entry *> entryList(const QString &clause, const Bindings &bindings = {});
+    // The connection's own SQLite handle, or null when there is none to use.
+    sqlite3 *sqliteHandle() const;
     QList<Items *> itemList(const QString &statement, const Bindings &bindings = {});
     QList<ItemSubstitutes *> itemSubstitutesList(const QString &statement, const Bindings &bindings = {});
     QList<HistoricLocation *> historicLocationList(const QString &statement, const Bindings &bindings = {});
