@@ -275,6 +275,10 @@ void HistoryWidget::ShowAllEntryDetails()
 
 void HistoryWidget::fillEntryTable(QTableWidget *table, const QList<Entry *> &entries, ColumnFit fit)
 {
+    // The sections are stretched right after every fit, which sets their
+    // widths anew; the fit only needs to measure what is on screen, not a
+    // thousand rows of a long table.
+    table->horizontalHeader()->setResizeContentsPrecision(0);
     if (fit == ColumnFit::BeforeRefill)
         table->resizeColumnsToContents();
 
