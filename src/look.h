@@ -10,4 +10,11 @@ public:
     // old 0-99 scale, set after family, size, bold and italic. Qt 6's form
     // compiler drops that legacy weight, so the pages apply it themselves.
     static void applyButtonFontWeight(QWidget *button);
+
+    // The pages are black and name no text colour where the handset's dark
+    // theme gave white: tab titles, check box texts, the text of the bordered
+    // combo boxes and the pie legend. On a desktop whose theme is light that
+    // text would be black on black, so the program sets those few roles
+    // itself. Input fields and tables keep dark text on their pale fills.
+    static void applyApplicationPalette();
 };

@@ -1,3 +1,4 @@
+#include "look.h"
 #include "mainwindow.h"
 
 #include <QApplication>
@@ -7,6 +8,7 @@ int main(int argc, char *argv[])
     // The web engine of the entry details page shares OpenGL contexts.
     QCoreApplication::setAttribute(Qt::AA_ShareOpenGLContexts);
     QApplication a(argc, argv);
+    Look::applyApplicationPalette();
     MainWindow w;
     w.show();
     return a.exec();

@@ -2,6 +2,10 @@
 
 #include "testmain.h"
 
+#include <QCheckBox>
+#include <QComboBox>
+#include <QLabel>
+#include <QLineEdit>
 #include <QPushButton>
 #include <QtTest>
 
@@ -11,6 +15,7 @@ class TestLook : public QObject
 
 private slots:
     void buttonFontWeightIsTheLightestOfTheOldScaleKeepingTheRest();
+    void applicationPaletteWritesWhiteOnTheBlackPagesAndKeepsDarkTextInFields();
 };
 
 void TestLook::buttonFontWeightIsTheLightestOfTheOldScaleKeepingTheRest()
@@ -31,6 +36,39 @@ void TestLook::buttonFontWeightIsTheLightestOfTheOldScaleKeepingTheRest()
     QCOMPARE(applied.pointSize(), 16);
     QVERIFY(!applied.italic());
     QVERIFY(!applied.bold());
+}
+
+void TestLook::applicationPaletteWritesWhiteOnTheBlackPagesAndKeepsDarkTextInFields()
+{
+    const QColor fieldText = QApplication::palette("QLineEdit").color(QPalette::Text);
+    Look::applyApplicationPalette();
+
+    QWidget page;
+    page.setStyleSheet(QStringLiteral("background-color: rgb(0, 0, 0);"));
+    auto *label = new QLabel(QStringLiteral("Category Wise"), &page);
+    auto *combo = new QComboBox(&page);
+    combo->addItem(QStringLiteral("Food"));
+    auto *checkBox = new QCheckBox(QStringLiteral("Add GeoLocation"), &page);
+    auto *field = new QLineEdit(&page);
+    page.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&page));
+
+    QCOMPARE(label->palette().color(QPalette::WindowText), QColor(Qt::white));
+    QCOMPARE(combo->palette().color(QPalette::ButtonText), QColor(Qt::white));
+    QCOMPARE(checkBox->palette().color(QPalette::WindowText), QColor(Qt::white));
+    QCOMPARE(checkBox->palette().color(QPalette::Text), QColor(Qt::white));
+    // Fields have pale fills; their text stays as dark as it was.
+    QCOMPARE(field->palette().color(QPalette::Text), fieldText);
+    QVERIFY(fieldText.lightness() < 128);
+
+    // The label's text is drawn in white on the black page.
+    label->resize(200, 40);
+    const QImage picture = label->grab().toImage();
+    int white = 0;
+    for (int y = 0; y < picture.height(); ++y)
+        for (int x = 0; x < picture.width(); ++x)
+            white += picture.pixelColor(x, y).lightness() > 200 ? 1 : 0;
+    QVERIFY2(white > 20, qPrintable(QString::number(white)));
 }
 
 LEDGERLY_TEST_MAIN(TestLook)
