@@ -3,6 +3,7 @@
 // plain SQLite C API, and reports the peak resident memory.
 
 #include "databasemanager.h"
+#include "tenyears.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -45,65 +46,6 @@ double medianMs(int runs, const std::function<void()> &work)
     }
     std::sort(times.begin(), times.end());
     return times[times.size() / 2];
-}
-
-long peakResidentKb()
-{
-    rusage usage {};
-    getrusage(RUSAGE_SELF, &usage);
-    return usage.ru_maxrss;
-}
-
-// Fills the Entry table in the file's storage forms, in one transaction.
-// Categories are weighted so that "Food" (1) is clearly the largest.
-bool fill(const QString &fileName, int count, QString *error)
-{
-    const QString name = QStringLiteral("bench_fill");
-    bool ok = true;
-    {
-        QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), name);
-        db.setDatabaseName(fileName);
-        if (!db.open()) {
-            *error = db.lastError().text();
-            ok = false;
-        } else {
-            QRandomGenerator random(1115);
-            const QDateTime first(QDate(2016, 1, 1), QTime(0, 0));
-            const qint64 tenYears = qint64(3652) * 24 * 3600;
-            db.transaction();
-            QSqlQuery query(db);
-            query.prepare(QStringLiteral(
-                "INSERT INTO Entry (ItemName,CategoryName,CategoryID,TransactDateTime,Price,LocationText,"
-                "EnableGeoLoc,GeoLocID,GeoLocLongit,GeoLocLatit,ItemID) VALUES (?, (select CategoryName from Category "
-                "where SNo = ?), ?, ?, ?, ?, ?, 0, ?, ?, ?)"));
-            for (int i = 0; i < count && ok; ++i) {
-                const int categoryId = random.bounded(4) == 0 ? 1 : 1 + random.bounded(37);
-                const int item = random.bounded(300);
-                // Whole minutes, as a day's entries are made at different times.
-                const QDateTime when = first.addSecs(random.bounded(tenYears / 60) * 60);
-                const bool geo = random.bounded(2) == 0;
-                query.addBindValue(QStringLiteral("Item %1").arg(item));
-                query.addBindValue(categoryId);
-                query.addBindValue(categoryId);
-                query.addBindValue(when.toString(QStringLiteral("yyyy-MM-ddTHH:mm:ss")));
-                query.addBindValue(double(float(random.bounded(10000)) / 100.0f));
-                query.addBindValue(QStringLiteral("Shop %1").arg(random.bounded(50)));
-                query.addBindValue(geo ? QStringLiteral("true") : QStringLiteral("false"));
-                query.addBindValue(geo ? 103.8 + random.bounded(1000) / 10000.0 : 103.0);
-                query.addBindValue(geo ? 1.3 + random.bounded(1000) / 10000.0 : 1.3);
-                query.addBindValue(item + 1);
-                if (!query.exec()) {
-                    *error = query.lastError().text();
-                    ok = false;
-                }
-            }
-            query.finish();
-            ok = db.commit() && ok;
-            db.close();
-        }
-    }
-    QSqlDatabase::removeDatabase(name);
-    return ok;
 }
 
 #ifdef LEDGERLY_HAVE_SQLITE3
@@ -169,7 +111,7 @@ void runFor(int count)
             return;
         }
         QString error;
-        if (!fill(fileName, count, &error)) {
+        if (!fillTenYearsOfEntries(fileName, count, &error)) {
             out << "filling failed: " << error << Qt::endl;
             return;
         }

@@ -7,6 +7,7 @@
 
 #include "databasemanager.h"
 #include "historywidget.h"
+#include "tenyears.h"
 
 #include <QApplication>
 #include <QComboBox>
@@ -29,60 +30,6 @@
 namespace {
 
 QTextStream out(stdout);
-
-long peakResidentKb()
-{
-    rusage usage {};
-    getrusage(RUSAGE_SELF, &usage);
-    return usage.ru_maxrss;
-}
-
-// Entries in the file's storage forms, in one transaction, ten years from
-// 1 January 2016, whole minutes, over the 37 default categories with "Food"
-// the largest.
-bool fill(const QString &fileName, int count, QString *error)
-{
-    const QString name = QStringLiteral("history_bench_fill");
-    bool ok = true;
-    {
-        QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), name);
-        db.setDatabaseName(fileName);
-        if (!db.open()) {
-            *error = db.lastError().text();
-            return false;
-        }
-        QRandomGenerator random(1115);
-        const QDateTime first(QDate(2016, 1, 1), QTime(0, 0));
-        const qint64 tenYearsInMinutes = qint64(3652) * 24 * 60;
-        db.transaction();
-        QSqlQuery query(db);
-        query.prepare(QStringLiteral(
-            "INSERT INTO Entry (ItemName,CategoryName,CategoryID,TransactDateTime,Price,LocationText,"
-            "EnableGeoLoc,GeoLocID,GeoLocLongit,GeoLocLatit,ItemID) VALUES (?, (select CategoryName from Category "
-            "where SNo = ?), ?, ?, ?, ?, 'false', 0, 103.0, 1.3, ?)"));
-        for (int i = 0; i < count && ok; ++i) {
-            const int categoryId = random.bounded(4) == 0 ? 1 : 1 + random.bounded(37);
-            const int item = random.bounded(300);
-            const QDateTime when = first.addSecs(random.bounded(tenYearsInMinutes) * 60);
-            query.addBindValue(QStringLiteral("Item %1").arg(item));
-            query.addBindValue(categoryId);
-            query.addBindValue(categoryId);
-            query.addBindValue(when.toString(QStringLiteral("yyyy-MM-ddTHH:mm:ss")));
-            query.addBindValue(double(float(random.bounded(10000)) / 100.0f));
-            query.addBindValue(QStringLiteral("Shop %1").arg(random.bounded(50)));
-            query.addBindValue(item + 1);
-            if (!query.exec()) {
-                *error = query.lastError().text();
-                ok = false;
-            }
-        }
-        query.finish();
-        ok = db.commit() && ok;
-        db.close();
-    }
-    QSqlDatabase::removeDatabase(name);
-    return ok;
-}
 
 double msSince(const QElapsedTimer &timer)
 {
@@ -112,7 +59,7 @@ int runOne(int count)
 
     DatabaseManager store(nullptr);
     QString error;
-    if (!fill(QDir(home.path()).filePath(QStringLiteral("ledgerlydatabase.db")), count, &error)) {
+    if (!fillTenYearsOfEntries(QDir(home.path()).filePath(QStringLiteral("ledgerlydatabase.db")), count, &error)) {
         out << "cannot fill the database: " << error << "\n";
         return 1;
     }
