@@ -6,11 +6,11 @@
 #include "format.h"
 #include "historybuckets.h"
 #include "linegraph.h"
+#include "notice.h"
 #include "piewidget.h"
 
 #include <QBrush>
 #include <QHeaderView>
-#include <QMessageBox>
 #include <QSignalBlocker>
 #include <QTableWidget>
 #include <QTableWidgetItem>
@@ -205,7 +205,7 @@ void HistoryWidget::ShowDateWiseDetails()
     const OwnedEntries entries(dbManager->GetAllEntriesBetweenDates(start, end));
     if (entries.entries().isEmpty()) {
         // The tab keeps what it showed before.
-        showMessage(tr("No Entries between the given dates"));
+        Notice::inform(tr("No Entries between the given dates"));
         return;
     }
 
@@ -311,15 +311,6 @@ void HistoryWidget::fillEntryTable(QTableWidget *table, const QList<Entry *> &en
         emit model->dataChanged(model->index(0, 0), model->index(int(entries.size()) - 1, 5));
 }
 
-void HistoryWidget::showMessage(const QString &text)
-{
-    QMessageBox msgBox;
-    msgBox.setText(text);
-    msgBox.setStandardButtons(QMessageBox::Ok);
-    msgBox.setDefaultButton(QMessageBox::Ok);
-    msgBox.exec();
-}
-
 void HistoryWidget::on_tableWidgetAllEntries_cellClicked(int row, int column)
 {
     Q_UNUSED(column)
@@ -343,7 +334,7 @@ void HistoryWidget::on_comboBoxDateWiseTimePeriod_currentIndexChanged(int index)
     // Checked even while the page is being built; only the period box
     // corrects a start after the end.
     if (ui->dateEditDateWiseStartDate->dateTime() > ui->dateEditDateWiseEndDate->dateTime()) {
-        showMessage(tr("Start date cannot be after end date"));
+        Notice::inform(tr("Start date cannot be after end date"));
         ui->dateEditDateWiseEndDate->setDateTime(ui->dateEditDateWiseStartDate->dateTime());
     }
     if (allowDatewiseDropDowns)

@@ -50,7 +50,6 @@ private:
 
     static void fillEntryTable(QTableWidget *table, const QList<Entry *> &entries,
                                ColumnFit fit = ColumnFit::AfterHeaders);
-    static void showMessage(const QString &text);
 
     Ui::HistoryWidget *ui;
     QPointer<DatabaseManager> dbManager;

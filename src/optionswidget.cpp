@@ -4,6 +4,7 @@
 #include "databasemanager.h"
 #include "entryeditdelegates.h"
 #include "look.h"
+#include "notice.h"
 #include "storetable.h"
 
 #include <QHeaderView>
@@ -30,25 +31,6 @@ enum EntryColumn {
     GeoLocLatitColumn = 10,
     ItemIDColumn = 11,
 };
-
-void inform(const QString &text)
-{
-    QMessageBox msgBox;
-    msgBox.setText(text);
-    msgBox.setStandardButtons(QMessageBox::Ok);
-    msgBox.setDefaultButton(QMessageBox::Ok);
-    msgBox.exec();
-}
-
-// Only Save is a yes; Discard and closing the box are a no.
-bool confirm(const QString &text)
-{
-    QMessageBox msgBox;
-    msgBox.setText(text);
-    msgBox.setStandardButtons(QMessageBox::Save | QMessageBox::Discard);
-    msgBox.setDefaultButton(QMessageBox::Save);
-    return msgBox.exec() == QMessageBox::Save;
-}
 
 } // namespace
 
@@ -114,17 +96,17 @@ void OptionsWidget::on_pushButtonAddNewCategory_clicked()
 {
     const QString name = ui->lineEditNewCategoryName->text();
     if (name.isEmpty()) {
-        inform(tr("New Category Name cannot be empty"));
+        Notice::inform(tr("New Category Name cannot be empty"));
         return;
     }
-    if (!confirm(tr("Category Name Entered - %1 ").arg(name)))
+    if (!Notice::confirm(tr("Category Name Entered - %1 ").arg(name)))
         return;
 
     if (dbManager && dbManager->AddCategory(name)) {
-        inform(tr("Category added to the database successfully"));
+        Notice::inform(tr("Category added to the database successfully"));
         ui->lineEditNewCategoryName->clear();
     } else {
-        inform(tr("Category could not be added to the database!"));
+        Notice::inform(tr("Category could not be added to the database!"));
     }
 }
 
@@ -132,20 +114,20 @@ void OptionsWidget::on_pushButtonEditCategory_clicked()
 {
     const QString newName = ui->lineEditCategoryNameToEdit->text();
     if (newName.isEmpty()) {
-        inform(tr("New Category Name cannot be empty"));
+        Notice::inform(tr("New Category Name cannot be empty"));
         return;
     }
-    if (!confirm(tr("Category Name Entered - %1 ").arg(newName)))
+    if (!Notice::confirm(tr("Category Name Entered - %1 ").arg(newName)))
         return;
 
     const QString oldName = ui->comboBoxCategoryName->currentText();
     if (dbManager && dbManager->EditCategory(oldName, newName)) {
-        inform(tr("Category name %1 edited to %2 ").arg(oldName, newName));
+        Notice::inform(tr("Category name %1 edited to %2 ").arg(oldName, newName));
         ui->lineEditCategoryNameToEdit->clear();
         ui->comboBoxCategoryName->clear();
         AddEmptyCategoriesToComboBox();
     } else {
-        inform(tr("Category name could not be edited!"));
+        Notice::inform(tr("Category name could not be edited!"));
     }
 }
 
@@ -169,12 +151,12 @@ void OptionsWidget::on_pushButtonChangeMode_clicked()
     // The mode belongs to this page alone: nothing is written, and the next
     // options page starts from Default again.
     const QString newMode = ui->comboBoxNewModeNames->currentText();
-    if (!confirm(tr("You are switching from %1 to %2 ").arg(currentMode, newMode)))
+    if (!Notice::confirm(tr("You are switching from %1 to %2 ").arg(currentMode, newMode)))
         return;
 
     const QString oldMode = currentMode;
     currentMode = newMode;
-    inform(tr("Mode switched from %1 to %2 ").arg(oldMode, newMode));
+    Notice::inform(tr("Mode switched from %1 to %2 ").arg(oldMode, newMode));
     ui->comboBoxNewModeNames->clear();
     ShowSwitchModeDetails();
 }

@@ -2,24 +2,11 @@
 #include "ui_testwidget.h"
 
 #include "databasemanager.h"
+#include "notice.h"
 #include "storetable.h"
 
 #include <QDateTime>
-#include <QMessageBox>
 #include <QSqlTableModel>
-
-namespace {
-
-void inform(const QString &text)
-{
-    QMessageBox msgBox;
-    msgBox.setText(text);
-    msgBox.setStandardButtons(QMessageBox::Ok);
-    msgBox.setDefaultButton(QMessageBox::Ok);
-    msgBox.exec();
-}
-
-} // namespace
 
 TestWidget::TestWidget(QPointer<DatabaseManager> dbManager, QWidget *parent)
     : QWidget(parent), ui(new Ui::TestWidget), dbManager(dbManager)
@@ -52,10 +39,10 @@ void TestWidget::on_pushButton_clicked()
     item.UseFrequency = 2;
 
     if (dbManager && dbManager->AddItem(&item)) {
-        inform(tr("item added to the database successfully "));
+        Notice::inform(tr("item added to the database successfully "));
     } else {
         const int drinksID = dbManager ? dbManager->GetCategoryID(QStringLiteral("Drinks")) : 0;
-        inform(tr("item could not be added to the database - %1").arg(drinksID));
+        Notice::inform(tr("item could not be added to the database - %1").arg(drinksID));
     }
     showTable(QStringLiteral("Items"));
 }
@@ -70,18 +57,18 @@ void TestWidget::on_pushButton_2_clicked()
     location.CoordinateText = QStringLiteral("103.856/1.293");
 
     if (dbManager && dbManager->AddHistoricLocation(&location))
-        inform(tr("historic location added to the database successfully "));
+        Notice::inform(tr("historic location added to the database successfully "));
     else
-        inform(tr("historic location could not be added to the database "));
+        Notice::inform(tr("historic location could not be added to the database "));
     showTable(QStringLiteral("HistoricLocation"));
 }
 
 void TestWidget::on_pushButton_3_clicked()
 {
     if (dbManager && dbManager->AddMode(QStringLiteral("Default")))
-        inform(tr("Mode added to the database successfully "));
+        Notice::inform(tr("Mode added to the database successfully "));
     else
-        inform(tr("Mode could not be added to the database "));
+        Notice::inform(tr("Mode could not be added to the database "));
     showTable(QStringLiteral("Mode"));
 }
 
@@ -96,8 +83,8 @@ void TestWidget::on_pushButton_4_clicked()
     entry.EnableGeoLoc = false;
 
     if (dbManager && dbManager->AddEntry(&entry))
-        inform(tr("Entry added to the database successfully"));
+        Notice::inform(tr("Entry added to the database successfully"));
     else
-        inform(tr("Entry could not be added to the database!"));
+        Notice::inform(tr("Entry could not be added to the database!"));
     showTable(QStringLiteral("Entry"));
 }
