@@ -308,7 +308,7 @@ bool ZRLineGraphPrivate::save(const QString &fileName, const QSize &size)
 
 // ZRLineGraph
 
-ZRLineGraph::ZRLineGraph(QWidget *parent) : QWidget(parent), d(new ZRLineGraphPrivate)
+ZRLineGraph::ZRLineGraph(QWidget *parent) : QWidget(parent), d(std::make_unique<ZRLineGraphPrivate>())
 {
     d->sortX = false;
     d->sortY = false;
@@ -320,10 +320,7 @@ ZRLineGraph::ZRLineGraph(QWidget *parent) : QWidget(parent), d(new ZRLineGraphPr
     d->bgColor = QColor(0, 0, 0);
 }
 
-ZRLineGraph::~ZRLineGraph()
-{
-    delete d;
-}
+ZRLineGraph::~ZRLineGraph() = default;
 
 void ZRLineGraph::append(const ZRLineGraphData &value)
 {

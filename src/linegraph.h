@@ -5,6 +5,8 @@
 #include <QString>
 #include <QWidget>
 
+#include <memory>
+
 class ZRLineGraphPrivate;
 
 // One point of a line graph: its x text (a date, a period) and its y text (an amount).
@@ -63,5 +65,5 @@ protected:
     void paintEvent(QPaintEvent *event) override;
 
 private:
-    ZRLineGraphPrivate *d;
+    std::unique_ptr<ZRLineGraphPrivate> d;
 };
