@@ -7,24 +7,24 @@
 
 namespace {
 
-// A day's value is looked up by its text date. The hash keeps the first
-// total under each text, as a search from the front of the list would find.
+// A day's value. The hash keeps the first total of each day, as a search
+// from the front of the list would find.
 class DayValues
 {
 public:
-    explicit DayValues(const QList<LabelledTotal> &days)
+    explicit DayValues(const QList<DayTotal> &days)
     {
-        byText.reserve(days.size());
-        for (const LabelledTotal &day : days) {
-            if (!byText.contains(day.label))
-                byText.insert(day.label, day.total);
+        byDay.reserve(days.size());
+        for (const DayTotal &day : days) {
+            if (!byDay.contains(day.day))
+                byDay.insert(day.day, day.total);
         }
     }
 
-    float valueOf(const QDate &day) const { return byText.value(Format::date(day), 0.0f); }
+    float valueOf(const QDate &day) const { return byDay.value(day, 0.0f); }
 
 private:
-    QHash<QString, float> byText;
+    QHash<QDate, float> byDay;
 };
 
 } // namespace
@@ -39,26 +39,24 @@ float sumOfPrices(const QList<Entry *> &entries)
     return sum;
 }
 
-QList<LabelledTotal> dayTotals(const QList<Entry *> &entries)
+QList<DayTotal> dayTotals(const QList<Entry *> &entries)
 {
-    QList<LabelledTotal> days;
+    QList<DayTotal> days;
     if (entries.isEmpty())
         return days;
 
-    // Two dates have equal text dates exactly when they are the same date, so
-    // the text is made once per run rather than once per entry.
     QDate key = entries.first()->TransactDateTime.date();
     float sum = 0;
     for (const Entry *entry : entries) {
         const QDate day = entry->TransactDateTime.date();
         if (day != key) {
-            days.append({ Format::date(key), sum });
+            days.append({ key, sum });
             key = day;
             sum = 0;
         }
         sum += entry->Price;
     }
-    days.append({ Format::date(key), sum });
+    days.append({ key, sum });
     return days;
 }
 
@@ -77,7 +75,7 @@ QList<LabelledTotal> categoryTotals(const QList<Entry *> &entries)
     return categories;
 }
 
-QList<LabelledTotal> dailyBuckets(const QDate &start, const QDate &end, const QList<LabelledTotal> &days)
+QList<LabelledTotal> dailyBuckets(const QDate &start, const QDate &end, const QList<DayTotal> &days)
 {
     const DayValues values(days);
     const qint64 n = start.daysTo(end);
@@ -91,7 +89,7 @@ QList<LabelledTotal> dailyBuckets(const QDate &start, const QDate &end, const QL
     return buckets;
 }
 
-QList<LabelledTotal> weeklyBuckets(const QDate &start, const QDate &end, const QList<LabelledTotal> &days)
+QList<LabelledTotal> weeklyBuckets(const QDate &start, const QDate &end, const QList<DayTotal> &days)
 {
     const DayValues values(days);
     const qint64 n = start.daysTo(end);
@@ -115,7 +113,7 @@ QList<LabelledTotal> weeklyBuckets(const QDate &start, const QDate &end, const Q
     return buckets;
 }
 
-QList<LabelledTotal> monthlyBuckets(const QDate &start, const QDate &end, const QList<LabelledTotal> &days)
+QList<LabelledTotal> monthlyBuckets(const QDate &start, const QDate &end, const QList<DayTotal> &days)
 {
     const DayValues values(days);
     const qint64 n = start.daysTo(end);

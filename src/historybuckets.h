@@ -17,6 +17,15 @@ struct LabelledTotal
     bool operator==(const LabelledTotal &other) const { return label == other.label && total == other.total; }
 };
 
+// What was spent on one calendar day.
+struct DayTotal
+{
+    QDate day;
+    float total = 0;
+
+    bool operator==(const DayTotal &other) const { return day == other.day && total == other.total; }
+};
+
 // A closed range of entry date-times, both ends included.
 struct DateTimeRange
 {
@@ -43,21 +52,21 @@ namespace HistoryBuckets {
 // All prices added in list order.
 float sumOfPrices(const QList<Entry *> &entries);
 
-// One total per run of entries on the same calendar day, in list order,
-// labelled with the day's text date. Runs, not distinct days: the grouping
-// relies on the store's date order.
-QList<LabelledTotal> dayTotals(const QList<Entry *> &entries);
+// One total per run of entries on the same calendar day, in list order.
+// Runs, not distinct days: the grouping relies on the store's date order.
+QList<DayTotal> dayTotals(const QList<Entry *> &entries);
 
 // One total per category, in the order the categories are first met.
 QList<LabelledTotal> categoryTotals(const QList<Entry *> &entries);
 
 // Graph buckets from start to end, both included. A day's value is the
-// first day total whose label is that day's text date, or 0.
-QList<LabelledTotal> dailyBuckets(const QDate &start, const QDate &end, const QList<LabelledTotal> &days);
+// first day total of that day, or 0; a daily bucket is labelled with the
+// day's text date.
+QList<LabelledTotal> dailyBuckets(const QDate &start, const QDate &end, const QList<DayTotal> &days);
 // Weeks begin on the start date's weekday, whatever the calendar's week.
-QList<LabelledTotal> weeklyBuckets(const QDate &start, const QDate &end, const QList<LabelledTotal> &days);
+QList<LabelledTotal> weeklyBuckets(const QDate &start, const QDate &end, const QList<DayTotal> &days);
 // Labelled by month name alone: a range longer than a year repeats names.
-QList<LabelledTotal> monthlyBuckets(const QDate &start, const QDate &end, const QList<LabelledTotal> &days);
+QList<LabelledTotal> monthlyBuckets(const QDate &start, const QDate &end, const QList<DayTotal> &days);
 
 // The Total tab lists the first ten days counted from the oldest entry when
 // the entries span more than ten days, otherwise everything.

@@ -17,6 +17,9 @@
 
 namespace {
 
+// The periods of the date-wise tab, in the order of the period box.
+enum Period { Daily = 0, Weekly = 1, Monthly = 2 };
+
 // Entries returned by the store belong to whoever asked; this frees them
 // when the list goes out of scope.
 class OwnedEntries
@@ -107,9 +110,9 @@ HistoryWidget::HistoryWidget(QPointer<DatabaseManager> dbManager, QWidget *paren
 {
     ui->setupUi(this);
 
-    ui->comboBoxDateWiseTimePeriod->addItem(tr("Daily"));
-    ui->comboBoxDateWiseTimePeriod->addItem(tr("Weekly"));
-    ui->comboBoxDateWiseTimePeriod->addItem(tr("Monthly"));
+    ui->comboBoxDateWiseTimePeriod->insertItem(Daily, tr("Daily"));
+    ui->comboBoxDateWiseTimePeriod->insertItem(Weekly, tr("Weekly"));
+    ui->comboBoxDateWiseTimePeriod->insertItem(Monthly, tr("Monthly"));
 
     // The date-wise tab opens on the single day of the newest entry.
     const QDate newestDay = this->dbManager->GetDateOfLastEntry().date();
@@ -187,9 +190,9 @@ void HistoryWidget::ShowCategoryWiseDetails()
     }
     const OwnedEntries entries(chosen);
 
-    const QList<LabelledTotal> days = HistoryBuckets::dayTotals(entries.entries());
-    for (const LabelledTotal &day : days)
-        graph->append(ZRLineGraphData(day.label, Format::number(day.total)));
+    const QList<DayTotal> days = HistoryBuckets::dayTotals(entries.entries());
+    for (const DayTotal &day : days)
+        graph->append(ZRLineGraphData(Format::date(day.day), Format::number(day.total)));
     graph->setSortY(true);
     graph->save(QStringLiteral("QtCategoriesLineGraph.png"), ui->scrollAreaCategoryLineChart->size());
     ui->scrollAreaCategoryLineChart->setWidget(graph);
@@ -209,8 +212,7 @@ void HistoryWidget::ShowDateWiseDetails()
         return;
     }
 
-    const QString period = ui->comboBoxDateWiseTimePeriod->currentText();
-    const QList<LabelledTotal> days = HistoryBuckets::dayTotals(entries.entries());
+    const QList<DayTotal> days = HistoryBuckets::dayTotals(entries.entries());
     const float periodTotal = HistoryBuckets::sumOfPrices(entries.entries());
     ui->labelDatewiseTabTotal->setText(
         tr("<font color=#ff2411> Total Spending in the period= %1 </font>").arg(Format::number(periodTotal)));
@@ -218,15 +220,21 @@ void HistoryWidget::ShowDateWiseDetails()
 
     QList<LabelledTotal> buckets;
     QString fileName;
-    if (period == tr("Daily")) {
+    switch (ui->comboBoxDateWiseTimePeriod->currentIndex()) {
+    case Daily:
         buckets = HistoryBuckets::dailyBuckets(start.date(), end.date(), days);
         fileName = QStringLiteral("QtDateWiseDailyLineGraph.png");
-    } else if (period == tr("Weekly")) {
+        break;
+    case Weekly:
         buckets = HistoryBuckets::weeklyBuckets(start.date(), end.date(), days);
         fileName = QStringLiteral("QtDateWiseWeeklyLineGraph.png");
-    } else if (period == tr("Monthly")) {
+        break;
+    case Monthly:
         buckets = HistoryBuckets::monthlyBuckets(start.date(), end.date(), days);
         fileName = QStringLiteral("QtDateWiseMonthlyLineGraph.png");
+        break;
+    default:
+        break;
     }
 
     if (!fileName.isEmpty()) {
