@@ -5,9 +5,9 @@
 #include "format.h"
 #include "geolocationreply.h"
 #include "look.h"
+#include "notice.h"
 
 #include <QDate>
-#include <QMessageBox>
 #include <QNetworkAccessManager>
 #include <QNetworkReply>
 #include <QNetworkRequest>
@@ -118,29 +118,19 @@ void AddEntryWidget::CheckFieldsFunction()
 {
     startLocationLookup();
 
-    QMessageBox msgBox;
-    msgBox.setStandardButtons(QMessageBox::Ok);
-    msgBox.setDefaultButton(QMessageBox::Ok);
-
     const QString name = ui->lineEditItemName->text();
     const QString amount = ui->lineEditAmount->text();
     const QString place = ui->lineEditLocation->text();
 
     if (name.isEmpty() && amount.isEmpty() && place.isEmpty()) {
-        msgBox.setText(tr("All fields empty. Enter information"));
-        msgBox.exec();
+        Notice::inform(tr("All fields empty. Enter information"));
     } else if (name.isEmpty() && amount.isEmpty()) {
-        msgBox.setText(tr("Item Name and Amount not entered."));
-        msgBox.exec();
+        Notice::inform(tr("Item Name and Amount not entered."));
     } else {
-        if (name.isEmpty()) {
-            msgBox.setText(tr("Item Name cannot be empty. Enter Item Name"));
-            msgBox.exec();
-        }
-        if (amount.isEmpty()) {
-            msgBox.setText(tr("Amount cannot be empty. Enter Amount"));
-            msgBox.exec();
-        }
+        if (name.isEmpty())
+            Notice::inform(tr("Item Name cannot be empty. Enter Item Name"));
+        if (amount.isEmpty())
+            Notice::inform(tr("Amount cannot be empty. Enter Amount"));
     }
 
     // The location is required too, but silently: with only the location
@@ -150,14 +140,11 @@ void AddEntryWidget::CheckFieldsFunction()
 
     const bool withGeoLocation = ui->checkBoxGeoLocation->isChecked();
     // One substitution pass, so that a '%' typed into a field stays as typed.
-    msgBox.setText(tr("Details Entered - Item Name: %1  Price: %2 Category: %3  Date: %4  Location: %5  "
-                      "AddGeoLocation: %6 Longitude: %7 Latitude: %8 Location: %9 ")
-                       .arg(name, amount, ui->comboBoxCategory->currentText(), Format::date(ui->dateEdit->date()),
-                            place, withGeoLocation ? tr("True") : tr("False"), Format::number(longitude),
-                            Format::number(latitude), location));
-    msgBox.setStandardButtons(QMessageBox::Save | QMessageBox::Discard);
-    msgBox.setDefaultButton(QMessageBox::Save);
-    if (msgBox.exec() != QMessageBox::Save)
+    if (!Notice::confirm(tr("Details Entered - Item Name: %1  Price: %2 Category: %3  Date: %4  Location: %5  "
+                            "AddGeoLocation: %6 Longitude: %7 Latitude: %8 Location: %9 ")
+                             .arg(name, amount, ui->comboBoxCategory->currentText(), Format::date(ui->dateEdit->date()),
+                                  place, withGeoLocation ? tr("True") : tr("False"), Format::number(longitude),
+                                  Format::number(latitude), location)))
         return;
 
     auto entry = std::make_unique<Entry>();
@@ -178,12 +165,8 @@ void AddEntryWidget::CheckFieldsFunction()
 
     const bool added = dbManager && dbManager->AddEntry(entry.get());
 
-    QMessageBox resultBox;
-    resultBox.setText(added ? tr("Entry added to the database successfully")
-                            : tr("Entry could not be added to the database!"));
-    resultBox.setStandardButtons(QMessageBox::Ok);
-    resultBox.setDefaultButton(QMessageBox::Ok);
-    resultBox.exec();
+    Notice::inform(added ? tr("Entry added to the database successfully")
+                         : tr("Entry could not be added to the database!"));
 
     // Cleared whether or not the store took the entry; the category stays
     // selected for the next one.

@@ -5,9 +5,9 @@
 #include "databasemanager.h"
 #include "historywidget.h"
 #include "look.h"
+#include "notice.h"
 #include "optionswidget.h"
 
-#include <QMessageBox>
 #include <QPointer>
 
 MainWindow::MainWindow(QWidget *parent) : QMainWindow(parent), ui(new Ui::MainWindow)
@@ -46,14 +46,9 @@ void MainWindow::showDataPage(QWidget *page)
 
 void MainWindow::reportUnusableDatabase()
 {
-    QMessageBox msgBox;
-    msgBox.setIcon(QMessageBox::Warning);
-    msgBox.setText(tr("Ledgerly could not open its database file %1.\n\n%2\n\n"
-                      "Nothing can be recorded or shown in this session. The file has not been changed.")
-                       .arg(dbManager->databaseFileName(), dbManager->openError()));
-    msgBox.setStandardButtons(QMessageBox::Ok);
-    msgBox.setDefaultButton(QMessageBox::Ok);
-    msgBox.exec();
+    Notice::warn(tr("Ledgerly could not open its database file %1.\n\n%2\n\n"
+                    "Nothing can be recorded or shown in this session. The file has not been changed.")
+                     .arg(dbManager->databaseFileName(), dbManager->openError()));
 }
 
 void MainWindow::on_pushButtonNewEntry_clicked()
@@ -68,7 +63,6 @@ void MainWindow::on_pushButtonOptions_clicked()
 
 void MainWindow::on_pushButtonHistory_clicked()
 {
-    QMessageBox msgBox;
     if (dbManager->GetTotalNumberOfEntries() > 0)
         IsEntryPresentInDatabase = true;
 
@@ -79,10 +73,7 @@ void MainWindow::on_pushButtonHistory_clicked()
         return;
     }
 
-    msgBox.setText(tr("No Entries added. Kindly add entry first"));
-    msgBox.setStandardButtons(QMessageBox::Ok);
-    msgBox.setDefaultButton(QMessageBox::Ok);
-    msgBox.exec();
+    Notice::inform(tr("No Entries added. Kindly add entry first"));
 }
 
 void MainWindow::on_pushButtonExit_clicked()

@@ -2,14 +2,17 @@
 
 class QString;
 
-// The program's two kinds of modal message box: parent-less, no title, no
-// icon, shown with exec().
+// The program's kinds of modal message box: parent-less, no title, shown
+// with exec(), the single button Ok the default unless said otherwise.
 class Notice
 {
 public:
-    // An information box with the single button Ok, also the default.
+    // An information box, without an icon.
     static void inform(const QString &text);
-    // A confirmation with Save and Discard, Save the default. Only Save is a
-    // yes; Discard and closing the box are a no.
+    // A warning: something the user asked for did not happen; with the
+    // warning icon.
+    static void warn(const QString &text);
+    // A confirmation with Save and Discard, Save the default, no icon. Only
+    // Save is a yes; Discard and closing the box are a no.
     static bool confirm(const QString &text);
 };

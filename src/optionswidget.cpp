@@ -9,7 +9,6 @@
 
 #include <QHeaderView>
 #include <QItemSelectionModel>
-#include <QMessageBox>
 #include <QSqlError>
 #include <QSqlTableModel>
 
@@ -223,10 +222,5 @@ void OptionsWidget::finishEntrySave()
     text +=
         QStringLiteral("\n\n") + tr("They are still in the table: press Save to try again, or Cancel to drop them.");
 
-    QMessageBox msgBox;
-    msgBox.setIcon(QMessageBox::Warning);
-    msgBox.setText(text);
-    msgBox.setStandardButtons(QMessageBox::Ok);
-    msgBox.setDefaultButton(QMessageBox::Ok);
-    msgBox.exec();
+    Notice::warn(text);
 }
