@@ -42,8 +42,6 @@ private slots:
 private:
     void startLocationLookup();
 
-    friend class TestAddEntryWidget;
-
     Ui::AddEntryWidget *ui;
     QPointer<DatabaseManager> dbManager;
     float latitude;
