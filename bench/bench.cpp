@@ -6,7 +6,6 @@
 #include "tenyears.h"
 
 #include <QCoreApplication>
-#include <QDir>
 #include <QElapsedTimer>
 #include <QRandomGenerator>
 #include <QSqlDatabase>
@@ -101,7 +100,7 @@ void runFor(int count)
 {
     QTemporaryDir home;
     qputenv("HOME", QFile::encodeName(home.path()));
-    const QString fileName = QDir(home.path()).filePath(QStringLiteral("ledgerlydatabase.db"));
+    const QString fileName = DatabaseManager::defaultFileName();
 
     QList<Row> table;
     {
@@ -123,11 +122,7 @@ void runFor(int count)
 
         auto timeList = [&](const QString &name, const std::function<QList<Entry *>()> &call) {
             int rows = 0;
-            const double ms = medianMs(runs, [&] {
-                const QList<Entry *> entries = call();
-                rows = int(entries.size());
-                qDeleteAll(entries);
-            });
+            const double ms = medianMs(runs, [&] { rows = int(owned(call()).size()); });
             table.append({ name, ms, -1, rows });
         };
         timeList(QStringLiteral("GetAllEntries"), [&] { return store.GetAllEntries(); });

@@ -59,7 +59,7 @@ int runOne(int count)
 
     DatabaseManager store(nullptr);
     QString error;
-    if (!fillTenYearsOfEntries(QDir(home.path()).filePath(QStringLiteral("ledgerlydatabase.db")), count, &error)) {
+    if (!fillTenYearsOfEntries(DatabaseManager::defaultFileName(), count, &error)) {
         out << "cannot fill the database: " << error << "\n";
         return 1;
     }

@@ -3,6 +3,8 @@
 // What the benchmarks share: ten years of entries in a temporary home, and
 // the process's peak memory.
 
+#include "storageform.h"
+
 #include <QDate>
 #include <QDateTime>
 #include <QRandomGenerator>
@@ -53,10 +55,10 @@ inline bool fillTenYearsOfEntries(const QString &fileName, int count, QString *e
                 query.addBindValue(QStringLiteral("Item %1").arg(item));
                 query.addBindValue(categoryId);
                 query.addBindValue(categoryId);
-                query.addBindValue(when.toString(QStringLiteral("yyyy-MM-ddTHH:mm:ss")));
+                query.addBindValue(StorageForm::dateTime(when));
                 query.addBindValue(double(float(random.bounded(10000)) / 100.0f));
                 query.addBindValue(QStringLiteral("Shop %1").arg(random.bounded(50)));
-                query.addBindValue(geo ? QStringLiteral("true") : QStringLiteral("false"));
+                query.addBindValue(StorageForm::boolean(geo));
                 query.addBindValue(geo ? 103.8 + random.bounded(1000) / 10000.0 : 103.0);
                 query.addBindValue(geo ? 1.3 + random.bounded(1000) / 10000.0 : 1.3);
                 query.addBindValue(item + 1);

@@ -6,6 +6,7 @@
 #include "geolocationreply.h"
 #include "look.h"
 #include "notice.h"
+#include "settings.h"
 
 #include <QDate>
 #include <QNetworkAccessManager>
@@ -13,7 +14,6 @@
 #include <QNetworkRequest>
 #include <QRegularExpression>
 #include <QRegularExpressionValidator>
-#include <QSettings>
 
 #include <memory>
 
@@ -31,11 +31,8 @@ AddEntryWidget::AddEntryWidget(QPointer<DatabaseManager> dbManager, QWidget *par
 
     ui->dateEdit->setDate(QDate::currentDate());
 
-    if (this->dbManager) {
-        const QList<Category *> categories = this->dbManager->GetAllCategories();
-        AddCategoriesToComboBox(categories);
-        qDeleteAll(categories);
-    }
+    if (this->dbManager)
+        AddCategoriesToComboBox(owned(this->dbManager->GetAllCategories()).list());
 
     // Asked as soon as the page opens, whether or not the user ever ticks
     // "Add GeoLocation", so that an answer is likely to be there by Add.
@@ -47,19 +44,9 @@ AddEntryWidget::~AddEntryWidget()
     delete ui;
 }
 
-QUrl AddEntryWidget::geoLocationServiceUrl()
-{
-    QString text = qEnvironmentVariable("LEDGERLY_GEOLOCATION_URL");
-    if (text.isEmpty()) {
-        const QSettings settings(QStringLiteral("Ledgerly"), QStringLiteral("Ledgerly"));
-        text = settings.value(QStringLiteral("GeoLocation/ServiceUrl")).toString();
-    }
-    return QUrl(text.trimmed());
-}
-
 void AddEntryWidget::startLocationLookup()
 {
-    const QUrl url = geoLocationServiceUrl();
+    const QUrl url = Settings().geoLocationServiceUrl();
     if (url.isEmpty())
         return;
 

@@ -3,7 +3,6 @@
 #include <QList>
 #include <QPointer>
 #include <QString>
-#include <QUrl>
 #include <QWidget>
 
 class Category;
@@ -29,11 +28,6 @@ public:
     void CheckFieldsFunction();
     // Appends the names in list order; the categories stay the caller's.
     void AddCategoriesToComboBox(QList<Category *> categories);
-
-    // The geolocation service: the environment variable
-    // LEDGERLY_GEOLOCATION_URL if set, else the setting GeoLocation/ServiceUrl
-    // of Ledgerly's QSettings. Empty when neither names one.
-    static QUrl geoLocationServiceUrl();
 
 private slots:
     void on_pushButtonAdd_clicked();

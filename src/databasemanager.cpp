@@ -1,12 +1,14 @@
 #include "databasemanager.h"
 
 #include "format.h"
+#include "storageform.h"
 
 #include <QCoreApplication>
 #include <QDir>
 #include <QSqlDriver>
 #include <QSqlError>
 #include <QSqlQuery>
+#include <QSqlTableModel>
 #include <QStringList>
 #include <QVariant>
 
@@ -59,49 +61,20 @@ QVariant floatValue(float value)
 
 QVariant dateTimeValue(const QDateTime &when)
 {
-    // Qt 6's SQLite driver would write a QDateTime with milliseconds; the
-    // file keeps whole seconds, and date comparisons are text comparisons.
-    if (!when.isValid())
-        return QVariant(QString());
-    return when.toString(QStringLiteral("yyyy-MM-ddTHH:mm:ss"));
+    return StorageForm::dateTime(when);
 }
 
 QVariant boolValue(bool value)
 {
-    // Qt 6's SQLite driver would write 1 or 0; the file has always held the
-    // texts, which QVariant::toBool reads back.
-    return value ? QStringLiteral("true") : QStringLiteral("false");
+    return StorageForm::boolean(value);
 }
 
-// Reads a stored date-time. The file's own form, yyyy-MM-ddTHH:mm:ss, is
-// read digit by digit: lists of ten years of entries read one per row, and
-// the general ISO parser costs several times more. Anything else (a form
-// with milliseconds, a zone) goes to that parser, so the result is the same.
 QDateTime readDateTime(const QVariant &value)
 {
-    const QString text = value.toString();
-    const auto digits = [&text](int from, int count, int *out) {
-        int number = 0;
-        for (int i = from; i < from + count; ++i) {
-            const QChar c = text.at(i);
-            if (c < QLatin1Char('0') || c > QLatin1Char('9'))
-                return false;
-            number = number * 10 + (c.unicode() - '0');
-        }
-        *out = number;
-        return true;
-    };
-    int year, month, day, hour, minute, second;
-    if (text.size() == 19 && text.at(4) == QLatin1Char('-') && text.at(7) == QLatin1Char('-') &&
-        text.at(10) == QLatin1Char('T') && text.at(13) == QLatin1Char(':') && text.at(16) == QLatin1Char(':') &&
-        digits(0, 4, &year) && digits(5, 2, &month) && digits(8, 2, &day) && digits(11, 2, &hour) &&
-        digits(14, 2, &minute) && digits(17, 2, &second)) {
-        const QDate date(year, month, day);
-        const QTime time(hour, minute, second);
-        if (date.isValid() && time.isValid())
-            return QDateTime(date, time);
-    }
-    return value.toDateTime();
+    // A number in a date column is no date-time, whatever its digits say.
+    if (value.typeId() != QMetaType::QString)
+        return value.toDateTime();
+    return StorageForm::readDateTime(value.toString());
 }
 
 // Reads one entry row from anything that answers value(column) as Qt's
@@ -224,19 +197,42 @@ const QString countModes = QStringLiteral("SELECT COUNT(ModeName) FROM Mode;");
 const QString countItemSubstitutes = QStringLiteral("SELECT COUNT(ItemName) FROM ItemSubstitutes;");
 const QString countHistoricLocations = QStringLiteral("SELECT COUNT(LocationName) FROM HistoricLocation;");
 
+// Stores alive in this process: they share the default connection, and the
+// last one to go closes it.
+int liveStores = 0;
+
+// How long a statement waits for a file that another program holds locked:
+// the driver's own default, said here so that it is a decision of the store.
+const int storeBusyTimeout = 5000;
+// What a table model's submission waits, once per model: long enough for
+// another program's ordinary write to finish, short enough that a file held
+// locked does not freeze a page's Save once per model.
+const int submitBusyTimeout = 500;
+
 } // namespace
 
 DatabaseManager::DatabaseManager(QObject *parent) : QObject(parent)
 {
-    const QString path = QDir::homePath() + QDir::separator() + QStringLiteral("ledgerlydatabase.db");
-    if (!setupDatabase(path)) {
+    ++liveStores;
+    if (!setupDatabase(defaultFileName())) {
         // Too early to end anything: the event loop is not running yet, so
         // the program goes on with an unusable store whose queries all fail.
-        QCoreApplication::instance()->exit(0);
+        if (QCoreApplication *application = QCoreApplication::instance())
+            application->exit(0);
     }
 }
 
-DatabaseManager::~DatabaseManager() = default;
+DatabaseManager::~DatabaseManager()
+{
+    db = QSqlDatabase();
+    if (--liveStores == 0)
+        QSqlDatabase::removeDatabase(QLatin1String(QSqlDatabase::defaultConnection));
+}
+
+QString DatabaseManager::defaultFileName()
+{
+    return QDir::homePath() + QDir::separator() + QStringLiteral("ledgerlydatabase.db");
+}
 
 bool DatabaseManager::isUsable() const
 {
@@ -258,15 +254,27 @@ bool DatabaseManager::setupDatabase(QString dbname)
     fileName = dbname;
     lastOpenError.clear();
 
-    // One store per program; a store made after an earlier one (as tests do)
-    // takes the default connection over instead of registering it twice.
-    if (QSqlDatabase::contains(QLatin1String(QSqlDatabase::defaultConnection))) {
-        db = QSqlDatabase::database(QLatin1String(QSqlDatabase::defaultConnection), false);
-        db.close();
+    const QString connection = QLatin1String(QSqlDatabase::defaultConnection);
+    if (QSqlDatabase::contains(connection)) {
+        // Another store lives: share its connection as it is. Closing it or
+        // pointing it at another file would pull the rows out from under
+        // every model that shows them.
+        QSqlDatabase shared = QSqlDatabase::database(connection, false);
+        if (shared.databaseName() != dbname) {
+            lastOpenError =
+                tr("The program already works on %1 and opens one database file at a time.").arg(shared.databaseName());
+            return false;
+        }
+        db = shared;
+        if (db.isOpen()) {
+            createTablesAndDefaultRows();
+            return true;
+        }
     } else {
         db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"));
+        db.setDatabaseName(dbname);
+        db.setConnectOptions(QStringLiteral("QSQLITE_BUSY_TIMEOUT=%1").arg(storeBusyTimeout));
     }
-    db.setDatabaseName(dbname);
     if (!db.open()) {
         lastOpenError = db.lastError().text();
         return false;
@@ -295,6 +303,12 @@ bool DatabaseManager::setupDatabase(QString dbname)
         cache.exec(QStringLiteral("PRAGMA cache_size = -65536"));
     }
 
+    createTablesAndDefaultRows();
+    return true;
+}
+
+void DatabaseManager::createTablesAndDefaultRows()
+{
     createCategoryTable();
     createItemsTable();
     createModeTable();
@@ -303,7 +317,39 @@ bool DatabaseManager::setupDatabase(QString dbname)
     createEntryTable();
     addDefaultCategories();
     addDefaultModes();
-    return true;
+}
+
+QSqlTableModel *DatabaseManager::createTableModel(const QString &table, QObject *parent)
+{
+    // An invalid connection would make the model fall back to the default
+    // one, which belongs to another file.
+    if (!db.isValid())
+        return nullptr;
+    auto *model = new QSqlTableModel(parent, db);
+    model->setTable(table);
+    model->setEditStrategy(QSqlTableModel::OnManualSubmit);
+    model->select();
+    return model;
+}
+
+bool DatabaseManager::submitAll(const QList<QSqlTableModel *> &models)
+{
+    setBusyTimeout(submitBusyTimeout);
+    // A model's own answer also counts the reselect that follows the write;
+    // what matters here is whether any edit is left unwritten.
+    bool written = true;
+    for (QSqlTableModel *model : models) {
+        model->submitAll();
+        written = written && !model->isDirty();
+    }
+    setBusyTimeout(storeBusyTimeout);
+    return written;
+}
+
+void DatabaseManager::setBusyTimeout(int milliseconds)
+{
+    QSqlQuery query;
+    runText(query, QStringLiteral("PRAGMA busy_timeout = %1").arg(milliseconds));
 }
 
 bool DatabaseManager::createTableIfMissing(const QString &table, const QString &createStatement)

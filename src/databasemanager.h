@@ -8,7 +8,10 @@
 #include <QString>
 #include <QVariant>
 
+#include <utility>
+
 class QSqlQuery;
+class QSqlTableModel;
 
 // Plain records, one per table row, field for field in column order. Records
 // that DatabaseManager returns are allocated per call and owned by the caller.
@@ -94,6 +97,40 @@ public:
     int ItemID;
 };
 
+// Owns the records of one list that the store returned and deletes them with
+// itself; it reads like the list (range-for, size(), at(), list()). Made by
+// owned(): `const auto entries = owned(store.GetAllEntries());`.
+template<typename Record> class OwnedList
+{
+public:
+    explicit OwnedList(QList<Record *> records) : records(std::move(records)) { }
+    ~OwnedList() { qDeleteAll(records); }
+    OwnedList(OwnedList &&other) noexcept : records(std::exchange(other.records, {})) { }
+    OwnedList &operator=(OwnedList &&other) noexcept
+    {
+        records.swap(other.records);
+        return *this;
+    }
+    OwnedList(const OwnedList &) = delete;
+    OwnedList &operator=(const OwnedList &) = delete;
+
+    const QList<Record *> &list() const { return records; }
+    qsizetype size() const { return records.size(); }
+    bool isEmpty() const { return records.isEmpty(); }
+    Record *at(qsizetype i) const { return records.at(i); }
+    Record *operator[](qsizetype i) const { return records.at(i); }
+    auto begin() const { return records.cbegin(); }
+    auto end() const { return records.cend(); }
+
+private:
+    QList<Record *> records;
+};
+
+template<typename Record> OwnedList<Record> owned(QList<Record *> records)
+{
+    return OwnedList<Record>(std::move(records));
+}
+
 // The expense store: owns the SQLite connection (registered under Qt's
 // default connection name) and every SQL statement of the program. Failures
 // show only in return values (false, 0, an empty string, a null record, an
@@ -101,8 +138,15 @@ public:
 //
 // Ownership: records passed in stay the caller's and are only read. Every
 // record that an operation returns, alone or inside a QList, is allocated for
-// that call and belongs to the caller, who must delete it (qDeleteAll for
-// lists); the store keeps no pointer to it.
+// that call and belongs to the caller: wrap a list in owned(), a single
+// record in a std::unique_ptr. The store keeps no pointer to either.
+//
+// The connection: the first store of a process opens it on
+// defaultFileName(); a store made while another lives shares it, and one
+// made while another lives on a different file (HOME changed in between) is
+// refused and unusable, so that no model ever loses the file it shows. The
+// last store to go closes the connection; table models made by the store
+// must go before it.
 struct sqlite3;
 
 class DatabaseManager : public QObject
@@ -212,6 +256,20 @@ public:
     QString databaseFileName() const;
     QString openError() const;
 
+    // ~/ledgerlydatabase.db: the file every store of the program opens.
+    static QString defaultFileName();
+
+    // A model of one table of the file as it is stored, selected, that
+    // keeps edits until they are submitted; it belongs to `parent`. Null
+    // when the store has no connection (a refused store).
+    QSqlTableModel *createTableModel(const QString &table, QObject *parent);
+    // Writes the edits of every model in turn, each waiting only briefly for
+    // a file that another program holds locked, so that a locked Save fails
+    // soon rather than once per model after the store's usual wait. True
+    // when no model holds edits afterwards; one that could not write them
+    // keeps them and tells why in lastError().
+    bool submitAll(const QList<QSqlTableModel *> &models);
+
 private:
     bool setupDatabase(QString dbname);
     bool createCategoryTable();
@@ -222,9 +280,11 @@ private:
     bool createEntryTable();
     void addDefaultCategories();
     void addDefaultModes();
+    void createTablesAndDefaultRows();
 
     bool createTableIfMissing(const QString &table, const QString &createStatement);
     void addDefaultNames(const QStringList &names, const QString &countStatement, const QString &insertStatement);
+    void setBusyTimeout(int milliseconds);
 
     // Named parameters and the values bound to them, already in their
     // storage forms (see the *Value helpers in the .cpp).

@@ -35,7 +35,7 @@ void EntryDetailsWidget::ShowEntryDetails()
 {
     if (!dbManager)
         return;
-    const QList<Entry *> entries = dbManager->GetAllEntries();
+    const auto entries = owned(dbManager->GetAllEntries());
     // The caller passes a row of a table filled from this same list; a stale
     // index still must not read past its end.
     if (indexOfEntryinAllEntries >= 0 && indexOfEntryinAllEntries < entries.size()) {
@@ -43,7 +43,6 @@ void EntryDetailsWidget::ShowEntryDetails()
         fillTable(entry);
         ui->webView->setHtml(mapPageHtml(entry), QUrl());
     }
-    qDeleteAll(entries);
 }
 
 void EntryDetailsWidget::fillTable(const Entry &entry)

@@ -13,8 +13,7 @@ class EntryDetailsWidget;
 
 // One stored expense: a table of its fields beside a street map of where it
 // was recorded. Filled once, from the entry at a position of GetAllEntries().
-// The store is only borrowed through its guard; the records read from it are
-// freed here.
+// The store is only borrowed through its guard.
 class EntryDetailsWidget : public QWidget
 {
     Q_OBJECT

@@ -1,6 +1,7 @@
 #include "entryeditdelegates.h"
 
 #include "format.h"
+#include "storageform.h"
 
 #include <QDateTime>
 #include <QDateTimeEdit>
@@ -10,17 +11,12 @@ namespace {
 
 QDateTime storedDateTime(const QVariant &value)
 {
-    return QDateTime::fromString(value.toString(), Qt::ISODate);
+    return StorageForm::readDateTime(value.toString());
 }
 
 } // namespace
 
 EntryDateTimeDelegate::EntryDateTimeDelegate(QObject *parent) : QStyledItemDelegate(parent) { }
-
-QString EntryDateTimeDelegate::storageText(const QDateTime &dateTime)
-{
-    return dateTime.toString(QStringLiteral("yyyy-MM-ddTHH:mm:ss"));
-}
 
 QString EntryDateTimeDelegate::displayText(const QVariant &value, const QLocale &locale) const
 {
@@ -49,7 +45,7 @@ void EntryDateTimeDelegate::setModelData(QWidget *editor, QAbstractItemModel *mo
     auto *dateTimeEdit = static_cast<QDateTimeEdit *>(editor);
     dateTimeEdit->interpretText();
     // As text: Qt 6's SQLite driver would store a QDateTime with milliseconds.
-    model->setData(index, storageText(dateTimeEdit->dateTime()), Qt::EditRole);
+    model->setData(index, StorageForm::dateTime(dateTimeEdit->dateTime()), Qt::EditRole);
 }
 
 EntryPriceDelegate::EntryPriceDelegate(QObject *parent) : QStyledItemDelegate(parent) { }

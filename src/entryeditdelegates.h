@@ -6,8 +6,9 @@
 // file's storage forms, so that nothing typed into the table can leave a row
 // that the rest of the program misreads.
 
-// The transaction date: a date-time editor; written back as the ISO text
-// yyyy-MM-ddTHH:mm:ss that every date query of the store compares against.
+// The transaction date: a date-time editor; written back in the store's
+// storage form (StorageForm::dateTime), which every date query compares
+// against.
 class EntryDateTimeDelegate : public QStyledItemDelegate
 {
     Q_OBJECT
@@ -15,8 +16,6 @@ class EntryDateTimeDelegate : public QStyledItemDelegate
 
 public:
     explicit EntryDateTimeDelegate(QObject *parent = nullptr);
-
-    static QString storageText(const QDateTime &dateTime);
 
     QString displayText(const QVariant &value, const QLocale &locale) const override;
     QWidget *createEditor(QWidget *parent, const QStyleOptionViewItem &option, const QModelIndex &index) const override;

@@ -20,22 +20,6 @@ namespace {
 // The periods of the date-wise tab, in the order of the period box.
 enum Period { Daily = 0, Weekly = 1, Monthly = 2 };
 
-// Entries returned by the store belong to whoever asked; this frees them
-// when the list goes out of scope.
-class OwnedEntries
-{
-public:
-    explicit OwnedEntries(QList<Entry *> entries) : list(std::move(entries)) { }
-    ~OwnedEntries() { qDeleteAll(list); }
-    OwnedEntries(const OwnedEntries &) = delete;
-    OwnedEntries &operator=(const OwnedEntries &) = delete;
-
-    const QList<Entry *> &entries() const { return list; }
-
-private:
-    QList<Entry *> list;
-};
-
 // One cell of an entry table. It keeps the entry's value and writes the text
 // when the view asks for it: the view asks only for the rows on screen (and a
 // sample when fitting columns), while a table of years of entries would
@@ -144,8 +128,8 @@ void HistoryWidget::CalculateGlobalEntryData()
     for (const QString &name : std::as_const(usedCategories)) {
         usedCategoriesCorrespondingNumberOfDays.append(
             int(dbManager->GetAllDistinctDatesOfEntriesOfCategory(name).size()));
-        const OwnedEntries entries(dbManager->GetAllEntriesOfCategory(name));
-        const float sum = HistoryBuckets::sumOfPrices(entries.entries());
+        const auto entries = owned(dbManager->GetAllEntriesOfCategory(name));
+        const float sum = HistoryBuckets::sumOfPrices(entries.list());
         usedCategoriesTotals.append(sum);
         globalTotal += sum;
     }
@@ -181,23 +165,18 @@ void HistoryWidget::ShowCategoryWiseDetails()
         tr("<font color=#ff7637> % Contribution in Total: %1 </font>").arg(Format::number(statistics.percentOfTotal)));
 
     const bool listsAll = HistoryBuckets::categoryListsAllEntries(dates);
-    QList<Entry *> chosen;
-    if (listsAll) {
-        chosen = dbManager->GetAllEntriesOfCategory(name);
-    } else {
-        const DateTimeRange window = HistoryBuckets::categoryRecentWindow(dates);
-        chosen = dbManager->GetAllEntriesOfCategoryBetweenDates(name, window.from, window.to);
-    }
-    const OwnedEntries entries(chosen);
+    const DateTimeRange window = listsAll ? DateTimeRange() : HistoryBuckets::categoryRecentWindow(dates);
+    const auto entries = owned(listsAll ? dbManager->GetAllEntriesOfCategory(name)
+                                        : dbManager->GetAllEntriesOfCategoryBetweenDates(name, window.from, window.to));
 
-    const QList<DayTotal> days = HistoryBuckets::dayTotals(entries.entries());
+    const QList<DayTotal> days = HistoryBuckets::dayTotals(entries.list());
     for (const DayTotal &day : days)
         graph->append(ZRLineGraphData(Format::date(day.day), Format::number(day.total)));
     graph->setSortY(true);
     graph->save(QStringLiteral("QtCategoriesLineGraph.png"), ui->scrollAreaCategoryLineChart->size());
     ui->scrollAreaCategoryLineChart->setWidget(graph);
 
-    fillEntryTable(ui->tableWidgetCategoryRecentEntries, entries.entries(),
+    fillEntryTable(ui->tableWidgetCategoryRecentEntries, entries.list(),
                    listsAll ? ColumnFit::BeforeRefill : ColumnFit::AfterHeaders);
 }
 
@@ -205,18 +184,18 @@ void HistoryWidget::ShowDateWiseDetails()
 {
     const QDateTime start = ui->dateEditDateWiseStartDate->dateTime();
     const QDateTime end = ui->dateEditDateWiseEndDate->dateTime();
-    const OwnedEntries entries(dbManager->GetAllEntriesBetweenDates(start, end));
-    if (entries.entries().isEmpty()) {
+    const auto entries = owned(dbManager->GetAllEntriesBetweenDates(start, end));
+    if (entries.isEmpty()) {
         // The tab keeps what it showed before.
         Notice::inform(tr("No Entries between the given dates"));
         return;
     }
 
-    const QList<DayTotal> days = HistoryBuckets::dayTotals(entries.entries());
-    const float periodTotal = HistoryBuckets::sumOfPrices(entries.entries());
+    const QList<DayTotal> days = HistoryBuckets::dayTotals(entries.list());
+    const float periodTotal = HistoryBuckets::sumOfPrices(entries.list());
     ui->labelDatewiseTabTotal->setText(
         tr("<font color=#ff2411> Total Spending in the period= %1 </font>").arg(Format::number(periodTotal)));
-    const QList<LabelledTotal> categories = HistoryBuckets::categoryTotals(entries.entries());
+    const QList<LabelledTotal> categories = HistoryBuckets::categoryTotals(entries.list());
 
     QList<LabelledTotal> buckets;
     QString fileName;
@@ -251,7 +230,7 @@ void HistoryWidget::ShowDateWiseDetails()
         ui->scrollAreaDateWisePieChart->setWidget(pie);
     }
 
-    fillEntryTable(ui->tableWidgetDattewiseTabEntries, entries.entries());
+    fillEntryTable(ui->tableWidgetDattewiseTabEntries, entries.list());
 }
 
 void HistoryWidget::ShowTotalDetails()
@@ -271,14 +250,13 @@ void HistoryWidget::ShowTotalDetails()
     // Anchored at the oldest entry, under the caption "Recent Entries": that
     // is the page's long-standing choice.
     const DateTimeRange window = HistoryBuckets::totalTabWindow(first, last);
-    const OwnedEntries entries(dbManager->GetAllEntriesBetweenDates(window.from, window.to));
-    fillEntryTable(ui->tableWidgetTotalTabEntries, entries.entries());
+    fillEntryTable(ui->tableWidgetTotalTabEntries,
+                   owned(dbManager->GetAllEntriesBetweenDates(window.from, window.to)).list());
 }
 
 void HistoryWidget::ShowAllEntryDetails()
 {
-    const OwnedEntries entries(dbManager->GetAllEntries());
-    fillEntryTable(ui->tableWidgetAllEntries, entries.entries());
+    fillEntryTable(ui->tableWidgetAllEntries, owned(dbManager->GetAllEntries()).list());
 }
 
 void HistoryWidget::fillEntryTable(QTableWidget *table, const QList<Entry *> &entries, ColumnFit fit)

@@ -16,7 +16,7 @@ class HistoryWidget;
 
 // The report page: spending by category, by period, in total, and the list
 // of every entry with the details of a tapped one. The store is shared, not
-// owned; the records it returns are freed here once shown.
+// owned.
 class HistoryWidget : public QWidget
 {
     Q_OBJECT

@@ -5,7 +5,6 @@
 #include "entryeditdelegates.h"
 #include "look.h"
 #include "notice.h"
-#include "storetable.h"
 
 #include <QHeaderView>
 #include <QItemSelectionModel>
@@ -13,10 +12,6 @@
 #include <QSqlTableModel>
 
 namespace {
-
-// Long enough for another program's ordinary write to finish, short enough
-// that a file held locked does not freeze the page once per table model.
-const int entrySaveBusyTimeout = 500;
 
 enum EntryColumn {
     SNoColumn = 0,
@@ -34,8 +29,7 @@ enum EntryColumn {
 } // namespace
 
 OptionsWidget::OptionsWidget(QPointer<DatabaseManager> dbManager, QWidget *parent)
-    : QWidget(parent), ui(new Ui::OptionsWidget), dbManager(dbManager), currentMode(QStringLiteral("Default")),
-      storeBusyTimeout(-1)
+    : QWidget(parent), ui(new Ui::OptionsWidget), dbManager(dbManager), currentMode(QStringLiteral("Default"))
 {
     // The form ends on the entries tab and connects its slots only then, so
     // building it runs no tab handler.
@@ -44,6 +38,7 @@ OptionsWidget::OptionsWidget(QPointer<DatabaseManager> dbManager, QWidget *paren
     ui->tableViewEditEntries->setItemDelegateForColumn(TransactDateTimeColumn,
                                                        new EntryDateTimeDelegate(ui->tableViewEditEntries));
     ui->tableViewEditEntries->setItemDelegateForColumn(PriceColumn, new EntryPriceDelegate(ui->tableViewEditEntries));
+    connect(ui->pushButtonSaveChanges, &QPushButton::clicked, this, &OptionsWidget::saveEntryEdits);
 
     // Switching to the first tab fills the old-name list through the slot;
     // the direct call fills it once more, so a new page lists every category
@@ -83,12 +78,10 @@ void OptionsWidget::AddEmptyCategoriesToComboBox()
     if (!dbManager)
         return;
     const QList<QString> usedNames = dbManager->GetListOfAllDistinctCategoriesOfAllEntries();
-    const QList<Category *> categories = dbManager->GetAllCategories();
-    for (const Category *category : categories) {
+    for (const Category *category : owned(dbManager->GetAllCategories())) {
         if (!usedNames.contains(category->CategoryName))
             ui->comboBoxCategoryName->addItem(category->CategoryName);
     }
-    qDeleteAll(categories);
 }
 
 void OptionsWidget::on_pushButtonAddNewCategory_clicked()
@@ -137,12 +130,10 @@ void OptionsWidget::ShowSwitchModeDetails()
     ui->comboBoxNewModeNames->clear();
     if (!dbManager)
         return;
-    const QList<Mode *> modes = dbManager->GetAllModes();
-    for (const Mode *mode : modes) {
+    for (const Mode *mode : owned(dbManager->GetAllModes())) {
         if (mode->ModeName != currentMode)
             ui->comboBoxNewModeNames->addItem(mode->ModeName);
     }
-    qDeleteAll(modes);
 }
 
 void OptionsWidget::on_pushButtonChangeMode_clicked()
@@ -163,8 +154,12 @@ void OptionsWidget::on_pushButtonChangeMode_clicked()
 void OptionsWidget::ShowEditEntriesDetails()
 {
     // Each visit reads the table afresh into a new model. Earlier models stay
-    // with the page and stay connected, so Save and Cancel reach them all.
-    QSqlTableModel *model = StoreTable::createModel(QStringLiteral("Entry"), this);
+    // with the page, so Save and Cancel reach them all.
+    if (!dbManager)
+        return;
+    QSqlTableModel *model = dbManager->createTableModel(QStringLiteral("Entry"), this);
+    if (!model)
+        return;
     QItemSelectionModel *oldSelection = ui->tableViewEditEntries->selectionModel();
     ui->tableViewEditEntries->setModel(model);
     delete oldSelection;
@@ -174,53 +169,30 @@ void OptionsWidget::ShowEditEntriesDetails()
         ui->tableViewEditEntries->hideColumn(column);
     ui->tableViewEditEntries->horizontalHeader()->resizeSections(QHeaderView::Stretch);
 
-    // Save runs, in connection order: beginEntrySave, each model's
-    // submitAll, finishEntrySave. So the first is connected once, before any
-    // model, and the last is moved behind the newest model.
-    if (!entrySaveStart)
-        entrySaveStart =
-            connect(ui->pushButtonSaveChanges, &QPushButton::clicked, this, &OptionsWidget::beginEntrySave);
-    connect(ui->pushButtonSaveChanges, &QPushButton::clicked, model, &QSqlTableModel::submitAll);
     connect(ui->pushButtonCancelChanges, &QPushButton::clicked, model, &QSqlTableModel::revertAll);
-    disconnect(entrySaveEnd);
-    entrySaveEnd = connect(ui->pushButtonSaveChanges, &QPushButton::clicked, this, &OptionsWidget::finishEntrySave);
 }
 
-void OptionsWidget::beginEntrySave()
+void OptionsWidget::saveEntryEdits()
 {
-    // Every model waits for a locked file on its own; with the store's usual
-    // wait a few visits to the tab would add up to a long freeze.
-    storeBusyTimeout = StoreTable::setBusyTimeout(entrySaveBusyTimeout);
-}
-
-void OptionsWidget::finishEntrySave()
-{
-    if (storeBusyTimeout >= 0)
-        StoreTable::setBusyTimeout(storeBusyTimeout);
-    storeBusyTimeout = -1;
+    const QList<QSqlTableModel *> models = findChildren<QSqlTableModel *>(QString(), Qt::FindDirectChildrenOnly);
+    if (!dbManager || models.isEmpty() || dbManager->submitAll(models))
+        return;
 
     // A model still holding edits after Save could not write them (the file
     // locked by another program, a full disk). The edits stay in the table so
     // that a later Save can store them, but the user must not believe they
     // are saved.
     QString reason;
-    bool unsaved = false;
-    const QList<QSqlTableModel *> models = findChildren<QSqlTableModel *>(QString(), Qt::FindDirectChildrenOnly);
     for (const QSqlTableModel *model : models) {
         if (model->isDirty()) {
-            unsaved = true;
             reason = model->lastError().text().trimmed();
             break;
         }
     }
-    if (!unsaved)
-        return;
-
     QString text = tr("Your changes to the entries could not be saved.");
     if (!reason.isEmpty())
         text += QStringLiteral("\n\n") + reason;
     text +=
         QStringLiteral("\n\n") + tr("They are still in the table: press Save to try again, or Cancel to drop them.");
-
     Notice::warn(text);
 }

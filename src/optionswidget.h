@@ -1,6 +1,5 @@
 #pragma once
 
-#include <QMetaObject>
 #include <QPointer>
 #include <QString>
 #include <QWidget>
@@ -33,13 +32,9 @@ private:
     void AddEmptyCategoriesToComboBox();
     void ShowSwitchModeDetails();
     void ShowEditEntriesDetails();
-    void beginEntrySave();
-    void finishEntrySave();
+    void saveEntryEdits();
 
     Ui::OptionsWidget *ui;
     QPointer<DatabaseManager> dbManager;
     QString currentMode;
-    QMetaObject::Connection entrySaveStart;
-    QMetaObject::Connection entrySaveEnd;
-    int storeBusyTimeout;
 };

@@ -3,7 +3,6 @@
 
 #include "databasemanager.h"
 #include "notice.h"
-#include "storetable.h"
 
 #include <QDateTime>
 #include <QSqlTableModel>
@@ -22,7 +21,9 @@ TestWidget::~TestWidget()
 void TestWidget::showTable(const QString &table)
 {
     // A new model per press, kept by the page until it goes.
-    QSqlTableModel *model = StoreTable::createModel(table, this);
+    QSqlTableModel *model = dbManager ? dbManager->createTableModel(table, this) : nullptr;
+    if (!model)
+        return;
     QItemSelectionModel *oldSelection = ui->tableView->selectionModel();
     ui->tableView->setModel(model);
     delete oldSelection;

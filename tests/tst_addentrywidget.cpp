@@ -4,11 +4,14 @@
 #include "geolocationreply.h"
 #include "mainwindow.h"
 
+#include "settings.h"
+
 #include "localhttpserver.h"
+#include "mainwindowfixture.h"
 #include "messageboxanswerer.h"
 #include "rawdatabase.h"
 #include "temphome.h"
-#include "testmain.h"
+#include "widgettest.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -36,17 +39,6 @@ namespace {
 
 const char geoLocationVariable[] = "LEDGERLY_GEOLOCATION_URL";
 
-const char inputStyle[] =
-    "border-style: outset;\nborder-width: 2px;\nborder-color: beige;\nfont: 75 14pt \"MS Shell Dlg "
-    "2\";\nbackground-color: rgb(254, 255, 189);";
-const char comboStyle[] =
-    "border-style: outset;\nborder-width: 2px;\nborder-color: beige;\nfont: 75 14pt \"MS Shell Dlg "
-    "2\";";
-const char gradientButtonStyle[] =
-    "border-style: outset;\nborder-width: 2px;\nborder-color: beige;\n\nbackground-color: qlineargradient(spread:pad, "
-    "x1:0.452, y1:0.0397727, x2:0.452, y2:1, stop:0.361582 rgba(151, 0, 0, 255), stop:1 rgba(221, 182, 116, "
-    "255));\nfont: 75 16pt \"MS Shell Dlg 2\"  rgb(252, 252, 0);\n";
-
 const QByteArray fullReply = QByteArrayLiteral("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
                                                "<Response>\n"
                                                "  <Ip>10.1.2.3</Ip>\n"
@@ -55,18 +47,6 @@ const QByteArray fullReply = QByteArrayLiteral("<?xml version=\"1.0\" encoding=\
                                                "  <Latitude>18.52</Latitude>\n"
                                                "  <Longitude>73.85</Longitude>\n"
                                                "</Response>\n");
-
-template<typename T> T *child(const QWidget &parent, const char *name)
-{
-    return parent.findChild<T *>(QLatin1String(name));
-}
-
-QString plainText(const QLabel *label)
-{
-    QTextDocument document;
-    document.setHtml(label->text());
-    return document.toPlainText();
-}
 
 // The reply in one line, so that a table row can say what it expects:
 // "-" for a child that was not read.
@@ -165,6 +145,9 @@ class TestAddEntryWidget : public QObject
 {
     Q_OBJECT
 
+public:
+    static void initMain() { WidgetTest::initMain(); }
+
 private slots:
     void initTestCase();
     void init();
@@ -234,6 +217,7 @@ private:
 
 void TestAddEntryWidget::initTestCase()
 {
+    WidgetTest::initTestCase();
     QVERIFY(settingsDir.isValid());
     // Settings of the user running the tests must not leak in.
     QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, settingsDir.path());
@@ -250,7 +234,7 @@ void TestAddEntryWidget::init()
 void TestAddEntryWidget::cleanup()
 {
     qunsetenv(geoLocationVariable);
-    QVERIFY(noVisibleTopLevelWidgets());
+    VERIFY_NO_WIDGETS_LEFT();
 }
 
 void TestAddEntryWidget::setService(const QUrl &url)
@@ -314,9 +298,9 @@ void TestAddEntryWidget::pageHasItsTitleSizeAndStyleSheets()
     QCOMPARE(scrollArea->widget()->objectName(), QStringLiteral("scrollAreaWidgetContents"));
 
     for (QLineEdit *edit : { f.name(), f.amount(), f.place() })
-        QCOMPARE(edit->styleSheet(), QString::fromLatin1(inputStyle));
-    QCOMPARE(f.date()->styleSheet(), QString::fromLatin1(inputStyle));
-    QCOMPARE(f.category()->styleSheet(), QString::fromLatin1(comboStyle));
+        QCOMPARE(edit->styleSheet(), QString::fromLatin1(FormStyle::inputField));
+    QCOMPARE(f.date()->styleSheet(), QString::fromLatin1(FormStyle::inputField));
+    QCOMPARE(f.category()->styleSheet(), QString::fromLatin1(FormStyle::borderedCombo));
     QCOMPARE(f.geoLocation()->styleSheet(), QStringLiteral("font: 75 14pt \"MS Shell Dlg 2\";\n"));
     QCOMPARE(f.geoLocation()->text(), QStringLiteral("Add GeoLocation"));
 }
@@ -372,7 +356,7 @@ void TestAddEntryWidget::addButtonHasTheGradientStyleAndTheMenuFont()
     PageFixture f;
     auto *add = child<QPushButton>(f.page, "pushButtonAdd");
     QCOMPARE(add->text(), QStringLiteral("Add"));
-    QCOMPARE(add->styleSheet(), QString::fromLatin1(gradientButtonStyle));
+    QCOMPARE(add->styleSheet(), QString::fromLatin1(FormStyle::gradientButton));
     QCOMPARE(add->font().family(), QStringLiteral("MS Shell Dlg 2"));
     QCOMPARE(add->font().pointSize(), 16);
     QVERIFY(!add->font().italic());
@@ -563,9 +547,7 @@ void TestAddEntryWidget::missingFieldsAreReportedAndNothingIsStored()
     QVERIFY2(answerer.errors().isEmpty(), qPrintable(answerer.errors().join('\n')));
     QCOMPARE(answerer.texts(), messages);
     for (const SeenMessageBox &box : answerer.seen()) {
-        QCOMPARE(box.buttons, QMessageBox::StandardButtons(QMessageBox::Ok));
-        QCOMPARE(box.defaultButton, QMessageBox::Ok);
-        QVERIFY(!box.hasParent);
+        VERIFY_BOX_SHAPE(box, BoxKind::Information);
     }
     QCOMPARE(storedEntryCount(f.home), 0);
     // Nothing is cleared on a validation failure.
@@ -621,9 +603,7 @@ void TestAddEntryWidget::confirmationListsWhatWasTypedAndTheLatestLookup()
                           QStringLiteral("Pune Market %1"), QStringLiteral("True"), QStringLiteral("73.85"),
                           QStringLiteral("18.52"), QStringLiteral("10.1.2.3")));
     QVERIFY(box.text.contains(QStringLiteral("Date: Thu Mar 5 2026  Location")));
-    QCOMPARE(box.buttons, QMessageBox::StandardButtons(QMessageBox::Save | QMessageBox::Discard));
-    QCOMPARE(box.defaultButton, QMessageBox::Save);
-    QVERIFY(!box.hasParent);
+    VERIFY_BOX_SHAPE(box, BoxKind::Confirmation);
 }
 
 void TestAddEntryWidget::discardKeepsEveryFieldAsTyped()
@@ -736,10 +716,9 @@ void TestAddEntryWidget::savedEntryIsReadBackByTheStoreAsTyped()
     f.pressAdd();
     QVERIFY2(answerer.errors().isEmpty(), qPrintable(answerer.errors().join('\n')));
 
-    const QList<Entry *> entries = f.store.GetAllEntries();
-    const auto release = qScopeGuard([&] { qDeleteAll(entries); });
+    const auto entries = owned(f.store.GetAllEntries());
     QCOMPARE(entries.size(), 1);
-    const Entry *entry = entries.constFirst();
+    const Entry *entry = entries[0];
     QCOMPARE(entry->ItemName, QStringLiteral("Lunch"));
     QCOMPARE(entry->CategoryName, category);
     QCOMPARE(entry->CategoryID, f.store.GetCategoryID(category));
@@ -767,9 +746,7 @@ void TestAddEntryWidget::savingClearsTheFieldsAndKeepsTheCategory()
     QVERIFY2(answerer.errors().isEmpty(), qPrintable(answerer.errors().join('\n')));
     const SeenMessageBox &result = answerer.seen().value(1);
     QCOMPARE(result.text, QStringLiteral("Entry added to the database successfully"));
-    QCOMPARE(result.buttons, QMessageBox::StandardButtons(QMessageBox::Ok));
-    QCOMPARE(result.defaultButton, QMessageBox::Ok);
-    QVERIFY(!result.hasParent);
+    VERIFY_BOX_SHAPE(result, BoxKind::Information);
 
     QVERIFY(f.name()->text().isEmpty());
     QVERIFY(f.amount()->text().isEmpty());
@@ -799,9 +776,7 @@ void TestAddEntryWidget::aRefusedWriteIsReportedAndTheFieldsAreClearedAllTheSame
     QCOMPARE(answerer.seen().size(), 2);
     const SeenMessageBox &result = answerer.seen().at(1);
     QCOMPARE(result.text, QStringLiteral("Entry could not be added to the database!"));
-    QCOMPARE(result.buttons, QMessageBox::StandardButtons(QMessageBox::Ok));
-    QCOMPARE(result.defaultButton, QMessageBox::Ok);
-    QVERIFY(!result.hasParent);
+    VERIFY_BOX_SHAPE(result, BoxKind::Information);
 
     QVERIFY(f.name()->text().isEmpty());
     QVERIFY(f.amount()->text().isEmpty());
@@ -901,7 +876,7 @@ void TestAddEntryWidget::theServiceUrlComesFromTheSettings()
         QSettings settings(QStringLiteral("Ledgerly"), QStringLiteral("Ledgerly"));
         settings.setValue(QStringLiteral("GeoLocation/ServiceUrl"), server.url().toString());
     }
-    QCOMPARE(AddEntryWidget::geoLocationServiceUrl(), server.url());
+    QCOMPARE(Settings().geoLocationServiceUrl(), server.url());
 
     PageFixture f;
     QTRY_COMPARE(server.requestCount(), 1);
@@ -924,7 +899,7 @@ void TestAddEntryWidget::theEnvironmentOverridesTheSetting()
         settings.setValue(QStringLiteral("GeoLocation/ServiceUrl"), configured.url().toString());
     }
     setService(overriding.url());
-    QCOMPARE(AddEntryWidget::geoLocationServiceUrl(), overriding.url());
+    QCOMPARE(Settings().geoLocationServiceUrl(), overriding.url());
 
     PageFixture f;
     QVERIFY(f.waitForLookup());
@@ -1168,9 +1143,9 @@ void TestAddEntryWidget::numbersThatAreNotNumbersAreReadAsZero()
 
 void TestAddEntryWidget::newEntryShowsTheNewEntryPageOnTheDataPage()
 {
-    TempHome home;
-    MainWindow window;
-    auto *host = child<QScrollArea>(window, "scrollArea_2");
+    MainWindowFixture f;
+    MainWindow &window = f.window();
+    auto *host = f.host();
     QPointer<QWidget> placeholder = host->widget();
     QCOMPARE(placeholder->objectName(), QStringLiteral("scrollAreaWidgetContents_2"));
 
@@ -1178,7 +1153,7 @@ void TestAddEntryWidget::newEntryShowsTheNewEntryPageOnTheDataPage()
 
     auto *page = qobject_cast<AddEntryWidget *>(host->widget());
     QVERIFY(page);
-    QCOMPARE(child<QStackedWidget>(window, "stackedWidget")->currentIndex(), 2);
+    QCOMPARE(f.stack()->currentIndex(), 2);
     QVERIFY(!host->widgetResizable());
     QCOMPARE(page->size(), QSize(888, 761));
     QVERIFY(placeholder.isNull());
@@ -1188,10 +1163,10 @@ void TestAddEntryWidget::newEntryShowsTheNewEntryPageOnTheDataPage()
 
 void TestAddEntryWidget::newEntryAgainReplacesTheTypedPageWithAnEmptyOne()
 {
-    TempHome home;
-    MainWindow window;
+    MainWindowFixture f;
+    MainWindow &window = f.window();
     auto *newEntry = child<QPushButton>(window, "pushButtonNewEntry");
-    auto *host = child<QScrollArea>(window, "scrollArea_2");
+    auto *host = f.host();
 
     newEntry->click();
     QPointer<AddEntryWidget> first = qobject_cast<AddEntryWidget *>(host->widget());
@@ -1211,16 +1186,15 @@ void TestAddEntryWidget::newEntryAgainReplacesTheTypedPageWithAnEmptyOne()
     QVERIFY(child<QLineEdit>(*second, "lineEditAmount")->text().isEmpty());
     QVERIFY(child<QLineEdit>(*second, "lineEditLocation")->text().isEmpty());
     QVERIFY(!child<QCheckBox>(*second, "checkBoxGeoLocation")->isChecked());
-    QCOMPARE(child<QStackedWidget>(window, "stackedWidget")->currentIndex(), 2);
+    QCOMPARE(f.stack()->currentIndex(), 2);
 }
 
 void TestAddEntryWidget::homeAndAboutKeepTheTypedPageAliveAndHidden()
 {
-    TempHome home;
-    MainWindow window;
-    window.show();
-    QVERIFY(QTest::qWaitForWindowExposed(&window));
-    auto *stack = child<QStackedWidget>(window, "stackedWidget");
+    MainWindowFixture f;
+    MainWindow &window = f.window();
+    QVERIFY(f.show());
+    auto *stack = f.stack();
 
     child<QPushButton>(window, "pushButtonNewEntry")->click();
     QPointer<AddEntryWidget> page = window.findChild<AddEntryWidget *>();
@@ -1247,15 +1221,13 @@ void TestAddEntryWidget::homeAndAboutKeepTheTypedPageAliveAndHidden()
 
     child<QPushButton>(window, "pushButtonNewEntry")->click();
     QVERIFY(page.isNull());
-    window.close();
 }
 
 void TestAddEntryWidget::thePageKeepsItsBlackBackgroundInsideTheItalicHost()
 {
-    TempHome home;
-    MainWindow window;
-    window.show();
-    QVERIFY(QTest::qWaitForWindowExposed(&window));
+    MainWindowFixture f;
+    MainWindow &window = f.window();
+    QVERIFY(f.show());
     child<QPushButton>(window, "pushButtonNewEntry")->click();
     auto *page = window.findChild<AddEntryWidget *>();
     QVERIFY(page);
@@ -1267,9 +1239,8 @@ void TestAddEntryWidget::thePageKeepsItsBlackBackgroundInsideTheItalicHost()
     // The page's own fonts are upright though its host's is italic.
     QVERIFY(!child<QLineEdit>(*page, "lineEditItemName")->font().italic());
     QVERIFY(!child<QPushButton>(*page, "pushButtonAdd")->font().italic());
-    window.close();
 }
 
-LEDGERLY_TEST_MAIN(TestAddEntryWidget)
+QTEST_MAIN(TestAddEntryWidget)
 
 #include "tst_addentrywidget.moc"

@@ -3,7 +3,7 @@
 
 #include "rawdatabase.h"
 #include "temphome.h"
-#include "testmain.h"
+#include "widgettest.h"
 #include "webenginesanitizeroptions.h"
 
 #include <QFile>
@@ -203,6 +203,9 @@ class TestEntryDetailsWidget : public QObject
 {
     Q_OBJECT
 
+public:
+    static void initMain() { WidgetTest::initMain(); }
+
 private slots:
     void initTestCase();
     void init();
@@ -233,6 +236,7 @@ private:
 
 void TestEntryDetailsWidget::initTestCase()
 {
+    WidgetTest::initTestCase();
     passOn = qInstallMessageHandler(recordConsoleMessages);
     QWebEngineProfile *profile = QWebEngineProfile::defaultProfile();
     profile->setUrlRequestInterceptor(&recorder);
@@ -253,7 +257,7 @@ void TestEntryDetailsWidget::init()
 
 void TestEntryDetailsWidget::cleanup()
 {
-    QVERIFY(noVisibleTopLevelWidgets());
+    VERIFY_NO_WIDGETS_LEFT();
     QVERIFY2(consoleMessages.isEmpty(), qPrintable(consoleMessages.join(QLatin1Char('\n'))));
 }
 
@@ -407,10 +411,9 @@ void TestEntryDetailsWidget::entryWithoutGeolocationShowsDashesAndTheDefaultPlac
     QCOMPARE(cellText(page, 6, 1), value(QStringLiteral(" - ")));
     QCOMPARE(cellText(page, 7, 1), value(QStringLiteral(" - ")));
 
-    const QList<Entry *> entries = manager.GetAllEntries();
+    const auto entries = owned(manager.GetAllEntries());
     QCOMPARE(entries.size(), 1);
-    const QString html = EntryDetailsWidget::mapPageHtml(*entries.first());
-    qDeleteAll(entries);
+    const QString html = EntryDetailsWidget::mapPageHtml(*entries[0]);
     QVERIFY(html.contains(QStringLiteral("L.latLng(1.27899,103.8488)")));
 }
 
@@ -426,10 +429,9 @@ void TestEntryDetailsWidget::entryWithGeolocationShowsLatitudeUnderLongitudeAndL
     QCOMPARE(cellText(page, 7, 0), QStringLiteral("<font color=#aa00ff> Latitude </font>"));
     QCOMPARE(cellText(page, 7, 1), value(QStringLiteral("73.85")));
 
-    const QList<Entry *> entries = manager.GetAllEntries();
+    const auto entries = owned(manager.GetAllEntries());
     QCOMPARE(entries.size(), 1);
-    const QString html = EntryDetailsWidget::mapPageHtml(*entries.first());
-    qDeleteAll(entries);
+    const QString html = EntryDetailsWidget::mapPageHtml(*entries[0]);
     QVERIFY(html.contains(QStringLiteral("L.latLng(18.52,73.85)")));
 }
 
@@ -491,10 +493,9 @@ void TestEntryDetailsWidget::mapPageIsTheTemplateWithItsMarkersFilled()
     TempHome home;
     DatabaseManager manager(nullptr);
     QVERIFY(store(home, entry));
-    const QList<Entry *> entries = manager.GetAllEntries();
+    const auto entries = owned(manager.GetAllEntries());
     QCOMPARE(entries.size(), 1);
-    const QString html = EntryDetailsWidget::mapPageHtml(*entries.first());
-    qDeleteAll(entries);
+    const QString html = EntryDetailsWidget::mapPageHtml(*entries[0]);
 
     QVERIFY(!html.contains(QLatin1String("[Lat]")));
     QVERIFY(!html.contains(QLatin1String("[Long]")));
@@ -609,5 +610,5 @@ void TestEntryDetailsWidget::withoutNetworkThePageStillLoadsAndTheTableIsUnaffec
     QCOMPARE(cellText(page, 7, 1), value(QStringLiteral("73.85")));
 }
 
-LEDGERLY_TEST_MAIN(TestEntryDetailsWidget)
+QTEST_MAIN(TestEntryDetailsWidget)
 #include "tst_entrydetailswidget.moc"

@@ -5,11 +5,12 @@
 #include "mainwindow.h"
 #include "piewidget.h"
 
+#include "mainwindowfixture.h"
 #include "messageboxanswerer.h"
 #include "rawdatabase.h"
 #include "temphome.h"
-#include "testmain.h"
 #include "webenginesanitizeroptions.h"
+#include "widgettest.h"
 
 #include <QComboBox>
 #include <QDateEdit>
@@ -66,13 +67,7 @@ public:
         return page.get();
     }
 
-    template<typename T> T *child(const char *name) const
-    {
-        T *found = page->findChild<T *>(QLatin1String(name));
-        if (!found)
-            qFatal("no child %s", name);
-        return found;
-    }
+    template<typename T> T *child(const char *name) const { return ::child<T>(*page, name); }
 
     QTabWidget *tabs() const { return child<QTabWidget>("tabWidgetHistoryContainer"); }
     QDateEdit *startEdit() const { return child<QDateEdit>("dateEditDateWiseStartDate"); }
@@ -174,7 +169,11 @@ class TestHistoryWidget : public QObject
 {
     Q_OBJECT
 
+public:
+    static void initMain() { WidgetTest::initMain(); }
+
 private slots:
+    void initTestCase() { WidgetTest::initTestCase(); }
     void cleanup();
 
     // The form
@@ -226,7 +225,7 @@ private slots:
 
 void TestHistoryWidget::cleanup()
 {
-    QVERIFY(noVisibleTopLevelWidgets());
+    VERIFY_NO_WIDGETS_LEFT();
 }
 
 void TestHistoryWidget::formHasTheDesignedWidgetsAndGeometry()
@@ -764,9 +763,7 @@ void TestHistoryWidget::rangeWithoutEntriesIsReportedAndTheTabKeepsItsContents()
     QCOMPARE(answerer.texts(), QStringList { "No Entries between the given dates" });
     QVERIFY2(answerer.errors().isEmpty(), qPrintable(answerer.errors().join('\n')));
     const SeenMessageBox &box = answerer.seen().constFirst();
-    QCOMPARE(box.buttons, QMessageBox::StandardButtons(QMessageBox::Ok));
-    QCOMPARE(box.defaultButton, QMessageBox::Ok);
-    QVERIFY(!box.hasParent);
+    VERIFY_BOX_SHAPE(box, BoxKind::Information);
 
     QCOMPARE(fixture.labelText("labelDatewiseTabTotal"), label);
     QCOMPARE(fixture.chartIn("scrollAreaDateWiseLineChart"), graph);
@@ -797,9 +794,7 @@ void TestHistoryWidget::startAfterEndIsReportedByThePeriodBoxWhichResetsTheEndDa
              (QStringList { "No Entries between the given dates", "Start date cannot be after end date" }));
     QVERIFY2(answerer.errors().isEmpty(), qPrintable(answerer.errors().join('\n')));
     const SeenMessageBox &box = answerer.seen().constLast();
-    QCOMPARE(box.buttons, QMessageBox::StandardButtons(QMessageBox::Ok));
-    QCOMPARE(box.defaultButton, QMessageBox::Ok);
-    QVERIFY(!box.hasParent);
+    VERIFY_BOX_SHAPE(box, BoxKind::Information);
 
     QCOMPARE(fixture.endEdit()->dateTime(), fixture.startEdit()->dateTime());
     QCOMPARE(fixture.endEdit()->date(), QDate(2025, 3, 3));
@@ -910,56 +905,44 @@ void TestHistoryWidget::choosingAnotherCategoryRecomputesTheTab()
 
 void TestHistoryWidget::historyOpensThePageOnceAnEntryExists()
 {
-    TempHome home(TempHome::CurrentDir::Enter);
-    MainWindow window;
-    QScrollArea *host = window.findChild<QScrollArea *>("scrollArea_2");
-    QStackedWidget *stack = window.findChild<QStackedWidget *>("stackedWidget");
-    QPushButton *history = window.findChild<QPushButton *>("pushButtonHistory");
-
+    MainWindowFixture f;
     MessageBoxAnswerer answerer;
     answerer.answer(QMessageBox::Ok);
-    history->click();
+    f.click("pushButtonHistory");
     QCOMPARE(answerer.texts(), QStringList { "No Entries added. Kindly add entry first" });
-    QVERIFY(!qobject_cast<HistoryWidget *>(host->widget()));
+    VERIFY_BOX_SHAPE(answerer.seen().constFirst(), BoxKind::Information);
+    QVERIFY(!qobject_cast<HistoryWidget *>(f.page()));
 
-    RawDatabase raw(home.databasePath());
-    QVERIFY(raw.insertEntry("Coffee", "Drinks", at(2026, 11, 15, 8, 30), 2.5));
-    history->click();
+    f.addEntry("Coffee", "Drinks", at(2026, 11, 15, 8, 30), 2.5);
+    f.click("pushButtonHistory");
 
-    QPointer<HistoryWidget> first = qobject_cast<HistoryWidget *>(host->widget());
+    QPointer<HistoryWidget> first = qobject_cast<HistoryWidget *>(f.page());
     QVERIFY(first);
-    QCOMPARE(first->parentWidget(), host->viewport());
-    QCOMPARE(stack->currentIndex(), 2);
-    QVERIFY(!host->widgetResizable());
+    QCOMPARE(first->parentWidget(), f.host()->viewport());
+    QCOMPARE(f.stack()->currentIndex(), 2);
+    QVERIFY(!f.host()->widgetResizable());
     QCOMPARE(first->size(), QSize(888, 761));
     QCOMPARE(answerer.seen().size(), 1);
 
     // Every press builds a fresh page and drops the one before.
-    history->click();
+    f.click("pushButtonHistory");
     QVERIFY(!first);
-    QVERIFY(qobject_cast<HistoryWidget *>(host->widget()));
+    QVERIFY(qobject_cast<HistoryWidget *>(f.page()));
 }
 
 void TestHistoryWidget::tappingRowZeroOfEntriesShowsTheNewestEntryAndTappingAgainReplacesIt()
 {
-    TempHome home(TempHome::CurrentDir::Enter);
-    {
-        DatabaseManager store(nullptr);
-    }
-    RawDatabase raw(home.databasePath());
-    QVERIFY(raw.insertEntry("Bread", "Food", at(2026, 11, 14, 9), 3));
-    QVERIFY(raw.insertEntry("Coffee", "Drinks", at(2026, 11, 15, 8, 30), 2.5));
-    QVERIFY(raw.insertEntry("Ticket", "Travel", at(2026, 11, 13, 18), 40));
-
-    MainWindow window;
-    window.show();
-    QVERIFY(QTest::qWaitForWindowExposed(&window));
-    window.findChild<QPushButton *>("pushButtonHistory")->click();
-    auto *page = qobject_cast<HistoryWidget *>(window.findChild<QScrollArea *>("scrollArea_2")->widget());
+    MainWindowFixture f;
+    f.addEntry("Bread", "Food", at(2026, 11, 14, 9), 3);
+    f.addEntry("Coffee", "Drinks", at(2026, 11, 15, 8, 30), 2.5);
+    f.addEntry("Ticket", "Travel", at(2026, 11, 13, 18), 40);
+    QVERIFY(f.show());
+    f.click("pushButtonHistory");
+    auto *page = qobject_cast<HistoryWidget *>(f.page());
     QVERIFY(page);
-    page->findChild<QTabWidget *>("tabWidgetHistoryContainer")->setCurrentIndex(3);
-    QTableWidget *table = page->findChild<QTableWidget *>("tableWidgetAllEntries");
-    QScrollArea *detailsArea = page->findChild<QScrollArea *>("scrollAreaAllEntriesEntryDetails");
+    child<QTabWidget>(*page, "tabWidgetHistoryContainer")->setCurrentIndex(3);
+    auto *table = child<QTableWidget>(*page, "tableWidgetAllEntries");
+    auto *detailsArea = child<QScrollArea>(*page, "scrollAreaAllEntriesEntryDetails");
     QTRY_VERIFY(table->isVisible());
 
     const auto shownItem = [detailsArea]() -> QString {
@@ -979,50 +962,39 @@ void TestHistoryWidget::tappingRowZeroOfEntriesShowsTheNewestEntryAndTappingAgai
     clickCell(table, 1, 4);
     QVERIFY(!firstDetails);
     QVERIFY2(shownItem().contains(" Bread "), qPrintable(shownItem()));
-
-    window.close();
 }
 
 void TestHistoryWidget::tappingARowOfTheCategoryTableChangesNothing()
 {
-    TempHome home(TempHome::CurrentDir::Enter);
-    {
-        DatabaseManager store(nullptr);
-    }
-    RawDatabase raw(home.databasePath());
-    QVERIFY(raw.insertEntry("Bread", "Food", at(2026, 11, 14, 9), 3));
-    QVERIFY(raw.insertEntry("Cheese", "Food", at(2026, 11, 15, 9), 4));
-
-    MainWindow window;
-    window.show();
-    QVERIFY(QTest::qWaitForWindowExposed(&window));
-    window.findChild<QPushButton *>("pushButtonHistory")->click();
-    auto *page = qobject_cast<HistoryWidget *>(window.findChild<QScrollArea *>("scrollArea_2")->widget());
+    MainWindowFixture f;
+    f.addEntry("Bread", "Food", at(2026, 11, 14, 9), 3);
+    f.addEntry("Cheese", "Food", at(2026, 11, 15, 9), 4);
+    QVERIFY(f.show());
+    f.click("pushButtonHistory");
+    auto *page = qobject_cast<HistoryWidget *>(f.page());
     QVERIFY(page);
-    QTableWidget *table = page->findChild<QTableWidget *>("tableWidgetCategoryRecentEntries");
+    auto *table = child<QTableWidget>(*page, "tableWidgetCategoryRecentEntries");
     QTRY_VERIFY(table->isVisible());
     QCOMPARE(table->rowCount(), 2);
 
     QSignalSpy clicked(table, &QTableWidget::cellClicked);
-    QWidget *graph = page->findChild<QScrollArea *>("scrollAreaCategoryLineChart")->widget();
-    QWidget *details = page->findChild<QScrollArea *>("scrollAreaAllEntriesEntryDetails")->widget();
-    const QString total = page->findChild<QLabel *>("labelCategoryTabCategoryTotal")->text();
+    QWidget *graph = child<QScrollArea>(*page, "scrollAreaCategoryLineChart")->widget();
+    QWidget *details = child<QScrollArea>(*page, "scrollAreaAllEntriesEntryDetails")->widget();
+    const QString total = child<QLabel>(*page, "labelCategoryTabCategoryTotal")->text();
     const QStringList firstRow = rowTexts(table, 0);
 
     clickCell(table, 1, 1);
 
     QCOMPARE(clicked.count(), 1);
-    QCOMPARE(page->findChild<QTabWidget *>("tabWidgetHistoryContainer")->currentIndex(), 0);
-    QCOMPARE(page->findChild<QScrollArea *>("scrollAreaCategoryLineChart")->widget(), graph);
-    QCOMPARE(page->findChild<QScrollArea *>("scrollAreaAllEntriesEntryDetails")->widget(), details);
+    QCOMPARE(child<QTabWidget>(*page, "tabWidgetHistoryContainer")->currentIndex(), 0);
+    QCOMPARE(child<QScrollArea>(*page, "scrollAreaCategoryLineChart")->widget(), graph);
+    QCOMPARE(child<QScrollArea>(*page, "scrollAreaAllEntriesEntryDetails")->widget(), details);
     QCOMPARE(details->objectName(), QStringLiteral("scrollAreaWidgetContents_6"));
-    QCOMPARE(page->findChild<QLabel *>("labelCategoryTabCategoryTotal")->text(), total);
+    QCOMPARE(child<QLabel>(*page, "labelCategoryTabCategoryTotal")->text(), total);
     QCOMPARE(rowTexts(table, 0), firstRow);
     QVERIFY(!page->findChild<EntryDetailsWidget *>());
-
-    window.close();
 }
 
-LEDGERLY_TEST_MAIN(TestHistoryWidget)
+QTEST_MAIN(TestHistoryWidget)
 
 #include "tst_historywidget.moc"

@@ -1,6 +1,6 @@
 #include "linegraph.h"
 #include "linegraph_p.h"
-#include "testmain.h"
+#include "widgettest.h"
 
 #include <QDate>
 #include <QFile>
@@ -124,8 +124,12 @@ class TestLineGraph : public QObject
 {
     Q_OBJECT
 
+public:
+    static void initMain() { WidgetTest::initMain(); }
+
 private slots:
-    void cleanup() { QVERIFY(noVisibleTopLevelWidgets()); }
+    void initTestCase() { WidgetTest::initTestCase(); }
+    void cleanup() { VERIFY_NO_WIDGETS_LEFT(); }
 
     // Value lists
 
@@ -774,5 +778,5 @@ private slots:
     }
 };
 
-LEDGERLY_TEST_MAIN(TestLineGraph)
+QTEST_MAIN(TestLineGraph)
 #include "tst_linegraph.moc"

@@ -1,6 +1,6 @@
 #include "look.h"
 
-#include "testmain.h"
+#include "widgettest.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -13,7 +13,11 @@ class TestLook : public QObject
 {
     Q_OBJECT
 
+public:
+    static void initMain() { WidgetTest::initMain(); }
+
 private slots:
+    void initTestCase() { WidgetTest::initTestCase(); }
     void buttonFontWeightIsTheLightestOfTheOldScaleKeepingTheRest();
     void applicationPaletteWritesWhiteOnTheBlackPagesAndKeepsDarkTextInFields();
 };
@@ -71,6 +75,6 @@ void TestLook::applicationPaletteWritesWhiteOnTheBlackPagesAndKeepsDarkTextInFie
     QVERIFY2(white > 20, qPrintable(QString::number(white)));
 }
 
-LEDGERLY_TEST_MAIN(TestLook)
+QTEST_MAIN(TestLook)
 
 #include "tst_look.moc"

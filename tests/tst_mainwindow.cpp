@@ -3,10 +3,12 @@
 #include "historywidget.h"
 #include "mainwindow.h"
 
+#include "mainwindowfixture.h"
 #include "messageboxanswerer.h"
 #include "rawdatabase.h"
 #include "temphome.h"
-#include "testmain.h"
+#include "testsupport.h"
+#include "widgettest.h"
 
 #include <QCryptographicHash>
 #include <QFile>
@@ -24,42 +26,15 @@
 
 int qInitResources_ImageResource();
 
-namespace {
-
-const char gradientButtonStyle[] =
-    "border-style: outset;\nborder-width: 2px;\nborder-color: beige;\n\nbackground-color: qlineargradient(spread:pad, "
-    "x1:0.452, y1:0.0397727, x2:0.452, y2:1, stop:0.361582 rgba(151, 0, 0, 255), stop:1 rgba(221, 182, 116, "
-    "255));\nfont: 75 16pt \"MS Shell Dlg 2\"  rgb(252, 252, 0);\n";
-
-template<typename T> T *child(const QWidget &window, const char *name)
-{
-    return window.findChild<T *>(QLatin1String(name));
-}
-
-QStackedWidget *stack(const MainWindow &window)
-{
-    return child<QStackedWidget>(window, "stackedWidget");
-}
-
-void click(const MainWindow &window, const char *button)
-{
-    child<QPushButton>(window, button)->click();
-}
-
-QString plainText(const QLabel *label)
-{
-    QTextDocument document;
-    document.setHtml(label->text());
-    return document.toPlainText();
-}
-
-} // namespace
-
 class TestMainWindow : public QObject
 {
     Q_OBJECT
 
+public:
+    static void initMain() { WidgetTest::initMain(); }
+
 private slots:
+    void initTestCase() { WidgetTest::initTestCase(); }
     void cleanup();
 
     void formHasTheDesignedWidgetsAndGeometry_data();
@@ -87,7 +62,7 @@ private slots:
 
 void TestMainWindow::cleanup()
 {
-    QVERIFY(noVisibleTopLevelWidgets());
+    VERIFY_NO_WIDGETS_LEFT();
 }
 
 void TestMainWindow::formHasTheDesignedWidgetsAndGeometry_data()
@@ -138,8 +113,8 @@ void TestMainWindow::formHasTheDesignedWidgetsAndGeometry()
     QFETCH(QString, className);
     QFETCH(QRect, geometry);
 
-    TempHome home;
-    MainWindow window;
+    MainWindowFixture f;
+    MainWindow &window = f.window();
     auto *widget = window.findChild<QWidget *>(name);
     QVERIFY2(widget, qPrintable(name));
     QCOMPARE(QString::fromLatin1(widget->metaObject()->className()), className);
@@ -148,8 +123,8 @@ void TestMainWindow::formHasTheDesignedWidgetsAndGeometry()
 
 void TestMainWindow::windowHasItsTitleSizeAndStyle()
 {
-    TempHome home;
-    MainWindow window;
+    MainWindowFixture f;
+    MainWindow &window = f.window();
     QCOMPARE(window.objectName(), QStringLiteral("MainWindow"));
     QCOMPARE(window.windowTitle(), QStringLiteral("MainWindow"));
     QCOMPARE(window.size(), QSize(1203, 824));
@@ -160,8 +135,8 @@ void TestMainWindow::windowHasItsTitleSizeAndStyle()
 
 void TestMainWindow::menuButtonsShareTheGradientStyleAndALightFont()
 {
-    TempHome home;
-    MainWindow window;
+    MainWindowFixture f;
+    MainWindow &window = f.window();
     const QList<QPair<const char *, QString>> buttons = {
         { "pushButtonHome", QStringLiteral("Home") },       { "pushButtonNewEntry", QStringLiteral("New Entry") },
         { "pushButtonHistory", QStringLiteral("History") }, { "pushButtonOptions", QStringLiteral("Options") },
@@ -171,19 +146,17 @@ void TestMainWindow::menuButtonsShareTheGradientStyleAndALightFont()
         auto *button = child<QPushButton>(window, name);
         QVERIFY2(button, name);
         QCOMPARE(button->text(), text);
-        QCOMPARE(button->styleSheet(), QString::fromLatin1(gradientButtonStyle));
+        QCOMPARE(button->styleSheet(), QString::fromLatin1(FormStyle::gradientButton));
         QCOMPARE(button->font().family(), QStringLiteral("MS Shell Dlg 2"));
     }
 }
 
 void TestMainWindow::pagesHaveTheirStyleSheets()
 {
-    TempHome home;
-    MainWindow window;
-    QCOMPARE(stack(window)->styleSheet(),
-             QStringLiteral("font: 75 14pt \"MS Shell Dlg 2\";\nborder-color: rgb(0, 0, 0);"));
-    QCOMPARE(child<QScrollArea>(window, "scrollArea_2")->styleSheet(),
-             QStringLiteral("font: 75 italic 14pt \"MS Shell Dlg 2\";"));
+    MainWindowFixture f;
+    MainWindow &window = f.window();
+    QCOMPARE(f.stack()->styleSheet(), QStringLiteral("font: 75 14pt \"MS Shell Dlg 2\";\nborder-color: rgb(0, 0, 0);"));
+    QCOMPARE(f.host()->styleSheet(), QStringLiteral("font: 75 italic 14pt \"MS Shell Dlg 2\";"));
     QCOMPARE(child<QFrame>(window, "frame")->styleSheet(),
              QStringLiteral("image: url(:/Images/LedgerlyHome.jpg);\nborder-color: rgb(0, 0, 0);"));
     QCOMPARE(child<QFrame>(window, "frameLogo_2")->styleSheet(),
@@ -191,7 +164,7 @@ void TestMainWindow::pagesHaveTheirStyleSheets()
     QCOMPARE(child<QFrame>(window, "frame")->frameShape(), QFrame::StyledPanel);
     QCOMPARE(child<QFrame>(window, "frame")->frameShadow(), QFrame::Raised);
 
-    auto *host = child<QScrollArea>(window, "scrollArea_2");
+    auto *host = f.host();
     QVERIFY(!host->widgetResizable());
     QCOMPARE(host->verticalScrollBarPolicy(), Qt::ScrollBarAsNeeded);
     QCOMPARE(host->horizontalScrollBarPolicy(), Qt::ScrollBarAsNeeded);
@@ -199,15 +172,15 @@ void TestMainWindow::pagesHaveTheirStyleSheets()
     QVERIFY(!child<QScrollArea>(window, "scrollArea")->widgetResizable());
     QVERIFY(child<QScrollArea>(window, "scrollArea_3")->widgetResizable());
 
-    QCOMPARE(stack(window)->widget(0)->objectName(), QStringLiteral("HomeWidget"));
-    QCOMPARE(stack(window)->widget(1)->objectName(), QStringLiteral("ExitWidget"));
-    QCOMPARE(stack(window)->widget(2)->objectName(), QStringLiteral("NewEntryContainerWidget"));
+    QCOMPARE(f.stack()->widget(0)->objectName(), QStringLiteral("HomeWidget"));
+    QCOMPARE(f.stack()->widget(1)->objectName(), QStringLiteral("ExitWidget"));
+    QCOMPARE(f.stack()->widget(2)->objectName(), QStringLiteral("NewEntryContainerWidget"));
 }
 
 void TestMainWindow::aboutPageShowsNameVersionAndBy()
 {
-    TempHome home;
-    MainWindow window;
+    MainWindowFixture f;
+    MainWindow &window = f.window();
     auto *name = child<QLabel>(window, "label");
     auto *version = child<QLabel>(window, "label_2");
     auto *by = child<QLabel>(window, "label_3");
@@ -224,88 +197,75 @@ void TestMainWindow::aboutPageShowsNameVersionAndBy()
 
 void TestMainWindow::homePageIsShownAfterConstruction()
 {
-    TempHome home;
-    MainWindow window;
-    window.show();
-    QVERIFY(QTest::qWaitForWindowExposed(&window));
-    QCOMPARE(stack(window)->currentIndex(), 0);
+    MainWindowFixture f;
+    MainWindow &window = f.window();
+    QVERIFY(f.show());
+    QCOMPARE(f.stack()->currentIndex(), 0);
     QVERIFY(child<QFrame>(window, "frame")->isVisible());
-    window.close();
 }
 
 void TestMainWindow::aboutAndHomeSwitchTheStackedPage()
 {
-    TempHome home;
-    MainWindow window;
-    click(window, "pushButtonExit");
-    QCOMPARE(stack(window)->currentIndex(), 1);
-    click(window, "pushButtonHome");
-    QCOMPARE(stack(window)->currentIndex(), 0);
-    click(window, "pushButtonExit");
-    click(window, "pushButtonExit");
-    QCOMPARE(stack(window)->currentIndex(), 1);
+    MainWindowFixture f;
+    f.click("pushButtonExit");
+    QCOMPARE(f.stack()->currentIndex(), 1);
+    f.click("pushButtonHome");
+    QCOMPARE(f.stack()->currentIndex(), 0);
+    f.click("pushButtonExit");
+    f.click("pushButtonExit");
+    QCOMPARE(f.stack()->currentIndex(), 1);
 }
 
 void TestMainWindow::historyOnAnEmptyStoreExplainsWhyAndStays()
 {
-    TempHome home;
-    MainWindow window;
-    click(window, "pushButtonExit");
+    MainWindowFixture f;
+    f.click("pushButtonExit");
 
     MessageBoxAnswerer answerer;
     answerer.answer(QMessageBox::Ok);
-    click(window, "pushButtonHistory");
+    f.click("pushButtonHistory");
 
     QCOMPARE(answerer.texts(), QStringList { QStringLiteral("No Entries added. Kindly add entry first") });
     QVERIFY2(answerer.errors().isEmpty(), qPrintable(answerer.errors().join('\n')));
     const SeenMessageBox &box = answerer.seen().constFirst();
-    QCOMPARE(box.buttons, QMessageBox::StandardButtons(QMessageBox::Ok));
-    QCOMPARE(box.defaultButton, QMessageBox::Ok);
-    QVERIFY(!box.hasParent);
-    QCOMPARE(stack(window)->currentIndex(), 1);
-    QCOMPARE(child<QScrollArea>(window, "scrollArea_2")->widget()->objectName(),
-             QStringLiteral("scrollAreaWidgetContents_2"));
+    VERIFY_BOX_SHAPE(box, BoxKind::Information);
+    QCOMPARE(f.stack()->currentIndex(), 1);
+    QCOMPARE(f.host()->widget()->objectName(), QStringLiteral("scrollAreaWidgetContents_2"));
 }
 
 void TestMainWindow::historyStaysAvailableAfterEntriesAreDeleted()
 {
-    TempHome home(TempHome::CurrentDir::Enter);
-    {
-        DatabaseManager store(nullptr);
-    }
-    RawDatabase raw(home.databasePath());
-    QVERIFY(raw.insertEntry(QStringLiteral("Coffee"), QStringLiteral("Drinks"),
-                            QDateTime(QDate(2026, 11, 15), QTime(8, 30)), 2.5));
-
-    MainWindow window;
+    MainWindowFixture f;
+    f.addEntry(QStringLiteral("Coffee"), QStringLiteral("Drinks"), QDateTime(QDate(2026, 11, 15), QTime(8, 30)), 2.5);
+    f.window();
+    RawDatabase raw(f.home.databasePath());
     QVERIFY(raw.exec(QStringLiteral("DELETE FROM Entry")));
     QCOMPARE(raw.scalar(QStringLiteral("SELECT COUNT(*) FROM Entry")).toInt(), 0);
 
     // Once entries were seen the refusal never comes back: the history page
     // opens on the empty store.
     MessageBoxAnswerer answerer;
-    click(window, "pushButtonHistory");
+    f.click("pushButtonHistory");
     QCoreApplication::processEvents();
     QVERIFY(answerer.seen().isEmpty());
     QVERIFY(answerer.errors().isEmpty());
-    QCOMPARE(stack(window)->currentIndex(), 2);
-    QVERIFY(qobject_cast<HistoryWidget *>(child<QScrollArea>(window, "scrollArea_2")->widget()));
+    QCOMPARE(f.stack()->currentIndex(), 2);
+    QVERIFY(qobject_cast<HistoryWidget *>(f.host()->widget()));
 }
 
 void TestMainWindow::historyOpensOnceAnEntryWasAddedOnTheNewEntryPage()
 {
-    TempHome home(TempHome::CurrentDir::Enter);
+    MainWindowFixture f;
     qunsetenv("LEDGERLY_GEOLOCATION_URL");
-    MainWindow window;
-    auto *host = child<QScrollArea>(window, "scrollArea_2");
+    auto *host = f.host();
 
     MessageBoxAnswerer answerer;
     answerer.answer(QMessageBox::Ok);
-    click(window, "pushButtonHistory");
+    f.click("pushButtonHistory");
     QCOMPARE(answerer.texts(), QStringList { QStringLiteral("No Entries added. Kindly add entry first") });
-    QCOMPARE(stack(window)->currentIndex(), 0);
+    QCOMPARE(f.stack()->currentIndex(), 0);
 
-    click(window, "pushButtonNewEntry");
+    f.click("pushButtonNewEntry");
     auto *page = qobject_cast<AddEntryWidget *>(host->widget());
     QVERIFY(page);
     QTest::keyClicks(page->findChild<QLineEdit *>(QStringLiteral("lineEditItemName")), QStringLiteral("Coffee"));
@@ -316,10 +276,10 @@ void TestMainWindow::historyOpensOnceAnEntryWasAddedOnTheNewEntryPage()
     QCOMPARE(answerer.seen().size(), 3);
     QCOMPARE(answerer.seen().at(2).text, QStringLiteral("Entry added to the database successfully"));
 
-    click(window, "pushButtonHistory");
+    f.click("pushButtonHistory");
     QCOMPARE(answerer.seen().size(), 3);
     QVERIFY2(answerer.errors().isEmpty(), qPrintable(answerer.errors().join('\n')));
-    QCOMPARE(stack(window)->currentIndex(), 2);
+    QCOMPARE(f.stack()->currentIndex(), 2);
     auto *history = qobject_cast<HistoryWidget *>(host->widget());
     QVERIFY(history);
     auto *entries = history->findChild<QTableWidget *>(QStringLiteral("tableWidgetAllEntries"));
@@ -341,21 +301,12 @@ void TestMainWindow::everyDataPageKeepsItsBlackBackgroundInTheItalicHost()
     QFETCH(QByteArray, button);
     QFETCH(QString, pageName);
 
-    TempHome home(TempHome::CurrentDir::Enter);
+    MainWindowFixture f;
     qunsetenv("LEDGERLY_GEOLOCATION_URL");
-    {
-        DatabaseManager store(nullptr);
-    }
-    RawDatabase raw(home.databasePath());
-    QVERIFY(raw.insertEntry(QStringLiteral("Coffee"), QStringLiteral("Drinks"),
-                            QDateTime(QDate(2026, 11, 15), QTime(8, 30)), 2.5));
-
-    MainWindow window;
-    window.show();
-    QVERIFY(QTest::qWaitForWindowExposed(&window));
-    click(window, button.constData());
-    auto *host = child<QScrollArea>(window, "scrollArea_2");
-    QWidget *page = host->widget();
+    f.addEntry(QStringLiteral("Coffee"), QStringLiteral("Drinks"), QDateTime(QDate(2026, 11, 15), QTime(8, 30)), 2.5);
+    QVERIFY(f.show());
+    f.click(button.constData());
+    QWidget *page = f.page();
     QCOMPARE(page->objectName(), pageName);
     QCOMPARE(page->styleSheet(), QStringLiteral("background-color: rgb(0, 0, 0);"));
     QCOMPARE(page->size(), QSize(888, 761));
@@ -365,16 +316,15 @@ void TestMainWindow::everyDataPageKeepsItsBlackBackgroundInTheItalicHost()
     const QImage shot = page->grab().toImage();
     QCOMPARE(shot.pixelColor(4, 300), QColor(Qt::black));
     QCOMPARE(shot.pixelColor(884, 300), QColor(Qt::black));
-    window.close();
 }
 
 void TestMainWindow::constructionCreatesTheDatabaseFileInTheHomeDirectory()
 {
-    TempHome home;
-    QVERIFY(!QFile::exists(home.databasePath()));
-    MainWindow window;
-    QVERIFY(QFile::exists(home.databasePath()));
-    RawDatabase raw(home.databasePath());
+    MainWindowFixture f;
+    QVERIFY(!QFile::exists(f.home.databasePath()));
+    f.window();
+    QVERIFY(QFile::exists(f.home.databasePath()));
+    RawDatabase raw(f.home.databasePath());
     QCOMPARE(raw.scalar(QStringLiteral("SELECT COUNT(*) FROM Category")).toInt(), 37);
 }
 
@@ -406,10 +356,9 @@ void TestMainWindow::resourceInitialiserStaysCallable()
 
 void TestMainWindow::pictureFramesShowTheCompiledInPictures()
 {
-    TempHome home;
-    MainWindow window;
-    window.show();
-    QVERIFY(QTest::qWaitForWindowExposed(&window));
+    MainWindowFixture f;
+    MainWindow &window = f.window();
+    QVERIFY(f.show());
     auto *frame = child<QFrame>(window, "frame");
     const QImage shot = frame->grab().toImage();
     // The home picture is dark blue-green with light lettering: many distinct
@@ -419,7 +368,6 @@ void TestMainWindow::pictureFramesShowTheCompiledInPictures()
         for (int x = 0; x < shot.width(); x += 7)
             colours.insert(shot.pixel(x, y));
     QVERIFY2(colours.size() > 50, qPrintable(QString::number(colours.size())));
-    window.close();
 }
 
 void TestMainWindow::unreadableHomeIsReportedOnce()
@@ -449,6 +397,7 @@ void TestMainWindow::unreadableHomeIsReportedOnce()
     qputenv("HOME", oldHome);
 
     QCOMPARE(answerer.seen().size(), 1);
+    VERIFY_BOX_SHAPE(answerer.seen().constFirst(), BoxKind::Warning);
     const QString text = answerer.seen().constFirst().text;
     QVERIFY2(text.contains(homePath + QStringLiteral("/ledgerlydatabase.db")), qPrintable(text));
     QVERIFY2(text.contains(QStringLiteral("unable to open database file")), qPrintable(text));
@@ -458,39 +407,38 @@ void TestMainWindow::unreadableHomeIsReportedOnce()
 
 void TestMainWindow::fileThatIsNotADatabaseIsReportedAndLeftUntouched()
 {
-    TempHome home;
+    MainWindowFixture f;
     QByteArray noise;
     for (int i = 0; i < 8192; ++i)
         noise.append(char((i * 7919 + 13) % 251));
     {
-        QFile file(home.databasePath());
+        QFile file(f.home.databasePath());
         QVERIFY(file.open(QIODevice::WriteOnly));
         file.write(noise);
     }
 
     MessageBoxAnswerer answerer;
     answerer.answer(QMessageBox::Ok);
-    {
-        MainWindow window;
-        runPendingEventsAndClearQuit();
-        QCOMPARE(answerer.seen().size(), 1);
+    f.window();
+    runPendingEventsAndClearQuit();
+    QCOMPARE(answerer.seen().size(), 1);
+    VERIFY_BOX_SHAPE(answerer.seen().constFirst(), BoxKind::Warning);
 
-        // Every later request fails quietly; History refuses as on an empty store.
-        answerer.answer(QMessageBox::Ok);
-        window.findChild<QPushButton *>(QStringLiteral("pushButtonHistory"))->click();
-    }
+    // Every later request fails quietly; History refuses as on an empty store.
+    answerer.answer(QMessageBox::Ok);
+    f.click("pushButtonHistory");
 
     QCOMPARE(answerer.seen().size(), 2);
     const QString text = answerer.seen().constFirst().text;
-    QVERIFY2(text.contains(home.databasePath()), qPrintable(text));
+    QVERIFY2(text.contains(f.home.databasePath()), qPrintable(text));
     QVERIFY2(text.contains(QStringLiteral("file is not a database")), qPrintable(text));
     QCOMPARE(answerer.seen().at(1).text, QStringLiteral("No Entries added. Kindly add entry first"));
 
-    QFile file(home.databasePath());
+    QFile file(f.home.databasePath());
     QVERIFY(file.open(QIODevice::ReadOnly));
     QCOMPARE(file.readAll(), noise);
 }
 
-LEDGERLY_TEST_MAIN(TestMainWindow)
+QTEST_MAIN(TestMainWindow)
 
 #include "tst_mainwindow.moc"

@@ -1,12 +1,14 @@
 #include "databasemanager.h"
 #include "mainwindow.h"
 #include "optionswidget.h"
-#include "storetable.h"
+#include "storageform.h"
 
+#include "mainwindowfixture.h"
 #include "messageboxanswerer.h"
 #include "rawdatabase.h"
 #include "temphome.h"
-#include "testmain.h"
+#include "testsupport.h"
+#include "widgettest.h"
 
 #include <QComboBox>
 #include <QDateTimeEdit>
@@ -29,27 +31,10 @@
 
 namespace {
 
-const char gradientButtonStyle[] =
-    "border-style: outset;\nborder-width: 2px;\nborder-color: beige;\n\nbackground-color: qlineargradient(spread:pad, "
-    "x1:0.452, y1:0.0397727, x2:0.452, y2:1, stop:0.361582 rgba(151, 0, 0, 255), stop:1 rgba(221, 182, 116, "
-    "255));\nfont: 75 16pt \"MS Shell Dlg 2\"  rgb(252, 252, 0);\n";
-const char borderedComboStyle[] =
-    "border-style: outset;\nborder-width: 2px;\nborder-color: beige;\nfont: 75 14pt \"MS Shell Dlg 2\";";
-const char inputFieldStyle[] = "border-style: outset;\nborder-width: 2px;\nborder-color: beige;\nfont: 75 14pt \"MS "
-                               "Shell Dlg 2\";\nbackground-color: rgb(254, 255, 189);";
-
 const QString unsavedText = QStringLiteral("Your changes to the entries could not be saved.");
 
 enum Tab { CategoryTab = 0, ModeTab = 1, EntriesTab = 2 };
 enum Column { ItemNameColumn = 1, DateColumn = 4, PriceColumn = 5, LocationColumn = 6 };
-
-template<typename T> T *child(const QWidget &widget, const char *name)
-{
-    T *found = widget.findChild<T *>(QLatin1String(name));
-    if (!found)
-        qWarning("no child %s", name);
-    return found;
-}
 
 QStringList items(const QComboBox *box)
 {
@@ -57,13 +42,6 @@ QStringList items(const QComboBox *box)
     for (int i = 0; i < box->count(); ++i)
         result.append(box->itemText(i));
     return result;
-}
-
-QString plainText(const QLabel *label)
-{
-    QTextDocument document;
-    document.setHtml(label->text());
-    return document.toPlainText();
 }
 
 // Categories that no entry uses, in the store's order, read straight from the file.
@@ -154,7 +132,11 @@ class TestOptionsWidget : public QObject
 {
     Q_OBJECT
 
+public:
+    static void initMain() { WidgetTest::initMain(); }
+
 private slots:
+    void initTestCase() { WidgetTest::initTestCase(); }
     void cleanup();
 
     // The form
@@ -206,7 +188,7 @@ private slots:
 
 void TestOptionsWidget::cleanup()
 {
-    QVERIFY(noVisibleTopLevelWidgets());
+    VERIFY_NO_WIDGETS_LEFT();
 }
 
 void TestOptionsWidget::formHasTheDesignedWidgetsAndGeometry_data()
@@ -268,18 +250,22 @@ void TestOptionsWidget::formHasItsTitleSizeAndStyles()
     QCOMPARE(scrollArea->widget()->objectName(), QStringLiteral("scrollAreaWidgetContents"));
     QCOMPARE(scrollArea->styleSheet(), QStringLiteral("font: 75 14pt \"MS Shell Dlg 2\";"));
 
-    QCOMPARE(tabs(page)->styleSheet(), QString::fromLatin1(borderedComboStyle));
-    QCOMPARE(child<QComboBox>(page, "comboBoxCategoryName")->styleSheet(), QString::fromLatin1(borderedComboStyle));
-    QCOMPARE(child<QComboBox>(page, "comboBoxNewModeNames")->styleSheet(), QString::fromLatin1(borderedComboStyle));
-    QCOMPARE(child<QLineEdit>(page, "lineEditNewCategoryName")->styleSheet(), QString::fromLatin1(inputFieldStyle));
-    QCOMPARE(child<QLineEdit>(page, "lineEditCategoryNameToEdit")->styleSheet(), QString::fromLatin1(inputFieldStyle));
+    QCOMPARE(tabs(page)->styleSheet(), QString::fromLatin1(FormStyle::borderedCombo));
+    QCOMPARE(child<QComboBox>(page, "comboBoxCategoryName")->styleSheet(),
+             QString::fromLatin1(FormStyle::borderedCombo));
+    QCOMPARE(child<QComboBox>(page, "comboBoxNewModeNames")->styleSheet(),
+             QString::fromLatin1(FormStyle::borderedCombo));
+    QCOMPARE(child<QLineEdit>(page, "lineEditNewCategoryName")->styleSheet(),
+             QString::fromLatin1(FormStyle::inputField));
+    QCOMPARE(child<QLineEdit>(page, "lineEditCategoryNameToEdit")->styleSheet(),
+             QString::fromLatin1(FormStyle::inputField));
     QCOMPARE(entriesView(page)->styleSheet(),
              QStringLiteral("border-color: rgb(181, 181, 181);\nfont: 75 12pt \"MS Shell Dlg 2\";\n"
                             "background-color: rgb(255, 170, 127);"));
 
     for (const char *name : { "pushButtonAddNewCategory", "pushButtonEditCategory", "pushButtonChangeMode",
                               "pushButtonSaveChanges", "pushButtonCancelChanges" })
-        QCOMPARE(child<QPushButton>(page, name)->styleSheet(), QString::fromLatin1(gradientButtonStyle));
+        QCOMPARE(child<QPushButton>(page, name)->styleSheet(), QString::fromLatin1(FormStyle::gradientButton));
 
     // The add button carries the widget font of the menu buttons as well.
     QCOMPARE(child<QPushButton>(page, "pushButtonAddNewCategory")->font().family(), QStringLiteral("MS Shell Dlg 2"));
@@ -374,17 +360,8 @@ void TestOptionsWidget::addingACategoryConfirmsStoresAndClearsTheField()
              QStringList({ QStringLiteral("Category Name Entered - Pets "),
                            QStringLiteral("Category added to the database successfully") }));
     QVERIFY2(answerer.errors().isEmpty(), qPrintable(answerer.errors().join('\n')));
-    const SeenMessageBox &question = answerer.seen().at(0);
-    QCOMPARE(question.buttons, QMessageBox::Save | QMessageBox::Discard);
-    QCOMPARE(question.defaultButton, QMessageBox::Save);
-    const SeenMessageBox &information = answerer.seen().at(1);
-    QCOMPARE(information.buttons, QMessageBox::StandardButtons(QMessageBox::Ok));
-    QCOMPARE(information.defaultButton, QMessageBox::Ok);
-    for (const SeenMessageBox &box : answerer.seen()) {
-        QVERIFY(!box.hasParent);
-        QVERIFY(box.title.isEmpty());
-        QCOMPARE(box.icon, QMessageBox::NoIcon);
-    }
+    VERIFY_BOX_SHAPE(answerer.seen().at(0), BoxKind::Confirmation);
+    VERIFY_BOX_SHAPE(answerer.seen().at(1), BoxKind::Information);
 
     QCOMPARE(categoryCount(f.raw, QStringLiteral("Pets")), 1);
     QVERIFY(field->text().isEmpty());
@@ -448,7 +425,7 @@ void TestOptionsWidget::anEmptyNameIsRefusedWithoutAskingTheStore()
     child<QPushButton>(page, button.constData())->click();
 
     QCOMPARE(answerer.texts(), QStringList { QStringLiteral("New Category Name cannot be empty") });
-    QCOMPARE(answerer.seen().constFirst().buttons, QMessageBox::StandardButtons(QMessageBox::Ok));
+    VERIFY_BOX_SHAPE(answerer.seen().constFirst(), BoxKind::Information);
     QVERIFY(answerer.errors().isEmpty());
     QCOMPARE(f.raw.rows(QStringLiteral("SELECT * FROM Category ORDER BY SNo")), before);
 }
@@ -603,9 +580,8 @@ void TestOptionsWidget::switchingModeAsksReportsAndOffersTheOthers()
     QCOMPARE(answerer.texts(),
              QStringList({ QStringLiteral("You are switching from Default to Time Saving "),
                            QStringLiteral("Mode switched from Default to Time Saving ") }));
-    QCOMPARE(answerer.seen().at(0).buttons, QMessageBox::Save | QMessageBox::Discard);
-    QCOMPARE(answerer.seen().at(0).defaultButton, QMessageBox::Save);
-    QCOMPARE(answerer.seen().at(1).buttons, QMessageBox::StandardButtons(QMessageBox::Ok));
+    VERIFY_BOX_SHAPE(answerer.seen().at(0), BoxKind::Confirmation);
+    VERIFY_BOX_SHAPE(answerer.seen().at(1), BoxKind::Information);
     QVERIFY(answerer.errors().isEmpty());
 
     QCOMPARE(child<QLabel>(page, "labelCurrentModeActual")->text(),
@@ -746,7 +722,7 @@ void TestOptionsWidget::savingStoresAnEditedPriceAndItemNameAndSaysNothing()
 
     QCOMPARE(entryValue(f.raw, sno, "ItemName"), QStringLiteral("Tea"));
     QCOMPARE(entryPrice(f.raw, sno), 3.75);
-    QCOMPARE(entryValue(f.raw, sno, "TransactDateTime"), RawDatabase::isoText(when));
+    QCOMPARE(entryValue(f.raw, sno, "TransactDateTime"), StorageForm::dateTime(when));
     QCOMPARE(entryValue(f.raw, sno, "CategoryName"), QStringLiteral("Drinks"));
     QCOMPARE(entryValue(f.raw, sno, "EnableGeoLoc"), QStringLiteral("false"));
     QVERIFY(!model->isDirty());
@@ -921,18 +897,15 @@ void TestOptionsWidget::aFailedSaveIsReportedOnceAndKeepsTheEditsForALaterSave()
     QTRY_VERIFY(model->isDirty());
 
     // Another program holds the file: the save waits a little for it, then
-    // fails. Each model waits on its own, so the store's own wait of
-    // several seconds would make this one press last many times as long.
-    const int storeBusyTimeout = StoreTable::busyTimeout();
-    QVERIFY(storeBusyTimeout > 0);
+    // fails. Each model waits on its own, so the store's own wait of five
+    // seconds would make this one press last many times as long.
     QVERIFY(f.raw.exec(QStringLiteral("BEGIN EXCLUSIVE")));
     MessageBoxAnswerer answerer;
     answerer.answer(QMessageBox::Ok);
     QElapsedTimer pressing;
     pressing.start();
     child<QPushButton>(page, "pushButtonSaveChanges")->click();
-    QVERIFY2(pressing.elapsed() < storeBusyTimeout, qPrintable(QString::number(pressing.elapsed())));
-    QCOMPARE(StoreTable::busyTimeout(), storeBusyTimeout);
+    QVERIFY2(pressing.elapsed() < 5000, qPrintable(QString::number(pressing.elapsed())));
 
     QCOMPARE(answerer.seen().size(), 1);
     QVERIFY(answerer.errors().isEmpty());
@@ -940,10 +913,7 @@ void TestOptionsWidget::aFailedSaveIsReportedOnceAndKeepsTheEditsForALaterSave()
     QVERIFY2(box.text.startsWith(unsavedText), qPrintable(box.text));
     QVERIFY2(box.text.contains(QStringLiteral("database is locked")), qPrintable(box.text));
     QVERIFY2(box.text.contains(QStringLiteral("press Save to try again")), qPrintable(box.text));
-    QCOMPARE(box.buttons, QMessageBox::StandardButtons(QMessageBox::Ok));
-    QCOMPARE(box.defaultButton, QMessageBox::Ok);
-    QCOMPARE(box.icon, QMessageBox::Warning);
-    QVERIFY(!box.hasParent);
+    VERIFY_BOX_SHAPE(box, BoxKind::Warning);
 
     QVERIFY(f.raw.exec(QStringLiteral("ROLLBACK")));
     QCOMPARE(entryPrice(f.raw, sno), 2.5);
@@ -1007,12 +977,12 @@ void TestOptionsWidget::anUnreadableFileLeavesTheTableEmptyAndSilent()
 
 void TestOptionsWidget::optionsShowsThePageOnStackedPage2()
 {
-    TempHome home;
-    MainWindow window;
-    auto *host = child<QScrollArea>(window, "scrollArea_2");
+    MainWindowFixture f;
+    MainWindow &window = f.window();
+    auto *host = f.host();
     child<QPushButton>(window, "pushButtonOptions")->click();
 
-    QCOMPARE(child<QStackedWidget>(window, "stackedWidget")->currentIndex(), 2);
+    QCOMPARE(f.stack()->currentIndex(), 2);
     auto *page = qobject_cast<OptionsWidget *>(host->widget());
     QVERIFY(page);
     QCOMPARE(page->objectName(), QStringLiteral("OptionsWidget"));
@@ -1025,9 +995,9 @@ void TestOptionsWidget::optionsShowsThePageOnStackedPage2()
 
 void TestOptionsWidget::optionsReplacesThePageAndStartsFromDefaultAgain()
 {
-    TempHome home;
-    MainWindow window;
-    auto *host = child<QScrollArea>(window, "scrollArea_2");
+    MainWindowFixture f;
+    MainWindow &window = f.window();
+    auto *host = f.host();
     child<QPushButton>(window, "pushButtonOptions")->click();
     QPointer<OptionsWidget> first = qobject_cast<OptionsWidget *>(host->widget());
     QVERIFY(first);
@@ -1046,11 +1016,11 @@ void TestOptionsWidget::optionsReplacesThePageAndStartsFromDefaultAgain()
     QVERIFY(first.isNull());
     auto *second = qobject_cast<OptionsWidget *>(host->widget());
     QVERIFY(second);
-    QCOMPARE(child<QStackedWidget>(window, "stackedWidget")->currentIndex(), 2);
+    QCOMPARE(f.stack()->currentIndex(), 2);
     QCOMPARE(child<QLabel>(*second, "labelCurrentModeActual")->text(),
              QStringLiteral("<font color=#ff0000> Default </font>"));
 }
 
-LEDGERLY_TEST_MAIN(TestOptionsWidget)
+QTEST_MAIN(TestOptionsWidget)
 
 #include "tst_optionswidget.moc"

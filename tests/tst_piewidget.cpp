@@ -1,5 +1,5 @@
 #include "piewidget.h"
-#include "testmain.h"
+#include "widgettest.h"
 
 #include <QColor>
 #include <QFontMetrics>
@@ -83,8 +83,12 @@ class TestPieWidget : public QObject
 {
     Q_OBJECT
 
+public:
+    static void initMain() { WidgetTest::initMain(); }
+
 private slots:
-    void cleanup() { QVERIFY(noVisibleTopLevelWidgets()); }
+    void initTestCase() { WidgetTest::initTestCase(); }
+    void cleanup() { VERIFY_NO_WIDGETS_LEFT(); }
 
     void sizeHintIsTheLegendHeightAndThePieBesideTheLongestLabel()
     {
@@ -362,5 +366,5 @@ private slots:
     }
 };
 
-LEDGERLY_TEST_MAIN(TestPieWidget)
+QTEST_MAIN(TestPieWidget)
 #include "tst_piewidget.moc"

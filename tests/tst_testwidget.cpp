@@ -2,10 +2,11 @@
 #include "mainwindow.h"
 #include "testwidget.h"
 
+#include "mainwindowfixture.h"
 #include "messageboxanswerer.h"
 #include "rawdatabase.h"
 #include "temphome.h"
-#include "testmain.h"
+#include "widgettest.h"
 
 #include <QPushButton>
 #include <QRegularExpression>
@@ -15,19 +16,6 @@
 #include <QtTest>
 
 namespace {
-
-const char gradientButtonStyle[] =
-    "border-style: outset;\nborder-width: 2px;\nborder-color: beige;\n\nbackground-color: qlineargradient(spread:pad, "
-    "x1:0.452, y1:0.0397727, x2:0.452, y2:1, stop:0.361582 rgba(151, 0, 0, 255), stop:1 rgba(221, 182, 116, "
-    "255));\nfont: 75 16pt \"MS Shell Dlg 2\"  rgb(252, 252, 0);\n";
-
-template<typename T> T *child(const QWidget &widget, const QString &name)
-{
-    T *found = widget.findChild<T *>(name);
-    if (!found)
-        qWarning("no child %s", qPrintable(name));
-    return found;
-}
 
 struct Fixture
 {
@@ -64,7 +52,11 @@ class TestTestWidget : public QObject
 {
     Q_OBJECT
 
+public:
+    static void initMain() { WidgetTest::initMain(); }
+
 private slots:
+    void initTestCase() { WidgetTest::initTestCase(); }
     void cleanup();
 
     void formHasTheDesignedButtonsAndTable_data();
@@ -86,7 +78,7 @@ private slots:
 
 void TestTestWidget::cleanup()
 {
-    QVERIFY(noVisibleTopLevelWidgets());
+    VERIFY_NO_WIDGETS_LEFT();
 }
 
 void TestTestWidget::formHasTheDesignedButtonsAndTable_data()
@@ -115,7 +107,7 @@ void TestTestWidget::formHasTheDesignedButtonsAndTable()
     QVERIFY(button);
     QCOMPARE(button->geometry(), geometry);
     QCOMPARE(button->text(), text);
-    QCOMPARE(button->styleSheet(), QString::fromLatin1(gradientButtonStyle));
+    QCOMPARE(button->styleSheet(), QString::fromLatin1(FormStyle::gradientButton));
     QCOMPARE(button->parentWidget()->objectName(), QStringLiteral("scrollAreaWidgetContents"));
 }
 
@@ -172,11 +164,7 @@ void TestTestWidget::eachButtonReportsAndShowsTheTableItWrote()
     TestWidget page(&f.store);
     const SeenMessageBox box = press(page, button);
     QCOMPARE(box.text, text);
-    QCOMPARE(box.buttons, QMessageBox::StandardButtons(QMessageBox::Ok));
-    QCOMPARE(box.defaultButton, QMessageBox::Ok);
-    QCOMPARE(box.icon, QMessageBox::NoIcon);
-    QVERIFY(box.title.isEmpty());
-    QVERIFY(!box.hasParent);
+    VERIFY_BOX_SHAPE(box, BoxKind::Information);
 
     QCOMPARE(count(f.raw, table), rowsAfter);
     QSqlTableModel *model = shownModel(page);
@@ -295,7 +283,7 @@ void TestTestWidget::failedWritesShowTheirFailureTexts()
     TestWidget page(&f.store);
     const SeenMessageBox box = press(page, button);
     QCOMPARE(box.text, text);
-    QCOMPARE(box.buttons, QMessageBox::StandardButtons(QMessageBox::Ok));
+    VERIFY_BOX_SHAPE(box, BoxKind::Information);
     // The view still gets the table's model; there is just nothing to show.
     QCOMPARE(shownModel(page)->tableName(), table);
     QCOMPARE(shownModel(page)->rowCount(), 0);
@@ -339,8 +327,8 @@ void TestTestWidget::eachPressReplacesTheTableInTheView()
 
 void TestTestWidget::noMenuButtonLeadsToThePage()
 {
-    TempHome home;
-    MainWindow window;
+    MainWindowFixture f;
+    MainWindow &window = f.window();
     for (const char *name : { "pushButtonHome", "pushButtonExit", "pushButtonOptions" }) {
         child<QPushButton>(window, QString::fromLatin1(name))->click();
         QVERIFY2(!window.findChild<TestWidget *>(), name);
@@ -350,6 +338,6 @@ void TestTestWidget::noMenuButtonLeadsToThePage()
         QVERIFY2(!button->text().contains(QStringLiteral("Test")), qPrintable(button->text()));
 }
 
-LEDGERLY_TEST_MAIN(TestTestWidget)
+QTEST_MAIN(TestTestWidget)
 
 #include "tst_testwidget.moc"

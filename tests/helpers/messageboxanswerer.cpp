@@ -5,6 +5,30 @@
 #include <QApplication>
 #include <QTest>
 
+QString boxShapeMismatch(const SeenMessageBox &box, BoxKind kind)
+{
+    const bool confirmation = kind == BoxKind::Confirmation;
+    const QMessageBox::StandardButtons buttons =
+        confirmation ? QMessageBox::Save | QMessageBox::Discard : QMessageBox::StandardButtons(QMessageBox::Ok);
+    const QMessageBox::StandardButton defaultButton = confirmation ? QMessageBox::Save : QMessageBox::Ok;
+    const QMessageBox::Icon icon = kind == BoxKind::Warning ? QMessageBox::Warning : QMessageBox::NoIcon;
+
+    QStringList differences;
+    if (box.buttons != buttons)
+        differences.append(QStringLiteral("buttons %1 instead of %2").arg(box.buttons.toInt()).arg(buttons.toInt()));
+    if (box.defaultButton != defaultButton)
+        differences.append(QStringLiteral("default button %1 instead of %2").arg(box.defaultButton).arg(defaultButton));
+    if (box.icon != icon)
+        differences.append(QStringLiteral("icon %1 instead of %2").arg(box.icon).arg(icon));
+    if (!box.title.isEmpty())
+        differences.append(QStringLiteral("title \"%1\"").arg(box.title));
+    if (box.hasParent)
+        differences.append(QStringLiteral("a parent"));
+    if (differences.isEmpty())
+        return QString();
+    return QStringLiteral("box \"%1\": %2").arg(box.text, differences.join(QStringLiteral(", ")));
+}
+
 MessageBoxAnswerer::MessageBoxAnswerer(QObject *parent) : QObject(parent)
 {
     timer.setInterval(5);

@@ -5,6 +5,7 @@
 #include <QObject>
 #include <QQueue>
 #include <QStringList>
+#include <QTest>
 #include <QTimer>
 
 // What a test saw of one modal message box.
@@ -18,6 +19,21 @@ struct SeenMessageBox
     bool hasParent = false;
     QMessageBox::StandardButton pressed = QMessageBox::NoButton;
 };
+
+// The program's kinds of message box (see Notice): all parent-less and
+// untitled; an information box has no icon and the single button Ok, also
+// the default; a warning the same with the warning icon; a confirmation
+// Save and Discard, Save the default, and no icon.
+enum class BoxKind { Information, Warning, Confirmation };
+
+// Empty when the box has the shape of its kind, otherwise what differs.
+QString boxShapeMismatch(const SeenMessageBox &box, BoxKind kind);
+
+#define VERIFY_BOX_SHAPE(box, kind)                                                                                    \
+    do {                                                                                                               \
+        const QString mismatch = boxShapeMismatch(box, kind);                                                          \
+        QVERIFY2(mismatch.isEmpty(), qPrintable(mismatch));                                                            \
+    } while (false)
 
 // Answers the program's modal message boxes: queue the buttons to press, then
 // trigger the action. Each box that shows is recorded and answered with the

@@ -1,5 +1,7 @@
 #include "rawdatabase.h"
 
+#include "storageform.h"
+
 #include <QAtomicInt>
 #include <QSqlDatabase>
 #include <QSqlError>
@@ -82,11 +84,6 @@ QString RawDatabase::connectionName() const
     return name;
 }
 
-QString RawDatabase::isoText(const QDateTime &when)
-{
-    return when.toString(QStringLiteral("yyyy-MM-ddTHH:mm:ss"));
-}
-
 int RawDatabase::insertEntry(const QString &item, const QString &category, const QDateTime &when, double price,
                              const QString &location, bool geo, double longitude, double latitude)
 {
@@ -98,10 +95,10 @@ int RawDatabase::insertEntry(const QString &item, const QString &category, const
     query.addBindValue(item);
     query.addBindValue(category);
     query.addBindValue(category);
-    query.addBindValue(isoText(when));
+    query.addBindValue(StorageForm::dateTime(when));
     query.addBindValue(price);
     query.addBindValue(location);
-    query.addBindValue(geo ? QStringLiteral("true") : QStringLiteral("false"));
+    query.addBindValue(StorageForm::boolean(geo));
     query.addBindValue(longitude);
     query.addBindValue(latitude);
     if (!query.exec()) {

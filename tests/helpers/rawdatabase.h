@@ -23,13 +23,11 @@ public:
     QString lastError() const;
     QString connectionName() const;
 
-    // Writes an entry row directly, in the file's storage forms (ISO date
-    // text without milliseconds, "true"/"false"). Returns the new SNo or 0.
+    // Writes an entry row directly, in the file's storage forms. Returns the
+    // new SNo or 0.
     int insertEntry(const QString &item, const QString &category, const QDateTime &when, double price,
                     const QString &location = QStringLiteral("Somewhere"), bool geo = false, double longitude = 103.0,
                     double latitude = 1.3);
-
-    static QString isoText(const QDateTime &when);
 
 private:
     QString name;

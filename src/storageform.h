@@ -1,0 +1,26 @@
+#pragma once
+
+#include <QDateTime>
+#include <QString>
+
+// The forms in which the database file keeps the values that Qt's SQLite
+// driver would write differently. The store binds through these, and so do
+// the entry table's editors, the tests and the benchmarks, so that every
+// writer of the file agrees with every date comparison the store makes.
+class StorageForm
+{
+public:
+    // yyyy-MM-ddTHH:mm:ss in whole seconds; a null text for an invalid
+    // date-time. Qt 6's driver would add milliseconds, and the store's date
+    // comparisons are text comparisons.
+    static QString dateTime(const QDateTime &when);
+
+    // A stored date-time: the file's own form, and any other ISO 8601 form
+    // (milliseconds, a zone, 24:00) as Qt's general parser reads it; invalid
+    // when the text is no date-time at all.
+    static QDateTime readDateTime(const QString &text);
+
+    // "true" or "false": the driver would write 1 or 0, and the file has
+    // always held the texts, which QVariant::toBool reads back.
+    static QString boolean(bool value);
+};

@@ -1,0 +1,17 @@
+#pragma once
+
+#include <QStringList>
+
+// Chores and checks any test may need, on QtCore alone.
+
+// The Qt GUI libraries (Gui, Widgets, any WebEngine part) mapped into this
+// process, by file name; empty for a process that runs without a display.
+QStringList loadedGuiLibraries();
+
+// A store that cannot open its file asks the application to quit, as the
+// program always has. Before the event loop runs, Qt 6 keeps that request
+// pending, so every nested event loop (a message box's exec()) would return
+// at once until QCoreApplication::exec() clears it, as main() does. Tests
+// clear it the same way: a short exec() that quits at once. Events already
+// posted (a queued message box, say) are delivered inside it.
+void runPendingEventsAndClearQuit();

@@ -1,0 +1,92 @@
+#include "settings.h"
+
+#include <QFile>
+#include <QSettings>
+#include <QTemporaryDir>
+#include <QTest>
+
+namespace {
+
+const char serviceVariable[] = "LEDGERLY_GEOLOCATION_URL";
+
+void setConfiguredService(const QString &url)
+{
+    QSettings settings(QStringLiteral("Ledgerly"), QStringLiteral("Ledgerly"));
+    settings.setValue(QStringLiteral("GeoLocation/ServiceUrl"), url);
+}
+
+} // namespace
+
+class TestSettings : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void init();
+    void cleanup();
+
+    void withNeitherSettingNorVariableThereIsNoService();
+    void theServiceComesFromTheKeyInLedgerlysSettingsFile();
+    void theVariableOverridesTheKey();
+    void anEmptyVariableLeavesTheKeyInForce();
+    void blanksAroundTheAddressAreDropped();
+
+private:
+    QTemporaryDir settingsDir;
+};
+
+void TestSettings::initTestCase()
+{
+    QVERIFY(settingsDir.isValid());
+    // The settings of the user running the tests must not leak in.
+    QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, settingsDir.path());
+}
+
+void TestSettings::init()
+{
+    qunsetenv(serviceVariable);
+    QSettings(QStringLiteral("Ledgerly"), QStringLiteral("Ledgerly")).clear();
+}
+
+void TestSettings::cleanup()
+{
+    qunsetenv(serviceVariable);
+}
+
+void TestSettings::withNeitherSettingNorVariableThereIsNoService()
+{
+    QVERIFY(Settings().geoLocationServiceUrl().isEmpty());
+}
+
+void TestSettings::theServiceComesFromTheKeyInLedgerlysSettingsFile()
+{
+    setConfiguredService(QStringLiteral("http://geo.example.net/ip_query.php"));
+    QCOMPARE(Settings().geoLocationServiceUrl(), QUrl(QStringLiteral("http://geo.example.net/ip_query.php")));
+    // On Linux the file is Ledgerly/Ledgerly.conf under the settings path.
+    QVERIFY(QFile::exists(settingsDir.filePath(QStringLiteral("Ledgerly/Ledgerly.conf"))));
+}
+
+void TestSettings::theVariableOverridesTheKey()
+{
+    setConfiguredService(QStringLiteral("http://configured.example.net/ip_query.php"));
+    qputenv(serviceVariable, "http://127.0.0.1:8080/ip_query.php");
+    QCOMPARE(Settings().geoLocationServiceUrl(), QUrl(QStringLiteral("http://127.0.0.1:8080/ip_query.php")));
+}
+
+void TestSettings::anEmptyVariableLeavesTheKeyInForce()
+{
+    setConfiguredService(QStringLiteral("http://configured.example.net/ip_query.php"));
+    qputenv(serviceVariable, "");
+    QCOMPARE(Settings().geoLocationServiceUrl(), QUrl(QStringLiteral("http://configured.example.net/ip_query.php")));
+}
+
+void TestSettings::blanksAroundTheAddressAreDropped()
+{
+    qputenv(serviceVariable, "  http://127.0.0.1:8080/ip_query.php \n");
+    QCOMPARE(Settings().geoLocationServiceUrl(), QUrl(QStringLiteral("http://127.0.0.1:8080/ip_query.php")));
+}
+
+QTEST_GUILESS_MAIN(TestSettings)
+
+#include "tst_settings.moc"
