@@ -38,6 +38,8 @@ Entry::~Entry() = default;
 
 namespace {
 
+using Bindings = QList<QPair<QString, QVariant>>;
+
 // Storage forms. Every value a statement binds goes through one of these, so
 // files written by earlier versions and by this one look the same.
 
@@ -75,6 +77,42 @@ QDateTime readDateTime(const QVariant &value)
     if (value.typeId() != QMetaType::QString)
         return value.toDateTime();
     return StorageForm::readDateTime(value.toString());
+}
+
+// Bindings that several statements share, under the parameter names those
+// statements use; every statement keeps its own text.
+
+Bindings entryCategory(const QString &catName)
+{
+    return { { QStringLiteral(":catName"), textValue(catName) } };
+}
+
+Bindings countedCategory(const QString &catName)
+{
+    return { { QStringLiteral(":CatName"), textValue(catName) } };
+}
+
+Bindings givenDate(const QDateTime &dat)
+{
+    return { { QStringLiteral(":givenDate"), dateTimeValue(dat) } };
+}
+
+Bindings periodBounds(const QDateTime &startDate, const QDateTime &endDate)
+{
+    return { { QStringLiteral(":firstDate"), dateTimeValue(startDate) },
+             { QStringLiteral(":endDate"), dateTimeValue(endDate) } };
+}
+
+Bindings itemKey(const QString &itemName, const QString &categoryName)
+{
+    return { { QStringLiteral(":IName"), textValue(itemName) }, { QStringLiteral(":id"), textValue(categoryName) } };
+}
+
+Bindings placeKey(const HistoricLocation &place)
+{
+    return { { QStringLiteral(":LocName"), textValue(place.LocationName) },
+             { QStringLiteral(":loclong"), floatValue(place.LocationLongitude) },
+             { QStringLiteral(":loclat"), floatValue(place.LocationLatitude) } };
 }
 
 // Reads one entry row from anything that answers value(column) as Qt's
@@ -417,17 +455,31 @@ bool DatabaseManager::createEntryTable()
                        "float(50), ItemID integer NOT NULL )"));
 }
 
-void DatabaseManager::addDefaultNames(const QStringList &names, const QString &countStatement,
-                                      const QString &insertStatement)
+bool DatabaseManager::addNameIfMissing(const QString &name, const QString &countStatement,
+                                       const QString &insertStatement)
 {
-    for (const QString &name : names) {
-        // Exactly one copy counts as present: a mode name stored twice gets
-        // a third copy, as it always has.
-        if (count(countStatement, { { QStringLiteral(":id"), textValue(name) } }) == 1)
-            continue;
-        QSqlQuery insert;
-        run(insert, insertStatement, { { QStringLiteral(":name"), textValue(name) } });
-    }
+    // Exactly one copy counts as present; anything else is an insert, which
+    // a unique name refuses if the name is there after all, and which gives
+    // a mode name stored twice a third copy, as it always has.
+    if (count(countStatement, { { QStringLiteral(":id"), textValue(name) } }) == 1)
+        return true;
+    QSqlQuery insert;
+    return run(insert, insertStatement, { { QStringLiteral(":name"), textValue(name) } });
+}
+
+bool DatabaseManager::renameIfStoredOnce(const QString &oldName, const QString &newName, const QString &countStatement,
+                                         const QString &updateStatement)
+{
+    int found = 0;
+    const bool counted = runCount(countStatement, { { QStringLiteral(":id"), textValue(oldName) } }, &found);
+    if (found == 0)
+        return false;
+    // A name stored more than once is left alone, and that counts as success.
+    if (found != 1)
+        return counted;
+    QSqlQuery query;
+    return run(query, updateStatement,
+               { { QStringLiteral(":newname"), textValue(newName) }, { QStringLiteral(":old"), textValue(oldName) } });
 }
 
 void DatabaseManager::addDefaultCategories()
@@ -471,8 +523,8 @@ void DatabaseManager::addDefaultCategories()
         QStringLiteral("Utilities - Internet Access"),
         QStringLiteral("Others"),
     };
-    addDefaultNames(names, QStringLiteral("SELECT COUNT(CategoryName) FROM Category WHERE CategoryName = :id"),
-                    QStringLiteral("INSERT INTO Category (CategoryName) VALUES (:name)"));
+    for (const QString &name : names)
+        AddCategory(name);
 }
 
 void DatabaseManager::addDefaultModes()
@@ -482,8 +534,11 @@ void DatabaseManager::addDefaultModes()
         QStringLiteral("Money Saving"),
         QStringLiteral("Time Saving"),
     };
-    addDefaultNames(names, QStringLiteral("SELECT COUNT(ModeName) FROM Mode WHERE ModeName = :id"),
-                    QStringLiteral("INSERT INTO Mode (ModeName) VALUES (:name)"));
+    // The same as AddMode but for the insert's text, which has never ended
+    // in a semicolon here.
+    for (const QString &name : names)
+        addNameIfMissing(name, QStringLiteral("SELECT COUNT(ModeName) FROM Mode WHERE ModeName = :id"),
+                         QStringLiteral("INSERT INTO Mode (ModeName) VALUES (:name)"));
 }
 
 // Statement helpers
@@ -646,30 +701,17 @@ QList<HistoricLocation *> DatabaseManager::historicLocationList(const QString &s
 
 bool DatabaseManager::AddCategory(QString CName)
 {
-    // Exactly one copy means present; anything else is an insert, which the
-    // unique name refuses if the category is there after all.
-    if (count(QStringLiteral("SELECT COUNT(CategoryName) FROM Category WHERE CategoryName = :id"),
-              { { QStringLiteral(":id"), textValue(CName) } }) == 1)
-        return true;
-    QSqlQuery query;
-    return run(query, QStringLiteral("INSERT INTO Category (CategoryName) VALUES (:name)"),
-               { { QStringLiteral(":name"), textValue(CName) } });
+    return addNameIfMissing(CName, QStringLiteral("SELECT COUNT(CategoryName) FROM Category WHERE CategoryName = :id"),
+                            QStringLiteral("INSERT INTO Category (CategoryName) VALUES (:name)"));
 }
 
 bool DatabaseManager::EditCategory(QString OldName, QString NewName)
 {
-    int found = 0;
-    const bool counted = runCount(QStringLiteral("SELECT COUNT(CategoryName) FROM Category WHERE CategoryName = :id"),
-                                  { { QStringLiteral(":id"), textValue(OldName) } }, &found);
-    if (found == 0)
-        return false;
-    if (found != 1)
-        return counted;
     // Only the Category row is renamed: entries and items keep the old name,
     // and their CategoryID still points at this row.
-    QSqlQuery query;
-    return run(query, QStringLiteral("UPDATE Category SET CategoryName = :newname where CategoryName = :old"),
-               { { QStringLiteral(":newname"), textValue(NewName) }, { QStringLiteral(":old"), textValue(OldName) } });
+    return renameIfStoredOnce(OldName, NewName,
+                              QStringLiteral("SELECT COUNT(CategoryName) FROM Category WHERE CategoryName = :id"),
+                              QStringLiteral("UPDATE Category SET CategoryName = :newname where CategoryName = :old"));
 }
 
 int DatabaseManager::GetCategoryID(QString Name)
@@ -690,27 +732,14 @@ QString DatabaseManager::GetCategoryNameByCategoryID(int id)
 bool DatabaseManager::AddMode(QString CName)
 {
     // Mode names are not unique: a name stored twice gets a third copy.
-    if (count(QStringLiteral("SELECT COUNT(ModeName) FROM Mode WHERE ModeName = :id"),
-              { { QStringLiteral(":id"), textValue(CName) } }) == 1)
-        return true;
-    QSqlQuery query;
-    return run(query, QStringLiteral("INSERT INTO Mode (ModeName) VALUES (:name);"),
-               { { QStringLiteral(":name"), textValue(CName) } });
+    return addNameIfMissing(CName, QStringLiteral("SELECT COUNT(ModeName) FROM Mode WHERE ModeName = :id"),
+                            QStringLiteral("INSERT INTO Mode (ModeName) VALUES (:name);"));
 }
 
 bool DatabaseManager::EditMode(QString OldName, QString NewName)
 {
-    int found = 0;
-    const bool counted = runCount(QStringLiteral("SELECT COUNT(ModeName) FROM Mode WHERE ModeName = :id"),
-                                  { { QStringLiteral(":id"), textValue(OldName) } }, &found);
-    if (found == 0)
-        return false;
-    // A name stored more than once is left alone, and that counts as success.
-    if (found != 1)
-        return counted;
-    QSqlQuery query;
-    return run(query, QStringLiteral("UPDATE Mode SET ModeName = :newname where ModeName = :old"),
-               { { QStringLiteral(":newname"), textValue(NewName) }, { QStringLiteral(":old"), textValue(OldName) } });
+    return renameIfStoredOnce(OldName, NewName, QStringLiteral("SELECT COUNT(ModeName) FROM Mode WHERE ModeName = :id"),
+                              QStringLiteral("UPDATE Mode SET ModeName = :newname where ModeName = :old"));
 }
 
 int DatabaseManager::GetModeID(QString Name)
@@ -723,8 +752,7 @@ int DatabaseManager::GetModeID(QString Name)
 
 bool DatabaseManager::AddItem(Items *t)
 {
-    const Bindings item = { { QStringLiteral(":IName"), textValue(t->ItemName) },
-                            { QStringLiteral(":id"), textValue(t->CategoryName) } };
+    const Bindings item = itemKey(t->ItemName, t->CategoryName);
     const int known =
         count(QStringLiteral("SELECT COUNT(ItemName) FROM Items WHERE ItemName=:IName and CategoryName = :id"), item);
     if (known > 0) {
@@ -793,19 +821,17 @@ bool DatabaseManager::DeleteItem(Items *t)
 
 int DatabaseManager::GetItemID(QString itemname, QString itemCategory)
 {
-    return firstId(
-        QStringLiteral("select SNo from Items where ItemName=:IName and CategoryName = :id "),
-        { { QStringLiteral(":IName"), textValue(itemname) }, { QStringLiteral(":id"), textValue(itemCategory) } });
+    return firstId(QStringLiteral("select SNo from Items where ItemName=:IName and CategoryName = :id "),
+                   itemKey(itemname, itemCategory));
 }
 
 int DatabaseManager::GetItemID(Items *t)
 {
     return firstId(QStringLiteral("select SNo from Items where ItemName=:IName and CategoryName = :id and "
                                   "UseFrequency = :freq and LastPrice = :lPrice "),
-                   { { QStringLiteral(":IName"), textValue(t->ItemName) },
-                     { QStringLiteral(":id"), textValue(t->CategoryName) },
-                     { QStringLiteral(":freq"), intValue(t->UseFrequency) },
-                     { QStringLiteral(":lPrice"), floatValue(t->LastPrice) } });
+                   itemKey(t->ItemName, t->CategoryName) +
+                       Bindings { { QStringLiteral(":freq"), intValue(t->UseFrequency) },
+                                  { QStringLiteral(":lPrice"), floatValue(t->LastPrice) } });
 }
 
 QString DatabaseManager::GetCategoryOfItem(QString itemName)
@@ -905,9 +931,7 @@ bool DatabaseManager::AddHistoricLocation(HistoricLocation *loc)
     const int present = count(QStringLiteral("SELECT COUNT(LocationName) FROM HistoricLocation WHERE "
                                              "LocationName=:LocName and LocationLongitude = :loclong and "
                                              "LocationLatitude = :loclat"),
-                              { { QStringLiteral(":LocName"), textValue(loc->LocationName) },
-                                { QStringLiteral(":loclong"), floatValue(loc->LocationLongitude) },
-                                { QStringLiteral(":loclat"), floatValue(loc->LocationLatitude) } });
+                              placeKey(*loc));
     if (present != 0)
         return true;
     QSqlQuery query;
@@ -915,11 +939,9 @@ bool DatabaseManager::AddHistoricLocation(HistoricLocation *loc)
                QStringLiteral("INSERT INTO HistoricLocation "
                               "(LocationName,LocationLongitude,LocationLatitude,ReverseGeoLocation,CoordinateText) "
                               "VALUES (:LocName,:loclong,:loclat,:RevGeo, :CoorTex);"),
-               { { QStringLiteral(":LocName"), textValue(loc->LocationName) },
-                 { QStringLiteral(":loclong"), floatValue(loc->LocationLongitude) },
-                 { QStringLiteral(":loclat"), floatValue(loc->LocationLatitude) },
-                 { QStringLiteral(":RevGeo"), textValue(loc->ReverseGeoLocation) },
-                 { QStringLiteral(":CoorTex"), textValue(loc->CoordinateText) } });
+               placeKey(*loc) +
+                   Bindings { { QStringLiteral(":RevGeo"), textValue(loc->ReverseGeoLocation) },
+                              { QStringLiteral(":CoorTex"), textValue(loc->CoordinateText) } });
 }
 
 bool DatabaseManager::EditHistoricLocation(HistoricLocation *OldLoc, HistoricLocation *NewLoc)
@@ -930,14 +952,12 @@ bool DatabaseManager::EditHistoricLocation(HistoricLocation *OldLoc, HistoricLoc
                               "LocationLatitude=:loclat, ReverseGeoLocation=:RevGeo, CoordinateText= :CoorTex where "
                               "LocationName=:OldLocName and LocationLongitude=:Oldloclong and "
                               "LocationLatitude=:Oldloclat"),
-               { { QStringLiteral(":LocName"), textValue(NewLoc->LocationName) },
-                 { QStringLiteral(":loclong"), floatValue(NewLoc->LocationLongitude) },
-                 { QStringLiteral(":loclat"), floatValue(NewLoc->LocationLatitude) },
-                 { QStringLiteral(":RevGeo"), textValue(NewLoc->ReverseGeoLocation) },
-                 { QStringLiteral(":CoorTex"), textValue(NewLoc->CoordinateText) },
-                 { QStringLiteral(":OldLocName"), textValue(OldLoc->LocationName) },
-                 { QStringLiteral(":Oldloclong"), floatValue(OldLoc->LocationLongitude) },
-                 { QStringLiteral(":Oldloclat"), floatValue(OldLoc->LocationLatitude) } });
+               placeKey(*NewLoc) +
+                   Bindings { { QStringLiteral(":RevGeo"), textValue(NewLoc->ReverseGeoLocation) },
+                              { QStringLiteral(":CoorTex"), textValue(NewLoc->CoordinateText) },
+                              { QStringLiteral(":OldLocName"), textValue(OldLoc->LocationName) },
+                              { QStringLiteral(":Oldloclong"), floatValue(OldLoc->LocationLongitude) },
+                              { QStringLiteral(":Oldloclat"), floatValue(OldLoc->LocationLatitude) } });
 }
 
 bool DatabaseManager::DeleteHistoricLocation(HistoricLocation *loc)
@@ -955,9 +975,7 @@ int DatabaseManager::GetHistoricLocationID(HistoricLocation *loc)
 {
     return firstId(QStringLiteral("select SNo from HistoricLocation where LocationName=:LocName and "
                                   "LocationLongitude = :loclong and LocationLatitude = :loclat "),
-                   { { QStringLiteral(":LocName"), textValue(loc->LocationName) },
-                     { QStringLiteral(":loclong"), floatValue(loc->LocationLongitude) },
-                     { QStringLiteral(":loclat"), floatValue(loc->LocationLatitude) } });
+                   placeKey(*loc));
 }
 
 HistoricLocation *DatabaseManager::GetHistoricLocationByCoordinates(float longit, float latit)
@@ -1088,25 +1106,23 @@ QList<Entry *> DatabaseManager::GetAllEntriesOrderByPrice()
 QList<Entry *> DatabaseManager::GetAllEntriesOfCategory(QString catName)
 {
     return entryList(QStringLiteral(" where CategoryName = :catName order by TransactDateTime desc "),
-                     { { QStringLiteral(":catName"), textValue(catName) } });
+                     entryCategory(catName));
 }
 
 QList<Entry *> DatabaseManager::GetAllEntriesOfCategoryOrderByPrice(QString catName)
 {
-    return entryList(QStringLiteral(" where CategoryName = :catName order by Price "),
-                     { { QStringLiteral(":catName"), textValue(catName) } });
+    return entryList(QStringLiteral(" where CategoryName = :catName order by Price "), entryCategory(catName));
 }
 
 QList<Entry *> DatabaseManager::GetAllEntriesOnDate(QDateTime dat)
 {
     return entryList(QStringLiteral(" where TransactDateTime = :givenDate order by TransactDateTime desc "),
-                     { { QStringLiteral(":givenDate"), dateTimeValue(dat) } });
+                     givenDate(dat));
 }
 
 QList<Entry *> DatabaseManager::GetAllEntriesOnDateOrderByPrice(QDateTime dat)
 {
-    return entryList(QStringLiteral(" where TransactDateTime = :givenDate order by Price "),
-                     { { QStringLiteral(":givenDate"), dateTimeValue(dat) } });
+    return entryList(QStringLiteral(" where TransactDateTime = :givenDate order by Price "), givenDate(dat));
 }
 
 QList<Entry *> DatabaseManager::GetAllEntriesOfCategoryOnDate(QString catName, QDateTime dat)
@@ -1114,30 +1130,27 @@ QList<Entry *> DatabaseManager::GetAllEntriesOfCategoryOnDate(QString catName, Q
     return entryList(
         QStringLiteral(
             " where CategoryName = :catName and TransactDateTime = :givenDate order by TransactDateTime desc "),
-        { { QStringLiteral(":catName"), textValue(catName) }, { QStringLiteral(":givenDate"), dateTimeValue(dat) } });
+        entryCategory(catName) + givenDate(dat));
 }
 
 QList<Entry *> DatabaseManager::GetAllEntriesOfCategoryOnDateOrderByPrice(QString catName, QDateTime dat)
 {
-    return entryList(
-        QStringLiteral(" where CategoryName = :catName and TransactDateTime = :givenDate order by Price"),
-        { { QStringLiteral(":catName"), textValue(catName) }, { QStringLiteral(":givenDate"), dateTimeValue(dat) } });
+    return entryList(QStringLiteral(" where CategoryName = :catName and TransactDateTime = :givenDate order by Price"),
+                     entryCategory(catName) + givenDate(dat));
 }
 
 QList<Entry *> DatabaseManager::GetAllEntriesBetweenDates(QDateTime startDate, QDateTime endDate)
 {
     return entryList(QStringLiteral(" where TransactDateTime >= :firstDate and TransactDateTime <= :endDate order by "
                                     "TransactDateTime desc"),
-                     { { QStringLiteral(":firstDate"), dateTimeValue(startDate) },
-                       { QStringLiteral(":endDate"), dateTimeValue(endDate) } });
+                     periodBounds(startDate, endDate));
 }
 
 QList<Entry *> DatabaseManager::GetAllEntriesBetweenDatesOrderByPrice(QDateTime startDate, QDateTime endDate)
 {
     return entryList(
         QStringLiteral(" where TransactDateTime >= :firstDate and TransactDateTime <= :endDate order by Price"),
-        { { QStringLiteral(":firstDate"), dateTimeValue(startDate) },
-          { QStringLiteral(":endDate"), dateTimeValue(endDate) } });
+        periodBounds(startDate, endDate));
 }
 
 QList<Entry *> DatabaseManager::GetAllEntriesOfCategoryBetweenDates(QString catName, QDateTime startDate,
@@ -1145,9 +1158,7 @@ QList<Entry *> DatabaseManager::GetAllEntriesOfCategoryBetweenDates(QString catN
 {
     return entryList(QStringLiteral(" where CategoryName = :catName and TransactDateTime >= :firstDate and "
                                     "TransactDateTime <= :endDate order by TransactDateTime desc"),
-                     { { QStringLiteral(":catName"), textValue(catName) },
-                       { QStringLiteral(":firstDate"), dateTimeValue(startDate) },
-                       { QStringLiteral(":endDate"), dateTimeValue(endDate) } });
+                     entryCategory(catName) + periodBounds(startDate, endDate));
 }
 
 QList<Entry *> DatabaseManager::GetAllEntriesOfCategoryBetweenDatesOrderByPrice(QString catName, QDateTime startDate,
@@ -1155,9 +1166,7 @@ QList<Entry *> DatabaseManager::GetAllEntriesOfCategoryBetweenDatesOrderByPrice(
 {
     return entryList(QStringLiteral(" where CategoryName = :catName and TransactDateTime >= :firstDate and "
                                     "TransactDateTime <= :endDate order by Price"),
-                     { { QStringLiteral(":catName"), textValue(catName) },
-                       { QStringLiteral(":firstDate"), dateTimeValue(startDate) },
-                       { QStringLiteral(":endDate"), dateTimeValue(endDate) } });
+                     entryCategory(catName) + periodBounds(startDate, endDate));
 }
 
 // Other lists
@@ -1231,7 +1240,7 @@ QList<QDateTime> DatabaseManager::GetAllDistinctDatesOfEntriesOfCategory(QString
     if (!run(query,
              QStringLiteral("select distinct TransactDateTime,CategoryName from Entry where CategoryName = :catName "
                             "order by TransactDateTime desc "),
-             { { QStringLiteral(":catName"), textValue(catName) } }))
+             entryCategory(catName)))
         return dates;
     while (query.next())
         dates.append(readDateTime(query.value(0)));
@@ -1248,38 +1257,34 @@ int DatabaseManager::GetTotalNumberOfEntries()
 int DatabaseManager::GetNumberOfEntriesOfCategory(QString catName)
 {
     return count(QStringLiteral("SELECT COUNT(ItemName) FROM Entry where CategoryName=:CatName;"),
-                 { { QStringLiteral(":CatName"), textValue(catName) } });
+                 countedCategory(catName));
 }
 
 int DatabaseManager::GetNumberOfEntriesOnDate(QDateTime dat)
 {
     return count(QStringLiteral("SELECT COUNT(ItemName) FROM Entry where TransactDateTime = :givenDate;"),
-                 { { QStringLiteral(":givenDate"), dateTimeValue(dat) } });
+                 givenDate(dat));
 }
 
 int DatabaseManager::GetNumberOfEntriesBetweenDates(QDateTime startDate, QDateTime endDate)
 {
     return count(QStringLiteral("SELECT COUNT(ItemName) FROM Entry where TransactDateTime >= :firstDate and "
                                 "TransactDateTime <= :endDate;"),
-                 { { QStringLiteral(":firstDate"), dateTimeValue(startDate) },
-                   { QStringLiteral(":endDate"), dateTimeValue(endDate) } });
+                 periodBounds(startDate, endDate));
 }
 
 int DatabaseManager::GetNumberOfEntriesOfCategoryOnDate(QString catName, QDateTime dat)
 {
-    return count(
-        QStringLiteral("SELECT COUNT(ItemName) FROM Entry where CategoryName=:CatName and TransactDateTime = "
-                       ":givenDate;"),
-        { { QStringLiteral(":CatName"), textValue(catName) }, { QStringLiteral(":givenDate"), dateTimeValue(dat) } });
+    return count(QStringLiteral("SELECT COUNT(ItemName) FROM Entry where CategoryName=:CatName and TransactDateTime = "
+                                ":givenDate;"),
+                 countedCategory(catName) + givenDate(dat));
 }
 
 int DatabaseManager::GetNumberOfEntriesOfCategoryBetweenDate(QString catName, QDateTime startDate, QDateTime endDate)
 {
     return count(QStringLiteral("SELECT COUNT(ItemName) FROM Entry where CategoryName=:CatName and TransactDateTime >= "
                                 ":firstDate and TransactDateTime <= :endDate;"),
-                 { { QStringLiteral(":CatName"), textValue(catName) },
-                   { QStringLiteral(":firstDate"), dateTimeValue(startDate) },
-                   { QStringLiteral(":endDate"), dateTimeValue(endDate) } });
+                 countedCategory(catName) + periodBounds(startDate, endDate));
 }
 
 int DatabaseManager::GetNumberOfCategories()
@@ -1335,12 +1340,12 @@ QDateTime DatabaseManager::GetDateOfFirstEntryOfCategory(QString catName)
 {
     return entryDateBound(QStringLiteral("select TransactDateTime,CategoryName from Entry where CategoryName= "
                                          ":catName order by TransactDateTime asc limit 1"),
-                          { { QStringLiteral(":catName"), textValue(catName) } });
+                          entryCategory(catName));
 }
 
 QDateTime DatabaseManager::GetDateOfLastEntryOfCategory(QString catName)
 {
     return entryDateBound(QStringLiteral("select TransactDateTime,CategoryName from Entry where CategoryName= "
                                          ":catName order by TransactDateTime desc limit 1"),
-                          { { QStringLiteral(":catName"), textValue(catName) } });
+                          entryCategory(catName));
 }

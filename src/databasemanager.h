@@ -283,7 +283,11 @@ private:
     void createTablesAndDefaultRows();
 
     bool createTableIfMissing(const QString &table, const QString &createStatement);
-    void addDefaultNames(const QStringList &names, const QString &countStatement, const QString &insertStatement);
+    // The one way a name is added (a category, a mode, a default row) and
+    // renamed; the statements differ, the rules do not.
+    bool addNameIfMissing(const QString &name, const QString &countStatement, const QString &insertStatement);
+    bool renameIfStoredOnce(const QString &oldName, const QString &newName, const QString &countStatement,
+                            const QString &updateStatement);
     void setBusyTimeout(int milliseconds);
 
     // Named parameters and the values bound to them, already in their
