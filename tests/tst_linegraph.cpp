@@ -1,5 +1,7 @@
 #include "linegraph.h"
 #include "linegraph_p.h"
+
+#include "graphpicture.h"
 #include "widgettest.h"
 
 #include <QDate>
@@ -12,7 +14,7 @@
 
 namespace {
 
-using Points = QList<QPair<QString, QString>>;
+using Points = GraphPoints;
 
 const QColor sentinel(1, 2, 3);
 const QColor border(255, 0, 0);
@@ -40,17 +42,7 @@ ZRLineGraphPrivate mirror(const Points &points, bool sortX = false, bool sortY =
 // The font metrics a picture of the graph is laid out with.
 QFontMetrics pictureMetrics()
 {
-    QImage image(10, 10, QImage::Format_ARGB32_Premultiplied);
-    QPainter painter(&image);
-    painter.setFont(QFont(painter.font().family(), 12));
-    const QFontMetrics metrics = painter.fontMetrics();
-    painter.end();
-    return metrics;
-}
-
-ZRLineGraphPrivate::Layout layoutFor(const ZRLineGraphPrivate &d, const QSize &size)
-{
-    return d.layout(pictureMetrics(), size);
+    return graphPictureFontMetrics();
 }
 
 // Colours that tell the parts of the picture apart.
@@ -351,8 +343,11 @@ private slots:
         const int yRoom = (280 - xSize.height()) / ySize.height();
         QVERIFY(xRoom < 30);
         QVERIFY(yRoom < 30);
-        QCOMPARE(l.xVals, d.xValues(xRoom));
-        QCOMPARE(l.yVals, d.yValues(yRoom));
+        const GraphPictureLayout expected = expectedGraphLayout(points, QSize(400, 300), false, false);
+        QCOMPARE(l.xVals, expected.xLabels);
+        QCOMPARE(l.yVals, expected.yLabels);
+        QVERIFY(expected.xLabels.size() <= xRoom);
+        QVERIFY(expected.yLabels.size() <= yRoom);
         QCOMPARE(l.xVals.last(), QString("Day 29"));
         QCOMPARE(l.yVals.last(), QString("290"));
     }
@@ -364,7 +359,7 @@ private slots:
         for (int i = 0; i < 3650; ++i)
             points.append({ first.addDays(i).toString(Qt::TextDate), QString::number(i * 1.25 + 0.5) });
         const ZRLineGraphPrivate d = mirror(points, false, true);
-        const ZRLineGraphPrivate::Layout l = layoutFor(d, QSize(821, 321));
+        const ZRLineGraphPrivate::Layout l = d.layout(pictureMetrics(), QSize(821, 321));
         QVERIFY(l.xVals.size() > 1);
         QVERIFY(l.xVals.size() < 20);
         QCOMPARE(l.xVals.first(), first.toString(Qt::TextDate));
@@ -403,8 +398,9 @@ private slots:
         ZRLineGraph graph;
         graph.resize(400, 300);
         const QImage image = picture(graph);
-        const ZRLineGraphPrivate::Layout l = layoutFor(ZRLineGraphPrivate(), QSize(400, 300));
-        const QRect area(l.startX, l.startY, l.areaWidth, l.areaHeight);
+        const GraphPictureLayout l = expectedGraphLayout({}, QSize(400, 300), false, false);
+        const QRect area = l.plotArea;
+        QCOMPARE(area.left(), 18 + 5);
 
         // Black fill inside a white outline.
         QCOMPARE(image.pixelColor(5, 5), QColor(0, 0, 0));
@@ -416,8 +412,8 @@ private slots:
 
         // The y axis in the grid colour on the left edge of the plot area.
         const int middle = area.center().y();
-        QVERIFY(isGreyAtLeast(image.pixelColor(l.startX, middle), 63 + 20));
-        QCOMPARE(image.pixelColor(l.startX - 3, middle), QColor(0, 0, 0));
+        QVERIFY(isGreyAtLeast(image.pixelColor(area.left(), middle), 63 + 20));
+        QCOMPARE(image.pixelColor(area.left() - 3, middle), QColor(0, 0, 0));
 
         // Everything else in the plot area is plain grey: no grid, line or dot.
         for (int y = area.top() + 2; y < area.bottom() - 1; ++y) {
@@ -426,7 +422,7 @@ private slots:
         }
         // And no label, neither left of the area nor below it.
         for (int y = 2; y < 298; ++y) {
-            for (int x = 2; x < l.startX - 2; ++x)
+            for (int x = 2; x < area.left() - 2; ++x)
                 QCOMPARE(image.pixelColor(x, y), QColor(0, 0, 0));
         }
         for (int y = area.bottom() + 3; y < 298; ++y) {
@@ -442,10 +438,22 @@ private slots:
         fill(graph, { { "Mon", "12.5" } });
         graph.resize(400, 300);
         const QImage image = picture(graph);
-        const ZRLineGraphPrivate::Layout l = layoutFor(mirror({ { "Mon", "12.5" } }), QSize(400, 300));
-        QCOMPARE(l.xVals.size(), 1);
-        QCOMPARE(l.yVals.size(), 1);
 
+        // One label each way, so one slot: the area left of the y label box
+        // (its widest text plus 18 wide, the x-height plus 14 high) and above
+        // the x labels, within a margin of 20; the dot in the slot's middle.
+        const QFontMetrics metrics = pictureMetrics();
+        const QSize ySize(metrics.horizontalAdvance("12.5") + 18, metrics.xHeight() + 14);
+        struct
+        {
+            int startX, startY, areaWidth, areaHeight, xSpacing, ySpacing;
+        } l;
+        l.startX = ySize.width() + 5;
+        l.startY = 10;
+        l.areaWidth = 400 - 20 - ySize.width();
+        l.areaHeight = 300 - 20 - ySize.height();
+        l.xSpacing = l.areaWidth;
+        l.ySpacing = l.areaHeight;
         const QPoint dot(l.startX + l.xSpacing / 2, l.ySpacing / 2);
         QCOMPARE(image.pixelColor(dot), line);
         QCOMPARE(image.pixelColor(dot + QPoint(3, 0)), line);
@@ -467,11 +475,67 @@ private slots:
         const QRect yText = textBounds(image, QRect(1, 1, l.startX - 2, 298));
         QVERIFY(!yText.isEmpty());
         QVERIFY(yText.top() >= 0 && yText.bottom() < l.ySpacing);
-        QVERIFY(yText.right() < l.ySize.width() && yText.right() >= l.ySize.width() - 4);
+        QVERIFY(yText.right() < ySize.width() && yText.right() >= ySize.width() - 4);
         const QRect xText =
             textBounds(image, QRect(l.startX, l.startY + l.areaHeight + 1, l.areaWidth, 298 - l.startY - l.areaHeight));
         QVERIFY(!xText.isEmpty());
         QVERIFY(qAbs(xText.center().x() - dot.x()) <= 2);
+    }
+
+    void twoPointsTakeTheMiddlesOfTwoSlotsEachWay()
+    {
+        ZRLineGraph graph;
+        useDistinctColours(graph);
+        fill(graph, { { "Mon", "5" }, { "Tue", "40" } });
+        graph.setSortY(true);
+        graph.resize(400, 300);
+        const QImage image = picture(graph);
+
+        // Two labels each way: two columns and two rows of the plot area,
+        // 40 on top; each dot in the middle of its column and its row.
+        const QFontMetrics metrics = pictureMetrics();
+        const QSize xSize(metrics.horizontalAdvance("Mon") + 18, metrics.xHeight() + 14);
+        const QSize ySize(metrics.horizontalAdvance("40") + 18, metrics.xHeight() + 14);
+        QVERIFY(metrics.horizontalAdvance("Tue") <= xSize.width() - 18);
+        const int startX = ySize.width() + 5;
+        const int xSpacing = (400 - 20 - ySize.width()) / 2;
+        const int ySpacing = (300 - 20 - ySize.height()) / 2;
+        const QPoint monday(startX + xSpacing / 2, ySpacing + ySpacing / 2);
+        const QPoint tuesday(startX + xSpacing + xSpacing / 2, ySpacing / 2);
+
+        QCOMPARE(image.pixelColor(monday), line);
+        QCOMPARE(image.pixelColor(tuesday), line);
+        // The line between them, and nothing in the other two slots.
+        QVERIFY(image.pixelColor((monday + tuesday) / 2).green() > 200);
+        QCOMPARE(image.pixelColor(monday.x(), tuesday.y()).green(), 0);
+        QCOMPARE(image.pixelColor(tuesday.x(), monday.y()).green(), 0);
+        QCOMPARE(expectedGraphLayout({ { "Mon", "5" }, { "Tue", "40" } }, QSize(400, 300), false, true).dots,
+                 QList<QPoint>({ monday, tuesday }));
+    }
+
+    void aThinnedGraphSpreadsItsDotsOverTheLabelsRoom()
+    {
+        // Thirty days do not fit under a graph 400 wide: some labels go, and
+        // the thirty dots spread evenly over the room of those that stay.
+        Points points;
+        for (int i = 0; i < 30; ++i)
+            points.append({ QString("Day %1").arg(i, 2, 10, QLatin1Char('0')), QString::number(i % 7 * 10) });
+        ZRLineGraph graph;
+        fill(graph, points);
+        graph.setSortY(true);
+        graph.resize(400, 300);
+        const GraphPictureLayout expected = expectedGraphLayout(points, QSize(400, 300), false, true);
+        QVERIFY(expected.xLabels.size() < 30);
+        QCOMPARE(expected.xLabels.last(), QString("Day 29"));
+        QCOMPARE(graphPictureMismatch(picture(graph), expected), QString());
+        QCOMPARE(graphPictureMismatch(saved(graph, QSize(400, 300)), expected), QString());
+
+        // The same dots laid out without thinning would stand elsewhere.
+        GraphPictureLayout unthinned = expected;
+        for (int i = 0; i < 30; ++i)
+            unthinned.dots[i].setX(expected.plotArea.left() + i * (expected.plotArea.width() / 30) +
+                                   expected.plotArea.width() / 60);
+        QVERIFY(!graphPictureMismatch(picture(graph), unthinned).isEmpty());
     }
 
     void gridLinesAndLabelRowsAreMeasuredFromTheTopOfThePicture()
@@ -482,8 +546,13 @@ private slots:
         graph.setSortY(true);
         graph.resize(400, 300);
         const QImage image = picture(graph);
-        const ZRLineGraphPrivate::Layout l = layoutFor(mirror(threeDays, false, true), QSize(400, 300));
-        QCOMPARE(l.yVals.size(), 3);
+        const GraphPictureLayout layout = expectedGraphLayout(threeDays, QSize(400, 300), false, true);
+        QCOMPARE(layout.yLabels.size(), 3);
+        const QRect area = layout.plotArea;
+        struct
+        {
+            int startX, startY, areaWidth, areaHeight, ySpacing;
+        } l { area.left(), area.top(), area.width(), area.height(), layout.ySpacing };
 
         QList<int> expected;
         for (int i = 0; i < 3; ++i)
@@ -508,11 +577,13 @@ private slots:
             QCOMPARE(graph.sortY(), sortY);
             graph.resize(400, 300);
             const QImage image = picture(graph);
-            const ZRLineGraphPrivate::Layout l = layoutFor(mirror(threeDays), QSize(400, 300));
+            const GraphPictureLayout l = expectedGraphLayout(threeDays, QSize(400, 300), false, sortY);
             const int top = l.ySpacing / 2;
             const int bottom = 2 * l.ySpacing + l.ySpacing / 2;
-            const int monday = l.startX + l.xSpacing / 2;
-            const int wednesday = l.startX + 2 * l.xSpacing + l.xSpacing / 2;
+            const int monday = l.plotArea.left() + l.xSpacing / 2;
+            const int wednesday = l.plotArea.left() + 2 * l.xSpacing + l.xSpacing / 2;
+            QCOMPARE(l.dots.at(0), QPoint(monday, sortY ? bottom : top));
+            QCOMPARE(l.dots.at(2), QPoint(wednesday, sortY ? top : bottom));
             QCOMPARE(image.pixelColor(wednesday, sortY ? top : bottom), line);
             QCOMPARE(image.pixelColor(monday, sortY ? bottom : top), line);
             QCOMPARE(image.pixelColor(wednesday, sortY ? bottom : top).green(), 0);
@@ -522,15 +593,10 @@ private slots:
     void pointsWithTheSameXShareAColumnAndWithTheSameYARow()
     {
         const Points points = { { "Mon", "5" }, { "Mon", "7" }, { "Tue", "7" } };
-        const ZRLineGraphPrivate d = mirror(points);
-        const ZRLineGraphPrivate::Layout l = layoutFor(d, QSize(400, 300));
-        QCOMPARE(l.xVals, QStringList({ "Mon", "Tue" }));
-        QCOMPARE(l.yVals, QStringList({ "5", "7" }));
-        QList<QPoint> positions;
-        for (int i = 0; i < 3; ++i) {
-            positions << QPoint(l.startX, 0) +
-                    d.graphPoint(i, d.xValues(3), d.yValues(3), 2, 2, l.xSpacing, l.ySpacing);
-        }
+        const GraphPictureLayout l = expectedGraphLayout(points, QSize(400, 300), false, false);
+        QCOMPARE(l.xLabels, QStringList({ "Mon", "Tue" }));
+        QCOMPARE(l.yLabels, QStringList({ "5", "7" }));
+        const QList<QPoint> positions = l.dots;
         QCOMPARE(positions[0].x(), positions[1].x());
         QCOMPARE(positions[1].y(), positions[2].y());
         QVERIFY(positions[0].y() != positions[1].y());
@@ -560,8 +626,8 @@ private slots:
         QVERIFY(graph.sortX());
         graph.resize(400, 300);
         const QImage image = picture(graph);
-        const ZRLineGraphPrivate::Layout l = layoutFor(mirror(points, true), QSize(400, 300));
-        auto column = [&](double c) { return l.startX + int(c * l.xSpacing) + l.xSpacing / 2; };
+        const GraphPictureLayout l = expectedGraphLayout(points, QSize(400, 300), true, false);
+        auto column = [&](double c) { return l.plotArea.left() + int(c * l.xSpacing) + l.xSpacing / 2; };
         auto row = [&](double r) { return int(r * l.ySpacing) + l.ySpacing / 2; };
         QCOMPARE(image.pixelColor(column(0), row(0)), line);
         QCOMPARE(image.pixelColor(column(2), row(1)), line);
@@ -582,14 +648,12 @@ private slots:
         graph.setSortY(true);
         graph.resize(820, 200);
         const QImage image = picture(graph);
-        const ZRLineGraphPrivate d = mirror(points, false, true);
-        const ZRLineGraphPrivate::Layout l = layoutFor(d, QSize(820, 200));
-        const QStringList xVals = d.xValues(40);
-        const QStringList yVals = d.yValues(40);
+        // Forty days cannot all be labelled: the dots spread over the labels' room.
+        const GraphPictureLayout l = expectedGraphLayout(points, QSize(820, 200), false, true);
+        QVERIFY(l.xLabels.size() < 40);
         QPoint previous;
         for (int i = 0; i < points.size(); ++i) {
-            const QPoint position = QPoint(l.startX, 0) +
-                d.graphPoint(i, xVals, yVals, int(l.xVals.size()), int(l.yVals.size()), l.xSpacing, l.ySpacing);
+            const QPoint position = l.dots.at(i);
             QCOMPARE(image.pixelColor(position), line);
             if (i > 0) {
                 // Slanted segments cover their middle pixel almost, not quite, fully.
@@ -706,17 +770,18 @@ private slots:
         QVERIFY(!graph.sortY());
         graph.resize(300, 200);
         const QImage image = picture(graph);
-        const ZRLineGraphPrivate::Layout l = layoutFor(mirror({ { "Mon", "1" } }), QSize(300, 200));
-        QCOMPARE(image.pixelColor(l.startX + l.xSpacing / 2, l.ySpacing / 2), QColor(246, 146, 64));
-        QCOMPARE(image.pixelColor(l.startX + l.areaWidth / 2, l.startY + l.areaHeight - 5), QColor(63, 63, 63));
+        const GraphPictureLayout l = expectedGraphLayout({ { "Mon", "1" } }, QSize(300, 200), false, false);
+        QCOMPARE(graphPictureMismatch(image, l), QString());
+        QCOMPARE(image.pixelColor(l.dots.at(0)), QColor(246, 146, 64));
+        QCOMPARE(image.pixelColor(l.plotArea.center().x(), l.plotArea.bottom() - 4), QColor(63, 63, 63));
         QCOMPARE(image.pixelColor(5, 195), QColor(0, 0, 0));
         // The grid line: half of (134, 134, 134) on each of two rows of grey.
-        const QColor grid = image.pixelColor(l.startX + 5, l.ySpacing / 2);
+        const QColor grid = image.pixelColor(l.plotArea.left() + 5, l.ySpacing / 2);
         QVERIFY(isGreyAtLeast(grid, 90));
         QVERIFY(grid.red() < 134);
         int white = 0;
         for (int y = 1; y < l.ySpacing; ++y) {
-            for (int x = 1; x < l.startX - 3; ++x)
+            for (int x = 1; x < l.plotArea.left() - 3; ++x)
                 white += image.pixelColor(x, y) == QColor(255, 255, 255) ? 1 : 0;
         }
         QVERIFY(white > 3);
@@ -740,15 +805,33 @@ private slots:
         QVERIFY(file.read(8).startsWith("\x89PNG"));
         const QImage written(fileName);
         QCOMPARE(written.size(), QSize(640, 200));
-        // Laid out for its own size: the outline runs along its right edge.
+        // Laid out for its own size: the outline runs along its right edge,
+        // and the plot area and the dots stand where the rules put them.
         QVERIFY(isGreyAtLeast(written.pixelColor(639, 100), 100));
         QCOMPARE(written.pixelColor(632, 100), QColor(0, 0, 0));
+        QCOMPARE(graphPictureMismatch(written, expectedGraphLayout(threeDays, QSize(640, 200), false, true)),
+                 QString());
 
         // The widget still copies the picture it had, even for a partial exposure.
         QCOMPARE(picture(graph, QRegion(0, 0, 200, 100)).copy(0, 0, 200, 100), before.copy(0, 0, 200, 100));
         QCOMPARE(picture(graph), before);
         // At the widget's size the saved picture is the widget's picture.
         QCOMPARE(saved(graph, QSize(400, 300)), before);
+    }
+
+    void aSavedGraphIsNotABlankPicture()
+    {
+        ZRLineGraph graph;
+        fill(graph, threeDays);
+        graph.setSortY(true);
+        const QImage written = saved(graph, QSize(401, 281));
+        QCOMPARE(written.size(), QSize(401, 281));
+        QCOMPARE(graphPictureMismatch(written, expectedGraphLayout(threeDays, QSize(401, 281), false, true)),
+                 QString());
+        // Checked the other way round: a black picture shows no graph.
+        QImage black(401, 281, QImage::Format_ARGB32);
+        black.fill(Qt::black);
+        QVERIFY(!graphPictureMismatch(black, expectedGraphLayout(threeDays, QSize(401, 281), false, true)).isEmpty());
     }
 
     void saveTakesTheFormatFromTheSuffix()
