@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QFont>
+#include <QIcon>
 #include <QPalette>
 #include <QWidget>
 
@@ -32,4 +33,12 @@ void Look::applyApplicationPalette()
     checkBox.setColor(QPalette::Text, Qt::white);
     checkBox.setColor(QPalette::WindowText, Qt::white);
     QApplication::setPalette(checkBox, "QCheckBox");
+}
+
+QIcon Look::applicationIcon()
+{
+    QIcon icon;
+    for (int size : { 16, 32, 48, 64, 128, 256 })
+        icon.addFile(QStringLiteral(":/Images/icon/ledgerly-%1.png").arg(size), QSize(size, size));
+    return icon;
 }

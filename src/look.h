@@ -1,5 +1,6 @@
 #pragma once
 
+class QIcon;
 class QWidget;
 
 // The shared look that style sheets cannot carry.
@@ -17,4 +18,9 @@ public:
     // text would be black on black, so the program sets those few roles
     // itself. Input fields and tables keep dark text on their pale fills.
     static void applyApplicationPalette();
+
+    // The program's icon, from the resource bundle: the PNGs that are
+    // installed into the hicolor theme, so that an uninstalled build shows
+    // the same icon on its window.
+    static QIcon applicationIcon();
 };

@@ -3,6 +3,7 @@
 #include "widgettest.h"
 
 #include <QCheckBox>
+#include <QIcon>
 #include <QComboBox>
 #include <QLabel>
 #include <QLineEdit>
@@ -20,6 +21,7 @@ private slots:
     void initTestCase() { WidgetTest::initTestCase(); }
     void buttonFontWeightIsTheLightestOfTheOldScaleKeepingTheRest();
     void applicationPaletteWritesWhiteOnTheBlackPagesAndKeepsDarkTextInFields();
+    void applicationIconOffersEverySizeOfTheIconThemeSharply();
 };
 
 void TestLook::buttonFontWeightIsTheLightestOfTheOldScaleKeepingTheRest()
@@ -73,6 +75,23 @@ void TestLook::applicationPaletteWritesWhiteOnTheBlackPagesAndKeepsDarkTextInFie
         for (int x = 0; x < picture.width(); ++x)
             white += picture.pixelColor(x, y).lightness() > 200 ? 1 : 0;
     QVERIFY2(white > 20, qPrintable(QString::number(white)));
+}
+
+void TestLook::applicationIconOffersEverySizeOfTheIconThemeSharply()
+{
+    const QIcon icon = Look::applicationIcon();
+    const QList<QSize> expected = { QSize(16, 16), QSize(32, 32),   QSize(48, 48),
+                                    QSize(64, 64), QSize(128, 128), QSize(256, 256) };
+    QCOMPARE(icon.availableSizes(), expected);
+    // Each size is its own drawing, not another one scaled: the 16-pixel
+    // picture is the bundled 16-pixel file, pixel for pixel.
+    for (const QSize &size : expected) {
+        const QImage drawn = icon.pixmap(size).toImage().convertToFormat(QImage::Format_ARGB32);
+        const QImage file = QImage(QStringLiteral(":/Images/icon/ledgerly-%1.png").arg(size.width()))
+                                .convertToFormat(QImage::Format_ARGB32);
+        QCOMPARE(drawn.size(), size);
+        QVERIFY2(drawn == file, qPrintable(QString::number(size.width())));
+    }
 }
 
 QTEST_MAIN(TestLook)
