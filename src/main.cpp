@@ -1,3 +1,4 @@
+#include "commandline.h"
 #include "look.h"
 #include "mainwindow.h"
 
@@ -5,6 +6,14 @@
 
 int main(int argc, char *argv[])
 {
+    QCoreApplication::setApplicationName(QStringLiteral("Ledgerly"));
+    QCoreApplication::setApplicationVersion(QStringLiteral(LEDGERLY_VERSION));
+    if (CommandLine::wanted(argc)) {
+        // No GUI: the command line works without a display.
+        QCoreApplication app(argc, argv);
+        return CommandLine::run(QCoreApplication::arguments());
+    }
+
     // The web engine of the entry details page shares OpenGL contexts.
     QCoreApplication::setAttribute(Qt::AA_ShareOpenGLContexts);
     QApplication a(argc, argv);
