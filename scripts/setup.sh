@@ -18,6 +18,9 @@ packages=(
     cmake g++ make pkg-config
     qt6-base-dev qt6-base-dev-tools qt6-qpa-plugins libqt6sql6-sqlite qt6-webengine-dev
     libjs-leaflet libsqlite3-dev xvfb xauth
+    # Packaging and its tests: dpkg-shlibdeps, the desktop entry's and the
+    # metainfo's validators, xwininfo and xprop.
+    dpkg-dev desktop-file-utils appstream x11-utils
 )
 
 missing=()

@@ -14,6 +14,7 @@ int main(int argc, char *argv[])
         return CommandLine::run(QCoreApplication::arguments());
     }
 
+    QGuiApplication::setDesktopFileName(QStringLiteral(LEDGERLY_APP_ID));
     // The web engine of the entry details page shares OpenGL contexts.
     QCoreApplication::setAttribute(Qt::AA_ShareOpenGLContexts);
     QApplication a(argc, argv);

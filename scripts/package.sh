@@ -1,0 +1,13 @@
+#!/usr/bin/env bash
+# Builds Ledgerly's Debian package, build/ledgerly_<version>_<arch>.deb, from
+# the install rules. Install it with: sudo apt install ./build/ledgerly_*.deb
+#
+#   BUILD_DIR  build directory (default: build)
+set -euo pipefail
+
+root="$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)"
+build_dir="${BUILD_DIR:-$root/build}"
+# A package carries a plain build, never the sanitizers'.
+LEDGERLY_SANITIZE=OFF BUILD_DIR="$build_dir" "$root/scripts/setup.sh"
+cd "$build_dir"
+cpack -G DEB

@@ -1,0 +1,454 @@
+// Installs the build tree into a temporary prefix and packs it as a .deb,
+// the way a user or a distribution gets Ledgerly, and checks what lands on
+// disk: the file list, the validators' verdicts, the icons, the package's
+// control fields and the packaged program itself.
+#include <QDirIterator>
+#include <QFile>
+#include <QImage>
+#include <QProcess>
+#include <QRegularExpression>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QXmlStreamReader>
+
+namespace {
+
+const QString appId = QStringLiteral("org.ledgerly.Ledgerly");
+const QString version = QStringLiteral(LEDGERLY_PROJECT_VERSION);
+
+struct Run
+{
+    int exitCode = -1;
+    QByteArray out;
+    QByteArray err;
+    bool finished = false;
+};
+
+Run run(const QString &program, const QStringList &arguments,
+        const QProcessEnvironment &environment = QProcessEnvironment::systemEnvironment(), int timeoutMs = 120000)
+{
+    QProcess process;
+    process.setProcessEnvironment(environment);
+    process.start(program, arguments);
+    Run result;
+    result.finished = process.waitForFinished(timeoutMs);
+    result.exitCode = process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
+    result.out = process.readAllStandardOutput();
+    result.err = process.readAllStandardError();
+    return result;
+}
+
+QString describe(const Run &run)
+{
+    return QStringLiteral("exit %1\n--- stdout\n%2\n--- stderr\n%3")
+        .arg(run.exitCode)
+        .arg(QString::fromUtf8(run.out), QString::fromUtf8(run.err));
+}
+
+// The environment of a terminal with no graphical session at all.
+QProcessEnvironment withoutDisplay()
+{
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    for (const char *name : { "QT_QPA_PLATFORM", "DISPLAY", "WAYLAND_DISPLAY" })
+        environment.remove(QString::fromLatin1(name));
+    return environment;
+}
+
+QByteArray readFile(const QString &path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+// The value of key in the [Desktop Entry] group.
+QString desktopEntryValue(const QByteArray &entry, const QString &key)
+{
+    const QRegularExpression line(QStringLiteral("^%1=(.*)$").arg(QRegularExpression::escape(key)),
+                                  QRegularExpression::MultilineOption);
+    return line.match(QString::fromUtf8(entry)).captured(1);
+}
+
+// A Debian control field, continuation lines left out.
+QString controlField(const QByteArray &control, const QString &field)
+{
+    const QRegularExpression line(QStringLiteral("^%1: (.*)$").arg(field), QRegularExpression::MultilineOption);
+    return line.match(QString::fromUtf8(control)).captured(1);
+}
+
+} // namespace
+
+class TestInstall : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+
+    void installingIntoAPrefixWritesExactlyTheDesktopProgramsFiles();
+    void theDesktopEntryStartsTheProgramUnderItsIdAndPassesTheValidator();
+    void theMetainfoPassesTheValidatorWithoutAWarning();
+    void theMetainfoDescribesThisRelease();
+    void eachPngIconHasItsStatedSizeAndShowsTheMark_data();
+    void eachPngIconHasItsStatedSizeAndShowsTheMark();
+    void theScalableIconIsWellFormedSvg();
+    void theWindowIconInTheProgramIsTheInstalledIcon();
+    void theDebianPackageNamesItselfItsVersionAndItsQtLibraries();
+    void thePackagedProgramPrintsItsVersionWithoutADisplay();
+    void thePackagedProgramPrintsItsHelpWithoutADisplay();
+    void theWindowOnX11CarriesTheDesktopEntrysClassAndTheIcon();
+
+private:
+    QTemporaryDir m_work;
+    QString m_prefix;
+    QString m_deb;
+    QString m_extracted;
+};
+
+void TestInstall::initTestCase()
+{
+    QVERIFY(m_work.isValid());
+    m_prefix = m_work.filePath(QStringLiteral("prefix"));
+    const Run install =
+        run(QStringLiteral(LEDGERLY_CMAKE_COMMAND),
+            { QStringLiteral("--install"), QStringLiteral(LEDGERLY_BUILD_DIR), QStringLiteral("--prefix"), m_prefix });
+    QVERIFY2(install.finished && install.exitCode == 0, qPrintable(describe(install)));
+
+    // Packed into a directory of the test's own, so that a package.sh run in
+    // the same build tree is never disturbed.
+    const QString packageDir = m_work.filePath(QStringLiteral("package"));
+    const Run cpack = run(QStringLiteral(LEDGERLY_CPACK_COMMAND),
+                          { QStringLiteral("--config"), QStringLiteral(LEDGERLY_BUILD_DIR "/CPackConfig.cmake"),
+                            QStringLiteral("-G"), QStringLiteral("DEB"), QStringLiteral("-B"), packageDir });
+    QVERIFY2(cpack.finished && cpack.exitCode == 0, qPrintable(describe(cpack)));
+    m_deb = packageDir + QStringLiteral("/ledgerly_%1_amd64.deb").arg(version);
+    QVERIFY2(QFile::exists(m_deb), qPrintable(describe(cpack)));
+
+    m_extracted = m_work.filePath(QStringLiteral("extracted"));
+    const Run extract = run(QStringLiteral("dpkg-deb"), { QStringLiteral("-x"), m_deb, m_extracted });
+    QVERIFY2(extract.finished && extract.exitCode == 0, qPrintable(describe(extract)));
+}
+
+void TestInstall::installingIntoAPrefixWritesExactlyTheDesktopProgramsFiles()
+{
+    const QStringList expected = {
+        QStringLiteral("bin/ledgerly"),
+        QStringLiteral("share/applications/org.ledgerly.Ledgerly.desktop"),
+        QStringLiteral("share/doc/ledgerly/copyright"),
+        QStringLiteral("share/icons/hicolor/128x128/apps/org.ledgerly.Ledgerly.png"),
+        QStringLiteral("share/icons/hicolor/16x16/apps/org.ledgerly.Ledgerly.png"),
+        QStringLiteral("share/icons/hicolor/256x256/apps/org.ledgerly.Ledgerly.png"),
+        QStringLiteral("share/icons/hicolor/32x32/apps/org.ledgerly.Ledgerly.png"),
+        QStringLiteral("share/icons/hicolor/48x48/apps/org.ledgerly.Ledgerly.png"),
+        QStringLiteral("share/icons/hicolor/64x64/apps/org.ledgerly.Ledgerly.png"),
+        QStringLiteral("share/icons/hicolor/scalable/apps/org.ledgerly.Ledgerly.svg"),
+        QStringLiteral("share/metainfo/org.ledgerly.Ledgerly.metainfo.xml"),
+    };
+    QStringList installed;
+    QDirIterator it(m_prefix, QDir::Files | QDir::System | QDir::Hidden, QDirIterator::Subdirectories);
+    while (it.hasNext())
+        installed << it.next().mid(m_prefix.size() + 1);
+    installed.sort();
+    QCOMPARE(installed, expected);
+
+    const QFileInfo program(m_prefix + QStringLiteral("/bin/ledgerly"));
+    QVERIFY(program.isExecutable());
+    QVERIFY(!program.isSymLink());
+}
+
+void TestInstall::theDesktopEntryStartsTheProgramUnderItsIdAndPassesTheValidator()
+{
+    const QString path = m_prefix + QStringLiteral("/share/applications/") + appId + QStringLiteral(".desktop");
+    const Run validate = run(QStringLiteral("desktop-file-validate"), { path });
+    QVERIFY2(validate.finished, qPrintable(describe(validate)));
+    QCOMPARE(validate.exitCode, 0);
+    // The validator prints its errors, warnings and hints; a clean file gets
+    // no line at all.
+    QCOMPARE(QString::fromUtf8(validate.out + validate.err), QString());
+
+    const QByteArray entry = readFile(path);
+    QVERIFY(entry.startsWith("[Desktop Entry]\n"));
+    QCOMPARE(desktopEntryValue(entry, QStringLiteral("Type")), QStringLiteral("Application"));
+    QCOMPARE(desktopEntryValue(entry, QStringLiteral("Name")), QStringLiteral("Ledgerly"));
+    QVERIFY(!desktopEntryValue(entry, QStringLiteral("GenericName")).isEmpty());
+    QVERIFY(!desktopEntryValue(entry, QStringLiteral("Comment")).isEmpty());
+    QVERIFY(!desktopEntryValue(entry, QStringLiteral("Keywords")).isEmpty());
+    QCOMPARE(desktopEntryValue(entry, QStringLiteral("Exec")), QStringLiteral("ledgerly"));
+    QCOMPARE(desktopEntryValue(entry, QStringLiteral("Icon")), appId);
+    QCOMPARE(desktopEntryValue(entry, QStringLiteral("Categories")), QStringLiteral("Office;Finance;Qt;"));
+    // Qt on X11 names the window's class after the application name, which
+    // the program prints with its version.
+    const Run versionRun =
+        run(m_prefix + QStringLiteral("/bin/ledgerly"), { QStringLiteral("--version") }, withoutDisplay());
+    const QString applicationName = QString::fromUtf8(versionRun.out).section(QLatin1Char(' '), 0, 0);
+    QCOMPARE(applicationName, QStringLiteral("Ledgerly"));
+    QCOMPARE(desktopEntryValue(entry, QStringLiteral("StartupWMClass")), applicationName);
+}
+
+void TestInstall::theMetainfoPassesTheValidatorWithoutAWarning()
+{
+    const QString path = m_prefix + QStringLiteral("/share/metainfo/") + appId + QStringLiteral(".metainfo.xml");
+    // --no-net: the screenshots are named by their published addresses,
+    // which are not fetched here.
+    const Run validate =
+        run(QStringLiteral("appstreamcli"),
+            { QStringLiteral("validate"), QStringLiteral("--no-net"), QStringLiteral("--no-color"), path });
+    QVERIFY2(validate.finished && validate.exitCode == 0, qPrintable(describe(validate)));
+    const QString report = QString::fromUtf8(validate.out + validate.err);
+    // Issues are listed as "E:", "W:" or "I:" lines (pedantic ones, "P:",
+    // only with --pedantic).
+    const QRegularExpression issue(QStringLiteral("^[EWI]: "), QRegularExpression::MultilineOption);
+    QVERIFY2(!issue.match(report).hasMatch(), qPrintable(report));
+    QVERIFY2(report.contains(QStringLiteral("Validation was successful")), qPrintable(report));
+}
+
+void TestInstall::theMetainfoDescribesThisRelease()
+{
+    const QByteArray metainfo =
+        readFile(m_prefix + QStringLiteral("/share/metainfo/") + appId + QStringLiteral(".metainfo.xml"));
+    QXmlStreamReader xml(metainfo);
+    QString id, license, launchable, summary, releaseVersion, contentRating;
+    QStringList screenshots;
+    int descriptionParagraphs = 0;
+    while (!xml.atEnd()) {
+        if (xml.readNext() != QXmlStreamReader::StartElement)
+            continue;
+        const QStringView name = xml.name();
+        if (name == QLatin1String("id"))
+            id = xml.readElementText();
+        else if (name == QLatin1String("project_license"))
+            license = xml.readElementText();
+        else if (name == QLatin1String("launchable")) {
+            // The attribute first: reading the text moves past the element.
+            launchable = xml.attributes().value(QLatin1String("type")).toString() + QLatin1Char(':');
+            launchable += xml.readElementText();
+        } else if (name == QLatin1String("summary"))
+            summary = xml.readElementText();
+        else if (name == QLatin1String("p"))
+            ++descriptionParagraphs;
+        else if (name == QLatin1String("release"))
+            releaseVersion = xml.attributes().value(QLatin1String("version")).toString();
+        else if (name == QLatin1String("content_rating"))
+            contentRating = xml.attributes().value(QLatin1String("type")).toString();
+        else if (name == QLatin1String("image"))
+            screenshots << xml.readElementText();
+    }
+    QVERIFY2(!xml.hasError(), qPrintable(xml.errorString()));
+    QCOMPARE(id, appId);
+    QCOMPARE(license, QStringLiteral("GPL-3.0-or-later"));
+    QCOMPARE(launchable, QStringLiteral("desktop-id:") + appId + QStringLiteral(".desktop"));
+    QVERIFY(!summary.isEmpty());
+    QVERIFY(descriptionParagraphs >= 1);
+    QCOMPARE(releaseVersion, version);
+    QCOMPARE(contentRating, QStringLiteral("oars-1.1"));
+    // The history page, the new-entry page and the options page, from
+    // docs/screenshots/ as published.
+    QCOMPARE(screenshots.size(), 3);
+    const QStringList files = { QStringLiteral("/history.png"), QStringLiteral("/new-entry.png"),
+                                QStringLiteral("/options.png") };
+    for (int i = 0; i < 3; ++i) {
+        QVERIFY2(screenshots[i].startsWith(QLatin1String("https://")), qPrintable(screenshots[i]));
+        QVERIFY2(screenshots[i].endsWith(files[i]), qPrintable(screenshots[i]));
+    }
+}
+
+void TestInstall::eachPngIconHasItsStatedSizeAndShowsTheMark_data()
+{
+    QTest::addColumn<int>("size");
+    for (int size : { 16, 32, 48, 64, 128, 256 })
+        QTest::addRow("%dx%d", size, size) << size;
+}
+
+void TestInstall::eachPngIconHasItsStatedSizeAndShowsTheMark()
+{
+    QFETCH(int, size);
+    const QString path =
+        m_prefix + QStringLiteral("/share/icons/hicolor/%1x%1/apps/").arg(size) + appId + QStringLiteral(".png");
+    QImage image(path);
+    QVERIFY2(!image.isNull(), qPrintable(path));
+    QCOMPARE(image.size(), QSize(size, size));
+    QVERIFY(image.hasAlphaChannel());
+
+    // The mark at every size, 16 pixels included: the ink tile with rounded
+    // (so all but transparent) corners, the pale page in the middle and a
+    // rising coral line on it.
+    image = image.convertToFormat(QImage::Format_ARGB32);
+    QVERIFY2(qAlpha(image.pixel(0, 0)) < 32, qPrintable(QString::number(qAlpha(image.pixel(0, 0)))));
+    const auto near = [](QRgb pixel, QRgb colour) {
+        return qAlpha(pixel) == 255 && qAbs(qRed(pixel) - qRed(colour)) < 24 &&
+            qAbs(qGreen(pixel) - qGreen(colour)) < 24 && qAbs(qBlue(pixel) - qBlue(colour)) < 24;
+    };
+    const QRgb ink = qRgb(0x1d, 0x2b, 0x3a);
+    const QRgb paper = qRgb(0xf4, 0xf1, 0xea);
+    const QRgb coral = qRgb(0xe7, 0x6f, 0x51);
+    QVERIFY(near(image.pixel(size / 8, size / 2), ink));
+    int paperPixels = 0;
+    int lowestCoral = -1;
+    int highestCoral = size;
+    for (int y = 0; y < size; ++y) {
+        for (int x = 0; x < size; ++x) {
+            const QRgb pixel = image.pixel(x, y);
+            if (near(pixel, paper))
+                ++paperPixels;
+            if (near(pixel, coral)) {
+                lowestCoral = qMax(lowestCoral, y);
+                highestCoral = qMin(highestCoral, y);
+            }
+        }
+    }
+    // The page covers at least a quarter of the icon, and the line rises
+    // across at least a third of its height.
+    QVERIFY2(paperPixels >= size * size / 4, qPrintable(QString::number(paperPixels)));
+    QVERIFY2(lowestCoral - highestCoral >= size / 3,
+             qPrintable(QStringLiteral("coral rows %1 to %2").arg(highestCoral).arg(lowestCoral)));
+}
+
+void TestInstall::theScalableIconIsWellFormedSvg()
+{
+    const QByteArray svg =
+        readFile(m_prefix + QStringLiteral("/share/icons/hicolor/scalable/apps/") + appId + QStringLiteral(".svg"));
+    QXmlStreamReader xml(svg);
+    QVERIFY(xml.readNextStartElement());
+    QCOMPARE(xml.name(), QLatin1String("svg"));
+    QCOMPARE(xml.namespaceUri(), QLatin1String("http://www.w3.org/2000/svg"));
+    // A square canvas: the icon theme scales it to any size.
+    const QStringList viewBox = xml.attributes().value(QLatin1String("viewBox")).toString().split(QLatin1Char(' '));
+    QCOMPARE(viewBox.size(), 4);
+    QCOMPARE(viewBox[2], viewBox[3]);
+    int shapes = 0;
+    while (!xml.atEnd()) {
+        if (xml.readNext() == QXmlStreamReader::StartElement && xml.name() != QLatin1String("title") &&
+            xml.name() != QLatin1String("g"))
+            ++shapes;
+    }
+    QVERIFY2(!xml.hasError(), qPrintable(xml.errorString()));
+    QVERIFY(shapes >= 4);
+}
+
+void TestInstall::theWindowIconInTheProgramIsTheInstalledIcon()
+{
+    // The program sets its window icon from its resource bundle, which this
+    // test links too: an uninstalled build shows the very same pictures.
+    for (int size : { 16, 32, 48, 64, 128, 256 }) {
+        const QByteArray bundled = readFile(QStringLiteral(":/Images/icon/ledgerly-%1.png").arg(size));
+        QVERIFY2(!bundled.isEmpty(), qPrintable(QString::number(size)));
+        const QByteArray installed = readFile(m_prefix + QStringLiteral("/share/icons/hicolor/%1x%1/apps/").arg(size) +
+                                              appId + QStringLiteral(".png"));
+        QVERIFY2(bundled == installed, qPrintable(QString::number(size)));
+    }
+}
+
+void TestInstall::theDebianPackageNamesItselfItsVersionAndItsQtLibraries()
+{
+    const Run info = run(QStringLiteral("dpkg-deb"), { QStringLiteral("-I"), m_deb, QStringLiteral("control") });
+    QVERIFY2(info.finished && info.exitCode == 0, qPrintable(describe(info)));
+    QCOMPARE(controlField(info.out, QStringLiteral("Package")), QStringLiteral("ledgerly"));
+    QCOMPARE(controlField(info.out, QStringLiteral("Version")), version);
+    QCOMPARE(controlField(info.out, QStringLiteral("Section")), QStringLiteral("utils"));
+    QVERIFY(!controlField(info.out, QStringLiteral("Maintainer")).isEmpty());
+    QCOMPARE(controlField(info.out, QStringLiteral("Description")), QStringLiteral("Keep track of what you spend"));
+
+    // Computed from the program's own libraries, so every Qt module it
+    // links is there with a version.
+    const QString depends = controlField(info.out, QStringLiteral("Depends"));
+    for (const char *library : { "libqt6core6", "libqt6gui6", "libqt6widgets6", "libqt6sql6", "libqt6network6",
+                                 "libqt6webenginewidgets6", "libsqlite3-0" }) {
+        const QRegularExpression dependency(QStringLiteral("(^|, )%1 \\(>= [0-9.]+\\)").arg(QLatin1String(library)));
+        QVERIFY2(dependency.match(depends).hasMatch(), qPrintable(depends));
+    }
+
+    // The package holds what the install rules install, under /usr.
+    QVERIFY(QFileInfo(m_extracted + QStringLiteral("/usr/bin/ledgerly")).isExecutable());
+    QVERIFY(
+        QFile::exists(m_extracted + QStringLiteral("/usr/share/applications/") + appId + QStringLiteral(".desktop")));
+}
+
+void TestInstall::thePackagedProgramPrintsItsVersionWithoutADisplay()
+{
+    const Run versionRun =
+        run(m_extracted + QStringLiteral("/usr/bin/ledgerly"), { QStringLiteral("--version") }, withoutDisplay());
+    QVERIFY2(versionRun.finished && versionRun.exitCode == 0, qPrintable(describe(versionRun)));
+    QCOMPARE(QString::fromUtf8(versionRun.out), QStringLiteral("Ledgerly ") + version + QLatin1Char('\n'));
+    QCOMPARE(QString::fromUtf8(versionRun.err), QString());
+}
+
+void TestInstall::thePackagedProgramPrintsItsHelpWithoutADisplay()
+{
+    const Run help =
+        run(m_extracted + QStringLiteral("/usr/bin/ledgerly"), { QStringLiteral("--help") }, withoutDisplay());
+    QVERIFY2(help.finished && help.exitCode == 0, qPrintable(describe(help)));
+    const QString text = QString::fromUtf8(help.out);
+    QVERIFY2(text.startsWith(QLatin1String("Usage: ")), qPrintable(text));
+    QVERIFY2(text.contains(QLatin1String("-h, --help")), qPrintable(text));
+    QVERIFY2(text.contains(QLatin1String("-v, --version")), qPrintable(text));
+    QCOMPARE(QString::fromUtf8(help.err), QString());
+}
+
+void TestInstall::theWindowOnX11CarriesTheDesktopEntrysClassAndTheIcon()
+{
+    // A desktop matches a window to its menu entry by the class in WM_CLASS
+    // and shows the icon from _NET_WM_ICON: start the installed program on
+    // a virtual X server and read both the way a window manager does.
+    QProcess server;
+    server.start(QStringLiteral("Xvfb"),
+                 { QStringLiteral("-displayfd"), QStringLiteral("1"), QStringLiteral("-nolisten"),
+                   QStringLiteral("tcp"), QStringLiteral("-screen"), QStringLiteral("0"),
+                   QStringLiteral("1280x1024x24") });
+    QVERIFY2(server.waitForStarted(), qPrintable(server.errorString()));
+    QTRY_VERIFY_WITH_TIMEOUT(server.canReadLine(), 30000);
+    const QString display = QLatin1Char(':') + QString::fromLatin1(server.readLine()).trimmed();
+
+    QTemporaryDir home;
+    QVERIFY(home.isValid());
+    QProcessEnvironment environment = withoutDisplay();
+    environment.insert(QStringLiteral("DISPLAY"), display);
+    environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("xcb"));
+    environment.insert(QStringLiteral("HOME"), home.path());
+    QProcess program;
+    program.setProcessEnvironment(environment);
+    program.setWorkingDirectory(home.path());
+    program.start(m_prefix + QStringLiteral("/bin/ledgerly"), QStringList());
+    QVERIFY2(program.waitForStarted(), qPrintable(program.errorString()));
+
+    // xwininfo lists each top-level window with its WM_CLASS instance and
+    // class in brackets.
+    const QRegularExpression classed(QStringLiteral("^\\s*(0x[0-9a-f]+) .*\\(\"([^\"]*)\" \"([^\"]*)\"\\)"),
+                                     QRegularExpression::MultilineOption);
+    QRegularExpressionMatch window;
+    const auto findWindow = [&] {
+        const Run list =
+            run(QStringLiteral("xwininfo"),
+                { QStringLiteral("-display"), display, QStringLiteral("-root"), QStringLiteral("-children") });
+        window = classed.match(QString::fromUtf8(list.out));
+        return window.hasMatch();
+    };
+    QTRY_VERIFY_WITH_TIMEOUT(findWindow(), 60000);
+
+    const QByteArray entry =
+        readFile(m_prefix + QStringLiteral("/share/applications/") + appId + QStringLiteral(".desktop"));
+    QCOMPARE(window.captured(3), desktopEntryValue(entry, QStringLiteral("StartupWMClass")));
+    QCOMPARE(window.captured(2), QStringLiteral("ledgerly"));
+
+    const Run icon = run(QStringLiteral("xprop"),
+                         { QStringLiteral("-display"), display, QStringLiteral("-len"), QStringLiteral("100000000"),
+                           QStringLiteral("-id"), window.captured(1), QStringLiteral("_NET_WM_ICON") });
+    QVERIFY2(icon.finished && icon.exitCode == 0, qPrintable(describe(icon)));
+    QStringList sizes;
+    const QRegularExpression iconSize(QStringLiteral("Icon \\((\\d+) x (\\d+)\\)"));
+    for (QRegularExpressionMatchIterator it = iconSize.globalMatch(QString::fromUtf8(icon.out)); it.hasNext();) {
+        const QRegularExpressionMatch match = it.next();
+        sizes << match.captured(1) + QLatin1Char('x') + match.captured(2);
+    }
+    QCOMPARE(sizes,
+             QStringList({ QStringLiteral("16x16"), QStringLiteral("32x32"), QStringLiteral("48x48"),
+                           QStringLiteral("64x64"), QStringLiteral("128x128"), QStringLiteral("256x256") }));
+
+    // Ended from outside, as a session ending would; its output is not the
+    // test's to judge.
+    program.terminate();
+    QVERIFY(program.waitForFinished(30000));
+    server.terminate();
+    QVERIFY(server.waitForFinished(30000));
+}
+
+QTEST_GUILESS_MAIN(TestInstall)
+#include "tst_install.moc"
