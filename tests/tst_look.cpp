@@ -3,8 +3,8 @@
 #include "widgettest.h"
 
 #include <QCheckBox>
-#include <QIcon>
 #include <QComboBox>
+#include <QIcon>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
