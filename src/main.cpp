@@ -6,6 +6,8 @@
 
 int main(int argc, char *argv[])
 {
+    // The names the settings live under, and what --version says.
+    QCoreApplication::setOrganizationName(QStringLiteral("Ledgerly"));
     QCoreApplication::setApplicationName(QStringLiteral("Ledgerly"));
     QCoreApplication::setApplicationVersion(QStringLiteral(LEDGERLY_VERSION));
     if (CommandLine::wanted(argc)) {
@@ -15,11 +17,13 @@ int main(int argc, char *argv[])
     }
 
     QGuiApplication::setDesktopFileName(QStringLiteral(LEDGERLY_APP_ID));
+    // The window system shows the display name beside the window's own title.
+    QGuiApplication::setApplicationDisplayName(QStringLiteral("Ledgerly"));
     // The web engine of the entry details page shares OpenGL contexts.
     QCoreApplication::setAttribute(Qt::AA_ShareOpenGLContexts);
     QApplication a(argc, argv);
     QApplication::setWindowIcon(Look::applicationIcon());
-    Look::applyApplicationPalette();
+    Look::applyToApplication();
     MainWindow w;
     w.show();
     return a.exec();

@@ -1,14 +1,46 @@
 #include "look.h"
 
+#include "notice.h"
+
+#include "contrast.h"
+#include "messageboxanswerer.h"
 #include "widgettest.h"
 
 #include <QCheckBox>
 #include <QComboBox>
+#include <QDialog>
+#include <QFile>
+#include <QFileDialog>
 #include <QIcon>
 #include <QLabel>
 #include <QLineEdit>
+#include <QListView>
+#include <QProgressDialog>
 #include <QPushButton>
+#include <QTemporaryDir>
+#include <QToolTip>
+#include <QTreeView>
 #include <QtTest>
+
+namespace {
+
+// Where `child` lies in a picture of `top`.
+QRect areaIn(const QWidget *top, const QWidget *child)
+{
+    return QRect(child->mapTo(top, QPoint(0, 0)), child->size());
+}
+
+QWidget *shownToolTip()
+{
+    const QWidgetList widgets = QApplication::topLevelWidgets();
+    for (QWidget *widget : widgets) {
+        if (widget->inherits("QTipLabel") && widget->isVisible())
+            return widget;
+    }
+    return nullptr;
+}
+
+} // namespace
 
 class TestLook : public QObject
 {
@@ -18,11 +50,33 @@ public:
     static void initMain() { WidgetTest::initMain(); }
 
 private slots:
-    void initTestCase() { WidgetTest::initTestCase(); }
+    void initTestCase();
+    void cleanup();
+
     void buttonFontWeightIsTheLightestOfTheOldScaleKeepingTheRest();
     void applicationPaletteWritesWhiteOnTheBlackPagesAndKeepsDarkTextInFields();
     void applicationIconOffersEverySizeOfTheIconThemeSharply();
+    void applyingTheLookTwiceChangesNothing();
+    void messageBoxesShowTheirTextReadably();
+    void aboutQtShowsItsTextReadably();
+    void fileDialogShowsItsLabelsBoxesAndFilesReadably();
+    void progressDialogShowsItsTextReadably();
+    void toolTipsShowLightTextOnADarkGround_data();
+    void toolTipsShowLightTextOnADarkGround();
 };
+
+void TestLook::initTestCase()
+{
+    WidgetTest::initTestCase();
+    // What main() sets up, once, before any window.
+    Look::applyToApplication();
+}
+
+void TestLook::cleanup()
+{
+    QToolTip::hideText();
+    VERIFY_NO_WIDGETS_LEFT();
+}
 
 void TestLook::buttonFontWeightIsTheLightestOfTheOldScaleKeepingTheRest()
 {
@@ -47,7 +101,7 @@ void TestLook::buttonFontWeightIsTheLightestOfTheOldScaleKeepingTheRest()
 void TestLook::applicationPaletteWritesWhiteOnTheBlackPagesAndKeepsDarkTextInFields()
 {
     const QColor fieldText = QApplication::palette("QLineEdit").color(QPalette::Text);
-    Look::applyApplicationPalette();
+    Look::applyToApplication();
 
     QWidget page;
     page.setStyleSheet(QStringLiteral("background-color: rgb(0, 0, 0);"));
@@ -92,6 +146,144 @@ void TestLook::applicationIconOffersEverySizeOfTheIconThemeSharply()
         QCOMPARE(drawn.size(), size);
         QVERIFY2(drawn == file, qPrintable(QString::number(size.width())));
     }
+}
+
+void TestLook::applyingTheLookTwiceChangesNothing()
+{
+    const QPalette application = QApplication::palette();
+    const QPalette menu = QApplication::palette("QMenu");
+    const QPalette toolTip = QToolTip::palette();
+    Look::applyToApplication();
+    QCOMPARE(QApplication::palette(), application);
+    QCOMPARE(QApplication::palette("QMenu"), menu);
+    QCOMPARE(QToolTip::palette(), toolTip);
+
+    // The dialogs still get the desktop's dark text, not the pages' white.
+    QDialog dialog;
+    auto *label = new QLabel(QStringLiteral("Import"), &dialog);
+    dialog.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&dialog));
+    QVERIFY(label->palette().color(QPalette::WindowText).lightness() < 100);
+    dialog.close();
+}
+
+void TestLook::messageBoxesShowTheirTextReadably()
+{
+    MessageBoxAnswerer answerer;
+    answerer.answer({ QMessageBox::Ok, QMessageBox::Save });
+    Notice::inform(QStringLiteral("No Entries between the given dates"));
+    QVERIFY(Notice::confirm(QStringLiteral("Category Name Entered - Travel ")));
+    QVERIFY2(answerer.errors().isEmpty(), qPrintable(answerer.errors().join('\n')));
+    QCOMPARE(answerer.seen().size(), 2);
+
+    for (const SeenMessageBox &box : answerer.seen()) {
+        QVERIFY(!box.textArea.isEmpty());
+        // Text that stands out from the box's ground as the guidelines ask,
+        // not the pages' white on the dialog's light grey.
+        const double contrast = drawnContrast(box.picture, box.textArea);
+        QVERIFY2(contrast >= 4.5, qPrintable(QStringLiteral("%1: %2").arg(box.text).arg(contrast)));
+        QVERIFY(darkPixels(box.picture, box.textArea) > 20);
+    }
+}
+
+void TestLook::aboutQtShowsItsTextReadably()
+{
+    MessageBoxAnswerer answerer;
+    answerer.answer(QMessageBox::Ok);
+    QMessageBox::aboutQt(nullptr);
+    QVERIFY2(answerer.errors().isEmpty(), qPrintable(answerer.errors().join('\n')));
+    QCOMPARE(answerer.seen().size(), 1);
+    const SeenMessageBox &box = answerer.seen().constFirst();
+    QVERIFY(box.text.contains(QStringLiteral("Qt")));
+    QVERIFY(!box.textArea.isEmpty());
+    const double contrast = drawnContrast(box.picture, box.textArea);
+    QVERIFY2(contrast >= 4.5, qPrintable(QString::number(contrast)));
+}
+
+void TestLook::fileDialogShowsItsLabelsBoxesAndFilesReadably()
+{
+    QTemporaryDir dir;
+    QVERIFY(dir.isValid());
+    QFile file(dir.filePath(QStringLiteral("entries.csv")));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.close();
+
+    QFileDialog dialog(nullptr, QStringLiteral("Export Entries"), dir.path(), QStringLiteral("CSV files (*.csv)"));
+    dialog.setOption(QFileDialog::DontUseNativeDialog);
+    dialog.setViewMode(QFileDialog::List);
+    dialog.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&dialog));
+    auto *files = dialog.findChild<QListView *>(QStringLiteral("listView"));
+    QVERIFY(files);
+    QTRY_COMPARE(files->model()->rowCount(files->rootIndex()), 1);
+    const QImage picture = dialog.grab().toImage();
+
+    // Every label ("Look in:", "File name:", "Files of type:"), every box
+    // (the folder and the file type) and the list of files.
+    QList<QWidget *> parts;
+    for (QLabel *label : dialog.findChildren<QLabel *>()) {
+        if (label->isVisible() && !label->text().isEmpty())
+            parts.append(label);
+    }
+    QCOMPARE(parts.size(), 3);
+    const QList<QComboBox *> boxes = dialog.findChildren<QComboBox *>();
+    for (QComboBox *box : boxes)
+        parts.append(box);
+    QCOMPARE(boxes.size(), 2);
+    parts.append(files->viewport());
+
+    for (const QWidget *part : parts) {
+        const double contrast = drawnContrast(picture, areaIn(&dialog, part));
+        QVERIFY2(
+            contrast >= 4.5,
+            qPrintable(QStringLiteral("%1: %2").arg(QLatin1String(part->metaObject()->className())).arg(contrast)));
+    }
+    dialog.close();
+}
+
+void TestLook::progressDialogShowsItsTextReadably()
+{
+    QProgressDialog dialog(QStringLiteral("Importing entries…"), QStringLiteral("Cancel"), 0, 100);
+    dialog.setMinimumDuration(0);
+    dialog.setValue(40);
+    dialog.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&dialog));
+    const QImage picture = dialog.grab().toImage();
+    auto *label = dialog.findChild<QLabel *>();
+    auto *cancel = dialog.findChild<QPushButton *>();
+    QVERIFY(label && cancel);
+    for (const QWidget *part : { static_cast<QWidget *>(label), static_cast<QWidget *>(cancel) }) {
+        const double contrast = drawnContrast(picture, areaIn(&dialog, part));
+        QVERIFY2(contrast >= 4.5, qPrintable(QString::number(contrast)));
+    }
+    dialog.close();
+}
+
+void TestLook::toolTipsShowLightTextOnADarkGround_data()
+{
+    QTest::addColumn<QString>("styleSheet");
+    QTest::newRow("over a black page") << QStringLiteral("background-color: rgb(0, 0, 0);");
+    QTest::newRow("over a dialog") << QString();
+}
+
+void TestLook::toolTipsShowLightTextOnADarkGround()
+{
+    QFETCH(QString, styleSheet);
+    QWidget page;
+    page.setStyleSheet(styleSheet);
+    page.resize(300, 200);
+    page.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&page));
+
+    QToolTip::showText(page.mapToGlobal(QPoint(20, 20)), QStringLiteral("Sun Nov 15 13:08:59 2026"), &page);
+    QWidget *tip = nullptr;
+    QTRY_VERIFY((tip = shownToolTip()) != nullptr);
+    const QImage picture = tip->grab().toImage();
+    QVERIFY(groundColour(picture, picture.rect()).lightness() < 60);
+    const double contrast = drawnContrast(picture);
+    QVERIFY2(contrast >= 4.5, qPrintable(QString::number(contrast)));
+    QVERIFY(lightPixels(picture, picture.rect()) > 20);
+    page.close();
 }
 
 QTEST_MAIN(TestLook)

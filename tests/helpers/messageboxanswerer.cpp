@@ -1,6 +1,7 @@
 #include "messageboxanswerer.h"
 
 #include <QAbstractButton>
+#include <QLabel>
 #include <QPushButton>
 #include <QApplication>
 #include <QTest>
@@ -100,6 +101,12 @@ void MessageBoxAnswerer::poll()
         seenBox.defaultButton =
             box->defaultButton() ? box->standardButton(box->defaultButton()) : QMessageBox::NoButton;
         seenBox.hasParent = box->parentWidget() != nullptr;
+        seenBox.picture = box->grab().toImage();
+        const QList<QLabel *> labels = box->findChildren<QLabel *>();
+        for (const QLabel *label : labels) {
+            if (label->isVisible() && label->text() == seenBox.text)
+                seenBox.textArea = QRect(label->mapTo(box, QPoint(0, 0)), label->size());
+        }
 
         QAbstractButton *toPress = nullptr;
         if (queued.isEmpty()) {

@@ -1,9 +1,11 @@
 #pragma once
 
+#include <QImage>
 #include <QList>
 #include <QMessageBox>
 #include <QObject>
 #include <QQueue>
+#include <QRect>
 #include <QStringList>
 #include <QTest>
 #include <QTimer>
@@ -18,6 +20,9 @@ struct SeenMessageBox
     QMessageBox::StandardButton defaultButton = QMessageBox::NoButton;
     bool hasParent = false;
     QMessageBox::StandardButton pressed = QMessageBox::NoButton;
+    // The box as it was on screen, and where its text stood in that picture.
+    QImage picture;
+    QRect textArea;
 };
 
 // The program's kinds of message box (see Notice): all parent-less and

@@ -3,6 +3,8 @@
 #include <QCoreApplication>
 #include <QFile>
 #include <QRegularExpression>
+#include <QSettings>
+#include <QTemporaryDir>
 #include <QThread>
 #include <QTimer>
 
@@ -35,4 +37,15 @@ void runPendingEventsAndClearQuit()
     });
     quitter.start();
     QCoreApplication::exec();
+}
+
+void useTemporarySettings()
+{
+    static QTemporaryDir settingsDir;
+    if (!settingsDir.isValid())
+        qFatal("no temporary directory for the settings: %s", qPrintable(settingsDir.errorString()));
+    for (const QSettings::Format format : { QSettings::NativeFormat, QSettings::IniFormat }) {
+        QSettings::setPath(format, QSettings::UserScope, settingsDir.path());
+        QSettings::setPath(format, QSettings::SystemScope, settingsDir.path());
+    }
 }

@@ -15,3 +15,8 @@ QStringList loadedGuiLibraries();
 // clear it the same way: a short exec() that quits at once. Events already
 // posted (a queued message box, say) are delivered inside it.
 void runPendingEventsAndClearQuit();
+
+// Points the settings (every format, user and system scope) at a directory
+// of this process, removed when it ends: neither the settings of the user
+// running the tests nor those another test process wrote take part.
+void useTemporarySettings();

@@ -1,5 +1,7 @@
 #include "widgettest.h"
 
+#include "testsupport.h"
+
 #include <QApplication>
 #include <QCoreApplication>
 #include <QGuiApplication>
@@ -34,9 +36,13 @@ bool isPlatformNoise(QtMsgType type, const QMessageLogContext &context, const QS
         return false;
     if (type == QtInfoMsg && qstrcmp(context.category, "qt.webenginecontext") == 0)
         return true;
-    // The second web engine line ends in a newline of its own.
+    // The second web engine line ends in a newline of its own. Tool tips and
+    // pop-ups raise themselves and drop-down lists take the keyboard; the
+    // offscreen platform has no stacking order and no keyboard.
     return type == QtWarningMsg &&
         (message == QLatin1String("This plugin does not support propagateSizeHints()") ||
+         message == QLatin1String("This plugin does not support raise()") ||
+         message == QLatin1String("This plugin does not support grabbing the keyboard") ||
          message ==
              QLatin1String("WebEngineContext used before QtWebEngineCore::initialize() or OpenGL context "
                            "creation failed.") ||
@@ -54,6 +60,7 @@ void dropPlatformNoise(QtMsgType type, const QMessageLogContext &context, const 
 void WidgetTest::initMain()
 {
     QCoreApplication::setAttribute(Qt::AA_ShareOpenGLContexts);
+    useTemporarySettings();
 }
 
 void WidgetTest::initTestCase()

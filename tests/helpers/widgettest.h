@@ -14,15 +14,18 @@
 namespace WidgetTest {
 
 // Before the application object exists, as main() does: the web engine
-// wants shared OpenGL contexts.
+// wants shared OpenGL contexts. The window writes where it was to the
+// settings when it closes, so the process keeps its settings in a directory
+// of its own (see useTemporarySettings()).
 void initMain();
 
 // Once Qt Test has started its log. The offscreen platform cannot propagate
-// size hints and warns whenever a dialog fixes its size, and the web engine
-// warns (and dumps its configuration) at start-up that the platform has no
-// OpenGL; those lines are the platform's limits, not the program's, so they
-// are dropped and everything else goes on to the test log, where a warning
-// fails the test.
+// size hints, raise a window or grab the keyboard, and warns whenever a
+// dialog fixes its size, a tool tip raises itself or a drop-down list opens;
+// the web engine warns (and dumps its configuration) at start-up that the
+// platform has no OpenGL. Those lines are the platform's limits, not the
+// program's, so they are dropped and everything else goes on to the test
+// log, where a warning fails the test.
 void initTestCase();
 
 // The widgets a test left behind, which are then deleted: every widget
