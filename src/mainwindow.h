@@ -1,6 +1,8 @@
 #pragma once
 
+#include <QList>
 #include <QMainWindow>
+#include <QRect>
 
 class DatabaseManager;
 
@@ -8,8 +10,9 @@ namespace Ui {
 class MainWindow;
 }
 
-// The one top-level window: a fixed menu column and a stacked page area whose
-// third page hosts the data page of the moment. Owns the store.
+// The one top-level window: a fixed menu column, a menu bar, and a stacked
+// page area whose third page hosts the data page of the moment. The page
+// area follows the window's size. Owns the store.
 class MainWindow : public QMainWindow
 {
     Q_OBJECT
@@ -19,6 +22,14 @@ public:
     explicit MainWindow(QWidget *parent = nullptr);
     ~MainWindow() override;
 
+    // Whether a window at `geometry` could be found again: one of the
+    // screens' areas shows at least a 100 x 50 piece of it.
+    static bool isOnAScreen(const QRect &geometry, const QList<QRect> &screenAreas);
+
+protected:
+    void closeEvent(QCloseEvent *event) override;
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
 private slots:
     void on_pushButtonNewEntry_clicked();
     void on_pushButtonOptions_clicked();
@@ -27,6 +38,11 @@ private slots:
     void on_pushButtonHome_clicked();
 
 private:
+    void setUpPageArea();
+    void fitPageArea();
+    void connectMenuBar();
+    void restoreWindowGeometry();
+    void saveWindowGeometry() const;
     void showDataPage(QWidget *page);
     void reportUnusableDatabase();
 

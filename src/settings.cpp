@@ -2,6 +2,13 @@
 
 #include <QString>
 
+namespace {
+
+const char geometryKey[] = "MainWindow/geometry";
+const char maximizedKey[] = "MainWindow/maximized";
+
+} // namespace
+
 Settings::Settings() : settings(QStringLiteral("Ledgerly"), QStringLiteral("Ledgerly")) { }
 
 Settings::~Settings() = default;
@@ -12,4 +19,20 @@ QUrl Settings::geoLocationServiceUrl() const
     if (text.isEmpty())
         text = settings.value(QStringLiteral("GeoLocation/ServiceUrl")).toString();
     return QUrl(text.trimmed());
+}
+
+QRect Settings::mainWindowGeometry() const
+{
+    return settings.value(QLatin1String(geometryKey)).toRect();
+}
+
+bool Settings::isMainWindowMaximized() const
+{
+    return settings.value(QLatin1String(maximizedKey)).toBool();
+}
+
+void Settings::setMainWindowGeometry(const QRect &geometry, bool maximized)
+{
+    settings.setValue(QLatin1String(geometryKey), geometry);
+    settings.setValue(QLatin1String(maximizedKey), maximized);
 }

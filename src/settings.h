@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QRect>
 #include <QSettings>
 #include <QUrl>
 
@@ -19,6 +20,14 @@ public:
     // variable LEDGERLY_GEOLOCATION_URL when it is set and not empty, else
     // the key GeoLocation/ServiceUrl. Empty when neither names one.
     QUrl geoLocationServiceUrl() const;
+
+    // Where the main window was when it last closed, keys
+    // MainWindow/geometry (its place and size without the window frame; for
+    // a maximised window the place it returns to) and MainWindow/maximized.
+    // A null rectangle and false when none was kept.
+    QRect mainWindowGeometry() const;
+    bool isMainWindowMaximized() const;
+    void setMainWindowGeometry(const QRect &geometry, bool maximized);
 
 private:
     QSettings settings;

@@ -1,8 +1,11 @@
 #include "addentrywidget.h"
 #include "databasemanager.h"
 #include "historywidget.h"
+#include "look.h"
 #include "mainwindow.h"
+#include "optionswidget.h"
 
+#include "contrast.h"
 #include "mainwindowfixture.h"
 #include "messageboxanswerer.h"
 #include "rawdatabase.h"
@@ -10,6 +13,8 @@
 #include "testsupport.h"
 #include "widgettest.h"
 
+#include <QAbstractItemView>
+#include <QComboBox>
 #include <QCryptographicHash>
 #include <QFile>
 #include <QFrame>
@@ -17,14 +22,74 @@
 #include <QImageReader>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMenu>
+#include <QMenuBar>
 #include <QPushButton>
+#include <QScopeGuard>
 #include <QScrollArea>
+#include <QScrollBar>
+#include <QSettings>
 #include <QStackedWidget>
+#include <QTabWidget>
 #include <QTableWidget>
-#include <QTextDocument>
+#include <QTemporaryDir>
 #include <QtTest>
 
 int qInitResources_ImageResource();
+
+namespace {
+
+bool showsAScrollBar(const QScrollArea *area)
+{
+    return area->horizontalScrollBar()->isVisible() || area->verticalScrollBar()->isVisible();
+}
+
+// The window's central area: what the form was designed for.
+const QSize designedArea(1203, 824);
+
+// The menu column exactly as designed, whatever the window's size.
+const QList<QPair<const char *, QRect>> menuColumn = {
+    { "groupBoxMenu", QRect(10, 0, 151, 431) },        { "pushButtonHome", QRect(10, 20, 131, 51) },
+    { "pushButtonNewEntry", QRect(10, 100, 131, 51) }, { "pushButtonHistory", QRect(10, 180, 131, 51) },
+    { "pushButtonOptions", QRect(10, 260, 131, 51) },  { "pushButtonExit", QRect(10, 340, 131, 51) },
+};
+
+bool menuColumnIsAsDesigned(const MainWindow &window)
+{
+    for (const auto &[name, geometry] : menuColumn) {
+        if (child<QWidget>(window, name)->geometry() != geometry)
+            return false;
+    }
+    return true;
+}
+
+// Whether the user sees all of `widget`: no part of it is clipped by the
+// scroll areas and the window around it.
+bool isSeenWhole(const QWidget *widget)
+{
+    return widget->isVisible() && widget->visibleRegion() == QRegion(widget->rect());
+}
+
+void addOneEntry(MainWindowFixture &f)
+{
+    f.addEntry(QStringLiteral("Coffee"), QStringLiteral("Drinks"), QDateTime(QDate(2026, 11, 15), QTime(8, 30)), 2.5);
+}
+
+// The pointer comes to rest on `position` of `widget`. Sent to the widget
+// itself: the offscreen platform has no pointer to move.
+void hover(QWidget *widget, const QPoint &position)
+{
+    QMouseEvent move(QEvent::MouseMove, position, widget->mapToGlobal(position), Qt::NoButton, Qt::NoButton,
+                     Qt::NoModifier);
+    QApplication::sendEvent(widget, &move);
+}
+
+QAction *action(const MainWindow &window, const char *name)
+{
+    return child<QAction>(window, name);
+}
+
+} // namespace
 
 class TestMainWindow : public QObject
 {
@@ -34,7 +99,8 @@ public:
     static void initMain() { WidgetTest::initMain(); }
 
 private slots:
-    void initTestCase() { WidgetTest::initTestCase(); }
+    void initTestCase();
+    void init();
     void cleanup();
 
     void formHasTheDesignedWidgetsAndGeometry_data();
@@ -52,13 +118,65 @@ private slots:
     void everyDataPageKeepsItsBlackBackgroundInTheItalicHost();
     void constructionCreatesTheDatabaseFileInTheHomeDirectory();
 
+    void theDataPageHostSpansItsWholeStackedPage();
+    void atTheDefaultSizeEveryDataPageIsSeenWhole_data();
+    void atTheDefaultSizeEveryDataPageIsSeenWhole();
+    void theWindowGrowsThePageAreaAndCentresThePage();
+    void aSmallWindowScrollsThePageAndKeepsEveryWidgetReachable();
+    void homeAndAboutKeepTheirGeometryAndScrollInASmallWindow();
+    void theSmallestWindowShowsTheWholeMenuColumn();
+    void theWindowCanBeMaximised();
+    void theWindowOpensWhereItWasClosed();
+    void aMaximisedWindowOpensMaximisedAndReturnsToItsSize();
+    void aWindowSavedOffEveryScreenOpensAtTheDefaultPlace();
+    void aWindowIsFoundWhenAScreenShowsEnoughOfIt_data();
+    void aWindowIsFoundWhenAScreenShowsEnoughOfIt();
+
+    void menuBarHasFileGoAndHelpWithTheirCommandsInOrder();
+    void everyMenuCommandHasItsNameTextShortcutAndState_data();
+    void everyMenuCommandHasItsNameTextShortcutAndState();
+    void goCommandsDoWhatTheirMenuButtonsDo();
+    void historyCommandRefusesOnAnEmptyStoreAsTheButtonDoes();
+    void helpCommandsShowTheAboutPageAndQtsOwnBox();
+    void quitClosesTheWindowAndRemembersWhereItWas();
+    void shortcutsDriveTheWindowFromTheKeyboard();
+
+    void aGrabOfTheWindowAfterNewEntryShowsTheWholeAddButton();
+    void theMenuBarShowsLightTitlesOnADarkGround();
+    void menusShowLightCommandsAndHighlightTheOneUnderThePointer();
+    void dropDownListsShowLightItemsOnADarkGround_data();
+    void dropDownListsShowLightItemsOnADarkGround();
+
     void resourcesAreCompiledIn();
     void resourceInitialiserStaysCallable();
     void pictureFramesShowTheCompiledInPictures();
 
     void unreadableHomeIsReportedOnce();
     void fileThatIsNotADatabaseIsReportedAndLeftUntouched();
+
+private:
+    // Points the settings at a fresh configuration directory, as a start
+    // with XDG_CONFIG_HOME set there would.
+    void useConfigHome();
+
+    QTemporaryDir configHome;
 };
+
+void TestMainWindow::initTestCase()
+{
+    WidgetTest::initTestCase();
+    QVERIFY(configHome.isValid());
+    // What main() sets up, once, before the window.
+    Look::applyToApplication();
+}
+
+void TestMainWindow::init()
+{
+    // Every window starts where a first start puts it, and a new-entry page
+    // asks no geolocation service.
+    QSettings(QStringLiteral("Ledgerly"), QStringLiteral("Ledgerly")).clear();
+    qunsetenv("LEDGERLY_GEOLOCATION_URL");
+}
 
 void TestMainWindow::cleanup()
 {
@@ -101,8 +219,6 @@ void TestMainWindow::formHasTheDesignedWidgetsAndGeometry_data()
                              << "QLabel" << QRect(270, 50, 121, 31);
     QTest::newRow("label_3") << "label_3"
                              << "QLabel" << QRect(310, 90, 31, 31);
-    QTest::newRow("scrollArea_2") << "scrollArea_2"
-                                  << "QScrollArea" << QRect(0, 0, 641, 511);
     QTest::newRow("scrollAreaWidgetContents_2") << "scrollAreaWidgetContents_2"
                                                 << "QWidget" << QRect(0, 0, 639, 509);
 }
@@ -115,6 +231,7 @@ void TestMainWindow::formHasTheDesignedWidgetsAndGeometry()
 
     MainWindowFixture f;
     MainWindow &window = f.window();
+    QVERIFY(f.show());
     auto *widget = window.findChild<QWidget *>(name);
     QVERIFY2(widget, qPrintable(name));
     QCOMPARE(QString::fromLatin1(widget->metaObject()->className()), className);
@@ -127,7 +244,11 @@ void TestMainWindow::windowHasItsTitleSizeAndStyle()
     MainWindow &window = f.window();
     QCOMPARE(window.objectName(), QStringLiteral("MainWindow"));
     QCOMPARE(window.windowTitle(), QStringLiteral("MainWindow"));
-    QCOMPARE(window.size(), QSize(1203, 824));
+    QVERIFY(f.show());
+    // The menu bar comes on top of the designed area, which keeps its size.
+    QCOMPARE(window.centralWidget()->size(), designedArea);
+    QVERIFY(window.menuBar()->height() > 10);
+    QCOMPARE(window.size(), QSize(1203, 824 + window.menuBar()->height()));
     QCOMPARE(window.styleSheet(), QStringLiteral("background-color: rgb(0, 0, 0);\nfont: 75 14pt \"MS Shell Dlg 2\";"));
     QCOMPARE(window.centralWidget()->objectName(), QStringLiteral("centralWidget"));
     QCOMPARE(child<QGroupBox>(window, "groupBoxMenu")->title(), QStringLiteral("Menu"));
@@ -229,14 +350,18 @@ void TestMainWindow::historyOnAnEmptyStoreExplainsWhyAndStays()
     QVERIFY2(answerer.errors().isEmpty(), qPrintable(answerer.errors().join('\n')));
     const SeenMessageBox &box = answerer.seen().constFirst();
     VERIFY_BOX_SHAPE(box, BoxKind::Information);
+    // The user can read it: its text stands out from the box's ground.
+    QVERIFY(!box.textArea.isEmpty());
+    const double contrast = drawnContrast(box.picture, box.textArea);
+    QVERIFY2(contrast >= 4.5, qPrintable(QString::number(contrast)));
     QCOMPARE(f.stack()->currentIndex(), 1);
-    QCOMPARE(f.host()->widget()->objectName(), QStringLiteral("scrollAreaWidgetContents_2"));
+    QCOMPARE(f.page()->objectName(), QStringLiteral("scrollAreaWidgetContents_2"));
 }
 
 void TestMainWindow::historyStaysAvailableAfterEntriesAreDeleted()
 {
     MainWindowFixture f;
-    f.addEntry(QStringLiteral("Coffee"), QStringLiteral("Drinks"), QDateTime(QDate(2026, 11, 15), QTime(8, 30)), 2.5);
+    addOneEntry(f);
     f.window();
     RawDatabase raw(f.home.databasePath());
     QVERIFY(raw.exec(QStringLiteral("DELETE FROM Entry")));
@@ -250,13 +375,12 @@ void TestMainWindow::historyStaysAvailableAfterEntriesAreDeleted()
     QVERIFY(answerer.seen().isEmpty());
     QVERIFY(answerer.errors().isEmpty());
     QCOMPARE(f.stack()->currentIndex(), 2);
-    QVERIFY(qobject_cast<HistoryWidget *>(f.host()->widget()));
+    QVERIFY(qobject_cast<HistoryWidget *>(f.page()));
 }
 
 void TestMainWindow::historyOpensOnceAnEntryWasAddedOnTheNewEntryPage()
 {
     MainWindowFixture f;
-    qunsetenv("LEDGERLY_GEOLOCATION_URL");
     auto *host = f.host();
 
     MessageBoxAnswerer answerer;
@@ -302,8 +426,7 @@ void TestMainWindow::everyDataPageKeepsItsBlackBackgroundInTheItalicHost()
     QFETCH(QString, pageName);
 
     MainWindowFixture f;
-    qunsetenv("LEDGERLY_GEOLOCATION_URL");
-    f.addEntry(QStringLiteral("Coffee"), QStringLiteral("Drinks"), QDateTime(QDate(2026, 11, 15), QTime(8, 30)), 2.5);
+    addOneEntry(f);
     QVERIFY(f.show());
     f.click(button.constData());
     QWidget *page = f.page();
@@ -326,6 +449,620 @@ void TestMainWindow::constructionCreatesTheDatabaseFileInTheHomeDirectory()
     QVERIFY(QFile::exists(f.home.databasePath()));
     RawDatabase raw(f.home.databasePath());
     QCOMPARE(raw.scalar(QStringLiteral("SELECT COUNT(*) FROM Category")).toInt(), 37);
+}
+
+void TestMainWindow::useConfigHome()
+{
+    qputenv("XDG_CONFIG_HOME", configHome.path().toLocal8Bit());
+    QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, configHome.path());
+    QSettings(QStringLiteral("Ledgerly"), QStringLiteral("Ledgerly")).clear();
+}
+
+void TestMainWindow::theDataPageHostSpansItsWholeStackedPage()
+{
+    MainWindowFixture f;
+    MainWindow &window = f.window();
+    QVERIFY(f.show());
+    f.click("pushButtonNewEntry");
+    // Everything of the designed size but the host, which fills page 2 of
+    // the stack instead of its 641 x 511.
+    QCOMPARE(f.pageArea()->geometry(), QRect(170, 10, 1021, 811));
+    QCOMPARE(child<QWidget>(window, "scrollAreaWidgetContents")->geometry(), QRect(0, 0, 1019, 809));
+    QCOMPARE(f.stack()->geometry(), QRect(10, 9, 1001, 781));
+    QCOMPARE(child<QWidget>(window, "NewEntryContainerWidget")->geometry(), QRect(0, 0, 1001, 781));
+    QCOMPARE(f.host()->geometry(), QRect(0, 0, 1001, 781));
+    QVERIFY(!f.host()->widgetResizable());
+    QCOMPARE(f.host()->parentWidget()->objectName(), QStringLiteral("NewEntryContainerWidget"));
+    // The page sits centred at the top of the host's 999 x 779 inside.
+    QTRY_COMPARE(f.page()->geometry(), QRect((999 - 888) / 2, 0, 888, 761));
+}
+
+void TestMainWindow::atTheDefaultSizeEveryDataPageIsSeenWhole_data()
+{
+    QTest::addColumn<QByteArray>("button");
+    QTest::addColumn<QByteArray>("widget");
+    QTest::addColumn<QRect>("geometry");
+    QTest::newRow("new entry: name") << QByteArray("pushButtonNewEntry") << QByteArray("lineEditItemName")
+                                     << QRect(150, 10, 681, 51);
+    QTest::newRow("new entry: add") << QByteArray("pushButtonNewEntry") << QByteArray("pushButtonAdd")
+                                    << QRect(300, 470, 311, 61);
+    QTest::newRow("history: tabs") << QByteArray("pushButtonHistory") << QByteArray("tabWidgetHistoryContainer")
+                                   << QRect(10, 9, 851, 721);
+    QTest::newRow("options: tabs") << QByteArray("pushButtonOptions") << QByteArray("tabWidgetOptionsContainer")
+                                   << QRect(10, 9, 851, 721);
+    QTest::newRow("options: add category")
+        << QByteArray("pushButtonOptions") << QByteArray("pushButtonAddNewCategory") << QRect(310, 100, 311, 61);
+}
+
+void TestMainWindow::atTheDefaultSizeEveryDataPageIsSeenWhole()
+{
+    QFETCH(QByteArray, button);
+    QFETCH(QByteArray, widget);
+    QFETCH(QRect, geometry);
+
+    MainWindowFixture f;
+    addOneEntry(f);
+    MainWindow &window = f.window();
+    QVERIFY(f.show());
+    f.click(button.constData());
+
+    QWidget *page = f.page();
+    QCOMPARE(page->size(), QSize(888, 761));
+    QTRY_VERIFY(!showsAScrollBar(f.host()));
+    QVERIFY(f.host()->viewport()->width() >= 888);
+    QVERIFY(f.host()->viewport()->height() >= 761);
+    QVERIFY(!showsAScrollBar(f.pageArea()));
+    QVERIFY(isSeenWhole(page));
+    QCOMPARE(child<QWidget>(*page, widget.constData())->geometry(), geometry);
+    QCOMPARE(child<QWidget>(*page, "scrollArea")->geometry(), QRect(10, 10, 871, 741));
+    QVERIFY(menuColumnIsAsDesigned(window));
+}
+
+void TestMainWindow::theWindowGrowsThePageAreaAndCentresThePage()
+{
+    MainWindowFixture f;
+    MainWindow &window = f.window();
+    QVERIFY(f.show());
+    f.click("pushButtonNewEntry");
+    QWidget *page = f.page();
+
+    window.resize(1600, 1000);
+    const QSize area = window.centralWidget()->size();
+    QCOMPARE(area, QSize(1600, 1000 - window.menuBar()->height()));
+    // The page area keeps its place and its margins to the window's edges.
+    QTRY_COMPARE(f.pageArea()->geometry(), QRect(170, 10, area.width() - 182, area.height() - 13));
+    QCOMPARE(f.stack()->geometry(), QRect(10, 9, area.width() - 182 - 2 - 18, area.height() - 13 - 2 - 28));
+    QCOMPARE(f.host()->size(), f.stack()->size());
+    // The page keeps its size, centred at the top of its host.
+    QCOMPARE(page->size(), QSize(888, 761));
+    QCOMPARE(page->pos(), QPoint((f.host()->viewport()->width() - 888) / 2, 0));
+    QVERIFY(!showsAScrollBar(f.host()));
+    QVERIFY(!showsAScrollBar(f.pageArea()));
+    QVERIFY(isSeenWhole(page));
+    QVERIFY(menuColumnIsAsDesigned(window));
+}
+
+void TestMainWindow::aSmallWindowScrollsThePageAndKeepsEveryWidgetReachable()
+{
+    MainWindowFixture f;
+    MainWindow &window = f.window();
+    QVERIFY(f.show());
+    f.click("pushButtonNewEntry");
+    QWidget *page = f.page();
+
+    window.resize(800, 600);
+    QTRY_COMPARE(window.size(), QSize(800, 600));
+    QTRY_VERIFY(f.host()->horizontalScrollBar()->isVisible());
+    QVERIFY(f.host()->verticalScrollBar()->isVisible());
+    // Only the page scrolls; the area around it does not.
+    QVERIFY(!showsAScrollBar(f.pageArea()));
+    QCOMPARE(page->size(), QSize(888, 761));
+    QVERIFY(menuColumnIsAsDesigned(window));
+
+    // The scroll bars reach the page's far edges, and every widget on it can
+    // be scrolled into view.
+    const QSize viewport = f.host()->viewport()->size();
+    QCOMPARE(f.host()->horizontalScrollBar()->maximum(), 888 - viewport.width());
+    QCOMPARE(f.host()->verticalScrollBar()->maximum(), 761 - viewport.height());
+    const QList<QWidget *> widgets =
+        child<QWidget>(*page, "scrollAreaWidgetContents")->findChildren<QWidget *>(Qt::FindDirectChildrenOnly);
+    QCOMPARE(widgets.size(), 12);
+    for (QWidget *widget : widgets) {
+        f.host()->ensureWidgetVisible(widget, 0, 0);
+        QVERIFY2(!widget->visibleRegion().isEmpty(), qPrintable(widget->objectName()));
+        if (widget->width() <= viewport.width() && widget->height() <= viewport.height())
+            QVERIFY2(isSeenWhole(widget), qPrintable(widget->objectName()));
+    }
+}
+
+void TestMainWindow::homeAndAboutKeepTheirGeometryAndScrollInASmallWindow()
+{
+    MainWindowFixture f;
+    MainWindow &window = f.window();
+    QVERIFY(f.show());
+    auto *frame = child<QFrame>(window, "frame");
+    auto *about = child<QScrollArea>(window, "scrollArea_3");
+    auto *logo = child<QFrame>(window, "frameLogo_2");
+
+    window.resize(1600, 1000);
+    QTRY_VERIFY(isSeenWhole(frame));
+    QCOMPARE(frame->geometry(), QRect(0, 0, 621, 381));
+    f.click("pushButtonExit");
+    QVERIFY(isSeenWhole(about));
+    QCOMPARE(about->geometry(), QRect(0, 0, 672, 361));
+    QCOMPARE(logo->geometry(), QRect(150, 130, 361, 221));
+    QVERIFY(!showsAScrollBar(f.pageArea()));
+
+    // Narrower than the About page: the page area scrolls it, unchanged.
+    window.resize(800, 600);
+    QTRY_VERIFY(f.pageArea()->horizontalScrollBar()->isVisible());
+    QCOMPARE(about->geometry(), QRect(0, 0, 672, 361));
+    QCOMPARE(logo->geometry(), QRect(150, 130, 361, 221));
+    f.pageArea()->ensureWidgetVisible(logo, 0, 0);
+    QVERIFY(isSeenWhole(logo));
+    f.click("pushButtonHome");
+    QCOMPARE(frame->geometry(), QRect(0, 0, 621, 381));
+    f.pageArea()->ensureWidgetVisible(frame, 0, 0);
+    QVERIFY(!frame->visibleRegion().isEmpty());
+    QVERIFY(menuColumnIsAsDesigned(window));
+}
+
+void TestMainWindow::theSmallestWindowShowsTheWholeMenuColumn()
+{
+    MainWindowFixture f;
+    MainWindow &window = f.window();
+    QVERIFY(f.show());
+    const QSize smallest = window.minimumSize();
+    QVERIFY(smallest.width() < 1203);
+    QVERIFY(smallest.height() < 824);
+
+    window.resize(100, 100);
+    QTRY_COMPARE(window.size(), smallest);
+    for (const auto &[name, geometry] : menuColumn) {
+        QCOMPARE(child<QWidget>(window, name)->geometry(), geometry);
+        QVERIFY2(isSeenWhole(child<QWidget>(window, name)), name);
+    }
+    // A piece of the page area stays beside the menu column.
+    QVERIFY(f.pageArea()->width() >= 300);
+}
+
+void TestMainWindow::theWindowCanBeMaximised()
+{
+    MainWindowFixture f;
+    MainWindow &window = f.window();
+    QVERIFY(window.windowFlags() & Qt::WindowMaximizeButtonHint);
+    QCOMPARE(window.maximumSize(), QSize(QWIDGETSIZE_MAX, QWIDGETSIZE_MAX));
+    window.showMaximized();
+    QVERIFY(QTest::qWaitForWindowExposed(&window));
+    QTRY_VERIFY(window.isMaximized());
+    // The page area takes what the screen gives.
+    const QSize area = window.centralWidget()->size();
+    QTRY_COMPARE(f.pageArea()->size(), QSize(area.width() - 182, area.height() - 13));
+    QVERIFY(menuColumnIsAsDesigned(window));
+}
+
+void TestMainWindow::theWindowOpensWhereItWasClosed()
+{
+    MainWindowFixture f;
+    useConfigHome();
+    QVERIFY(f.show());
+    f.window().resize(1000, 700);
+    f.window().move(40, 30);
+    QTRY_COMPARE(f.window().pos(), QPoint(40, 30));
+    const QRect closedAt = f.window().geometry();
+    QCOMPARE(closedAt.size(), QSize(1000, 700));
+    f.window().close();
+
+    // Written where the README says, under the documented keys.
+    const QString file = configHome.filePath(QStringLiteral("Ledgerly/Ledgerly.conf"));
+    QVERIFY(QFile::exists(file));
+    const QSettings written(file, QSettings::IniFormat);
+    QCOMPARE(written.value(QStringLiteral("MainWindow/geometry")).toRect(), closedAt);
+    QCOMPARE(written.value(QStringLiteral("MainWindow/maximized")).toBool(), false);
+
+    MainWindow &next = f.restart();
+    QCOMPARE(next.geometry(), closedAt);
+    QVERIFY(f.show());
+    QCOMPARE(next.geometry(), closedAt);
+    QCOMPARE(next.pos(), QPoint(40, 30));
+    QVERIFY(!next.isMaximized());
+}
+
+void TestMainWindow::aMaximisedWindowOpensMaximisedAndReturnsToItsSize()
+{
+    MainWindowFixture f;
+    useConfigHome();
+    QVERIFY(f.show());
+    f.window().setGeometry(60, 50, 1000, 700);
+    QTRY_COMPARE(f.window().geometry(), QRect(60, 50, 1000, 700));
+    const QRect normal = f.window().geometry();
+    f.window().showMaximized();
+    QTRY_VERIFY(f.window().isMaximized());
+    QTRY_VERIFY(f.window().size() != normal.size());
+    f.window().close();
+
+    MainWindow &next = f.restart();
+    QVERIFY(next.windowState() & Qt::WindowMaximized);
+    QVERIFY(f.show());
+    QTRY_VERIFY(next.isMaximized());
+    next.showNormal();
+    QTRY_COMPARE(next.geometry(), normal);
+}
+
+void TestMainWindow::aWindowSavedOffEveryScreenOpensAtTheDefaultPlace()
+{
+    MainWindowFixture f;
+    useConfigHome();
+    QVERIFY(f.show());
+    const QPoint firstPlace = f.window().pos();
+    f.window().close();
+    {
+        QSettings settings(QStringLiteral("Ledgerly"), QStringLiteral("Ledgerly"));
+        settings.setValue(QStringLiteral("MainWindow/geometry"), QRect(5000, 4000, 1000, 700));
+        settings.setValue(QStringLiteral("MainWindow/maximized"), true);
+    }
+
+    MainWindow &next = f.restart();
+    QVERIFY(f.show());
+    QCOMPARE(next.centralWidget()->size(), designedArea);
+    QCOMPARE(next.pos(), firstPlace);
+    QVERIFY(!next.isMaximized());
+}
+
+void TestMainWindow::aWindowIsFoundWhenAScreenShowsEnoughOfIt_data()
+{
+    QTest::addColumn<QRect>("window");
+    QTest::addColumn<QList<QRect>>("screens");
+    QTest::addColumn<bool>("found");
+    // A 1920 x 1080 screen, and a second one of 1280 x 1024 to its right.
+    const QList<QRect> one = { QRect(0, 0, 1920, 1080) };
+    const QList<QRect> two = { QRect(0, 0, 1920, 1080), QRect(1920, 0, 1280, 1024) };
+    QTest::newRow("inside the screen") << QRect(40, 30, 1000, 700) << one << true;
+    QTest::newRow("larger than the screen") << QRect(-50, -50, 3000, 2000) << one << true;
+    QTest::newRow("100 x 50 in the bottom right corner") << QRect(1820, 1030, 1000, 700) << one << true;
+    QTest::newRow("99 px in from the right") << QRect(1821, 30, 1000, 700) << one << false;
+    QTest::newRow("49 px in from the bottom") << QRect(40, 1031, 1000, 700) << one << false;
+    QTest::newRow("left of the screen") << QRect(-1200, 30, 1000, 700) << one << false;
+    QTest::newRow("on a second screen") << QRect(2500, 100, 1000, 700) << two << true;
+    QTest::newRow("where a second screen was") << QRect(2500, 100, 1000, 700) << one << false;
+    QTest::newRow("99 px on each of two screens") << QRect(1821, 900, 198, 300) << two << false;
+    QTest::newRow("far away") << QRect(5000, 4000, 1000, 700) << two << false;
+}
+
+void TestMainWindow::aWindowIsFoundWhenAScreenShowsEnoughOfIt()
+{
+    QFETCH(QRect, window);
+    QFETCH(QList<QRect>, screens);
+    QFETCH(bool, found);
+    QCOMPARE(MainWindow::isOnAScreen(window, screens), found);
+}
+
+void TestMainWindow::menuBarHasFileGoAndHelpWithTheirCommandsInOrder()
+{
+    MainWindowFixture f;
+    MainWindow &window = f.window();
+    QMenuBar *bar = window.menuBar();
+    QCOMPARE(bar->objectName(), QStringLiteral("menuBar"));
+    QStringList titles;
+    for (const QAction *entry : bar->actions())
+        titles.append(entry->text());
+    QCOMPARE(titles, QStringList({ "File", "Go", "Help" }));
+
+    const auto names = [](const QMenu *menu) {
+        QStringList list;
+        for (const QAction *entry : menu->actions())
+            list.append(entry->isSeparator() ? QStringLiteral("-") : entry->objectName());
+        return list;
+    };
+    QCOMPARE(names(bar->actions().at(0)->menu()),
+             QStringList({ "actionImport", "actionExport", "actionBackUp", "-", "actionQuit" }));
+    QCOMPARE(names(bar->actions().at(1)->menu()),
+             QStringList({ "actionHome", "actionNewEntry", "actionHistory", "actionOptions" }));
+    QCOMPARE(names(bar->actions().at(2)->menu()), QStringList({ "actionAbout", "actionAboutQt" }));
+}
+
+void TestMainWindow::everyMenuCommandHasItsNameTextShortcutAndState_data()
+{
+    QTest::addColumn<QByteArray>("name");
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QKeySequence>("shortcut");
+    QTest::addColumn<bool>("enabled");
+    QTest::newRow("import") << QByteArray("actionImport") << QStringLiteral("Import Entries…") << QKeySequence()
+                            << false;
+    QTest::newRow("export") << QByteArray("actionExport") << QStringLiteral("Export Entries…") << QKeySequence()
+                            << false;
+    QTest::newRow("back up") << QByteArray("actionBackUp") << QStringLiteral("Back Up Database…") << QKeySequence()
+                             << false;
+    QTest::newRow("quit") << QByteArray("actionQuit") << QStringLiteral("Quit") << QKeySequence(QKeySequence::Quit)
+                          << true;
+    QTest::newRow("home") << QByteArray("actionHome") << QStringLiteral("Home") << QKeySequence() << true;
+    QTest::newRow("new entry") << QByteArray("actionNewEntry") << QStringLiteral("New Entry")
+                               << QKeySequence(Qt::CTRL | Qt::Key_N) << true;
+    QTest::newRow("history") << QByteArray("actionHistory") << QStringLiteral("History")
+                             << QKeySequence(Qt::CTRL | Qt::Key_H) << true;
+    QTest::newRow("options") << QByteArray("actionOptions") << QStringLiteral("Options")
+                             << QKeySequence(Qt::CTRL | Qt::Key_Comma) << true;
+    QTest::newRow("about") << QByteArray("actionAbout") << QStringLiteral("About Ledgerly") << QKeySequence() << true;
+    QTest::newRow("about qt") << QByteArray("actionAboutQt") << QStringLiteral("About Qt") << QKeySequence() << true;
+}
+
+void TestMainWindow::everyMenuCommandHasItsNameTextShortcutAndState()
+{
+    QFETCH(QByteArray, name);
+    QFETCH(QString, text);
+    QFETCH(QKeySequence, shortcut);
+    QFETCH(bool, enabled);
+
+    MainWindowFixture f;
+    MainWindow &window = f.window();
+    QAction *command = action(window, name.constData());
+    QCOMPARE(command->text(), text);
+    QCOMPARE(command->shortcut(), shortcut);
+    QCOMPARE(command->isEnabled(), enabled);
+}
+
+void TestMainWindow::goCommandsDoWhatTheirMenuButtonsDo()
+{
+    MainWindowFixture f;
+    addOneEntry(f);
+    MainWindow &window = f.window();
+
+    action(window, "actionNewEntry")->trigger();
+    QCOMPARE(f.stack()->currentIndex(), 2);
+    auto *first = qobject_cast<AddEntryWidget *>(f.page());
+    QVERIFY(first);
+    // As the button does: a fresh page replaces the one shown.
+    QPointer<AddEntryWidget> replaced(first);
+    action(window, "actionNewEntry")->trigger();
+    QVERIFY(replaced.isNull());
+    QVERIFY(qobject_cast<AddEntryWidget *>(f.page()));
+
+    action(window, "actionHome")->trigger();
+    QCOMPARE(f.stack()->currentIndex(), 0);
+    action(window, "actionOptions")->trigger();
+    QCOMPARE(f.stack()->currentIndex(), 2);
+    QVERIFY(qobject_cast<OptionsWidget *>(f.page()));
+    action(window, "actionHistory")->trigger();
+    QCOMPARE(f.stack()->currentIndex(), 2);
+    auto *history = qobject_cast<HistoryWidget *>(f.page());
+    QVERIFY(history);
+    QCOMPARE(history->findChild<QTableWidget *>(QStringLiteral("tableWidgetAllEntries"))->rowCount(), 1);
+}
+
+void TestMainWindow::historyCommandRefusesOnAnEmptyStoreAsTheButtonDoes()
+{
+    MainWindowFixture f;
+    MainWindow &window = f.window();
+    action(window, "actionAbout")->trigger();
+
+    MessageBoxAnswerer answerer;
+    answerer.answer(QMessageBox::Ok);
+    action(window, "actionHistory")->trigger();
+    QCOMPARE(answerer.texts(), QStringList { QStringLiteral("No Entries added. Kindly add entry first") });
+    QVERIFY2(answerer.errors().isEmpty(), qPrintable(answerer.errors().join('\n')));
+    QVERIFY(!answerer.seen().constFirst().hasParent);
+    QCOMPARE(f.stack()->currentIndex(), 1);
+    QCOMPARE(f.page()->objectName(), QStringLiteral("scrollAreaWidgetContents_2"));
+}
+
+void TestMainWindow::helpCommandsShowTheAboutPageAndQtsOwnBox()
+{
+    MainWindowFixture f;
+    MainWindow &window = f.window();
+    action(window, "actionAbout")->trigger();
+    QCOMPARE(f.stack()->currentIndex(), 1);
+
+    MessageBoxAnswerer answerer;
+    answerer.answer(QMessageBox::Ok);
+    action(window, "actionAboutQt")->trigger();
+    QVERIFY2(answerer.errors().isEmpty(), qPrintable(answerer.errors().join('\n')));
+    QCOMPARE(answerer.seen().size(), 1);
+    const SeenMessageBox &box = answerer.seen().constFirst();
+    QCOMPARE(box.title, QStringLiteral("About Qt"));
+    QVERIFY(box.text.contains(QStringLiteral("Qt")));
+    // Outside the window, as every box of the program, so that it keeps the
+    // desktop's colours: its text is readable.
+    QVERIFY(!box.hasParent);
+    const double contrast = drawnContrast(box.picture, box.textArea);
+    QVERIFY2(contrast >= 4.5, qPrintable(QString::number(contrast)));
+    QCOMPARE(f.stack()->currentIndex(), 1);
+}
+
+void TestMainWindow::quitClosesTheWindowAndRemembersWhereItWas()
+{
+    MainWindowFixture f;
+    MainWindow &window = f.window();
+    QVERIFY(f.show());
+    window.resize(1100, 760);
+    QTRY_COMPARE(window.size(), QSize(1100, 760));
+
+    action(window, "actionQuit")->trigger();
+    QVERIFY(!window.isVisible());
+    const QSettings settings(QStringLiteral("Ledgerly"), QStringLiteral("Ledgerly"));
+    QCOMPARE(settings.value(QStringLiteral("MainWindow/geometry")).toRect(), window.geometry());
+    QCOMPARE(settings.value(QStringLiteral("MainWindow/geometry")).toRect().size(), QSize(1100, 760));
+}
+
+void TestMainWindow::shortcutsDriveTheWindowFromTheKeyboard()
+{
+    MainWindowFixture f;
+    addOneEntry(f);
+    MainWindow &window = f.window();
+    window.show();
+    QVERIFY(QTest::qWaitForWindowActive(&window));
+
+    QTest::keyClick(&window, Qt::Key_N, Qt::ControlModifier);
+    QVERIFY(qobject_cast<AddEntryWidget *>(f.page()));
+    QTest::keyClick(&window, Qt::Key_Comma, Qt::ControlModifier);
+    QVERIFY(qobject_cast<OptionsWidget *>(f.page()));
+    QTest::keyClick(&window, Qt::Key_H, Qt::ControlModifier);
+    QVERIFY(qobject_cast<HistoryWidget *>(f.page()));
+    QCOMPARE(f.stack()->currentIndex(), 2);
+
+    // Quit takes the platform's own keys; a platform without any (the
+    // offscreen one follows Windows, where Alt+F4 closes) leaves it keyless.
+    const QList<QKeySequence> quitKeys = QKeySequence::keyBindings(QKeySequence::Quit);
+    QCOMPARE(action(window, "actionQuit")->shortcuts(), quitKeys);
+    if (!quitKeys.isEmpty()) {
+        QTest::keySequence(&window, quitKeys.constFirst());
+        QVERIFY(!window.isVisible());
+    }
+}
+
+void TestMainWindow::aGrabOfTheWindowAfterNewEntryShowsTheWholeAddButton()
+{
+    MainWindowFixture f;
+    MainWindow &window = f.window();
+    QVERIFY(f.show());
+    f.click("pushButtonNewEntry");
+    auto *add = child<QPushButton>(*f.page(), "pushButtonAdd");
+
+    const QImage shot = window.grab().toImage();
+    const QRect button(add->mapTo(&window, QPoint(0, 0)), add->size());
+    QVERIFY(shot.rect().contains(button));
+    // The gradient: solid dark red in its upper third, sand at its foot,
+    // across the whole width of the button.
+    for (const int x : { button.left() + 6, button.center().x(), button.right() - 6 }) {
+        const QColor top = shot.pixelColor(x, button.top() + 8);
+        QVERIFY2(qAbs(top.red() - 151) <= 3 && top.green() <= 3 && top.blue() <= 3, qPrintable(top.name()));
+        const QColor foot = shot.pixelColor(x, button.bottom() - 4);
+        QVERIFY2(foot.red() > 190 && foot.green() > 140 && foot.blue() > 80, qPrintable(foot.name()));
+    }
+}
+
+void TestMainWindow::theMenuBarShowsLightTitlesOnADarkGround()
+{
+    MainWindowFixture f;
+    MainWindow &window = f.window();
+    QVERIFY(f.show());
+    QMenuBar *bar = window.menuBar();
+    const QImage shot = bar->grab().toImage();
+    QVERIFY(groundColour(shot, shot.rect()).lightness() < 40);
+    for (QAction *title : bar->actions()) {
+        const QRect area = bar->actionGeometry(title);
+        QVERIFY(!area.isEmpty());
+        QVERIFY2(lightPixels(shot, area) > 15, qPrintable(title->text()));
+        const double contrast = drawnContrast(shot, area);
+        QVERIFY2(contrast >= 4.5, qPrintable(QStringLiteral("%1: %2").arg(title->text()).arg(contrast)));
+    }
+
+    // The title under the pointer is highlighted, its text still readable.
+    const QRect go = bar->actionGeometry(bar->actions().at(1));
+    hover(bar, go.center());
+    QTRY_VERIFY(groundColour(bar->grab().toImage(), go).lightness() > 40);
+    const QImage highlighted = bar->grab().toImage();
+    QVERIFY(contrastRatio(groundColour(highlighted, go), groundColour(shot, go)) >= 2.0);
+    QVERIFY(drawnContrast(highlighted, go) >= 4.5);
+}
+
+void TestMainWindow::menusShowLightCommandsAndHighlightTheOneUnderThePointer()
+{
+    MainWindowFixture f;
+    MainWindow &window = f.window();
+    QVERIFY(f.show());
+    for (QAction *title : window.menuBar()->actions()) {
+        QMenu *menu = title->menu();
+        // Drawn as it would drop down, without taking the keyboard, which
+        // the offscreen platform cannot give.
+        menu->ensurePolished();
+        menu->resize(menu->sizeHint());
+        const QImage shot = menu->grab().toImage();
+        QVERIFY(groundColour(shot, shot.rect()).lightness() < 40);
+        for (QAction *command : menu->actions()) {
+            if (command->isSeparator() || !command->isEnabled())
+                continue;
+            const QRect area = menu->actionGeometry(command);
+            const double contrast = drawnContrast(shot, area);
+            QVERIFY2(contrast >= 4.5, qPrintable(QStringLiteral("%1: %2").arg(command->text()).arg(contrast)));
+        }
+
+        QAction *last = menu->actions().constLast();
+        menu->setActiveAction(last);
+        const QRect area = menu->actionGeometry(last);
+        const QImage highlighted = menu->grab().toImage();
+        QVERIFY(contrastRatio(groundColour(highlighted, area), groundColour(shot, area)) >= 2.0);
+        QVERIFY(drawnContrast(highlighted, area) >= 4.5);
+    }
+    // The commands still to come are visibly there, and visibly disabled.
+    QMenu *file = window.menuBar()->actions().constFirst()->menu();
+    const QImage shot = file->grab().toImage();
+    const QRect import = file->actionGeometry(action(window, "actionImport"));
+    const QRect quit = file->actionGeometry(action(window, "actionQuit"));
+    QVERIFY(drawnContrast(shot, import) >= 3.0);
+    QVERIFY(drawnContrast(shot, import) < drawnContrast(shot, quit));
+}
+
+void TestMainWindow::dropDownListsShowLightItemsOnADarkGround_data()
+{
+    QTest::addColumn<QByteArray>("button");
+    QTest::addColumn<QByteArray>("tabs");
+    QTest::addColumn<int>("tab");
+    QTest::addColumn<QByteArray>("box");
+    QTest::newRow("new entry: category") << QByteArray("pushButtonNewEntry") << QByteArray() << 0
+                                         << QByteArray("comboBoxCategory");
+    QTest::newRow("history: category") << QByteArray("pushButtonHistory") << QByteArray("tabWidgetHistoryContainer")
+                                       << 0 << QByteArray("comboBoxCategory");
+    QTest::newRow("history: period") << QByteArray("pushButtonHistory") << QByteArray("tabWidgetHistoryContainer") << 1
+                                     << QByteArray("comboBoxDateWiseTimePeriod");
+    QTest::newRow("options: category") << QByteArray("pushButtonOptions") << QByteArray("tabWidgetOptionsContainer")
+                                       << 0 << QByteArray("comboBoxCategoryName");
+    QTest::newRow("options: mode") << QByteArray("pushButtonOptions") << QByteArray("tabWidgetOptionsContainer") << 1
+                                   << QByteArray("comboBoxNewModeNames");
+}
+
+void TestMainWindow::dropDownListsShowLightItemsOnADarkGround()
+{
+    QFETCH(QByteArray, button);
+    QFETCH(QByteArray, tabs);
+    QFETCH(int, tab);
+    QFETCH(QByteArray, box);
+
+    MainWindowFixture f;
+    // At midnight, as the new-entry page stores them, so that the date-wise
+    // tab finds them on the day it opens on.
+    const QDateTime midnight(QDate(2026, 11, 15), QTime(0, 0));
+    f.addEntry(QStringLiteral("Coffee"), QStringLiteral("Drinks"), midnight, 2.5);
+    f.addEntry(QStringLiteral("Bread"), QStringLiteral("Food"), midnight, 3.0);
+    QVERIFY(f.show());
+    f.click(button.constData());
+    QWidget *page = f.page();
+    if (!tabs.isEmpty())
+        child<QTabWidget>(*page, tabs.constData())->setCurrentIndex(tab);
+    auto *combo = child<QComboBox>(*page, box.constData());
+    QVERIFY(combo->count() >= 2);
+
+    combo->showPopup();
+    const auto closePopUp = qScopeGuard([combo] { combo->hidePopup(); });
+    QAbstractItemView *list = combo->view();
+    QWidget *popUp = list->window();
+    QVERIFY(QTest::qWaitForWindowExposed(popUp));
+    // A row as far as the list shows it, inside the pop-up's frame.
+    const auto rowArea = [&](int row) {
+        const QRect cell = list->visualRect(combo->model()->index(row, 0))
+                               .intersected(list->viewport()->visibleRegion().boundingRect());
+        return QRect(list->viewport()->mapTo(popUp, cell.topLeft()), cell.size());
+    };
+
+    // Every item the user can pick, not only the current one, stands out.
+    const QImage shot = popUp->grab().toImage();
+    const int rows = qMin(combo->count(), 4);
+    for (int row = 0; row < rows; ++row) {
+        const QRect area = rowArea(row);
+        QVERIFY(!area.isEmpty());
+        const double contrast = drawnContrast(shot, area);
+        QVERIFY2(contrast >= 4.5, qPrintable(QStringLiteral("%1: %2").arg(combo->itemText(row)).arg(contrast)));
+        QVERIFY2(lightPixels(shot, area) > 15, qPrintable(combo->itemText(row)));
+    }
+    QVERIFY(groundColour(shot, rowArea(1)).lightness() < 40);
+
+    // The item under the pointer is highlighted and stays readable.
+    hover(list->viewport(), list->visualRect(combo->model()->index(1, 0)).center());
+    QTRY_VERIFY(contrastRatio(groundColour(popUp->grab().toImage(), rowArea(1)), groundColour(shot, rowArea(1))) >=
+                2.0);
+    QVERIFY(drawnContrast(popUp->grab().toImage(), rowArea(1)) >= 4.5);
+
+    combo->hidePopup();
+    QTRY_VERIFY(!popUp->isVisible());
 }
 
 void TestMainWindow::resourcesAreCompiledIn()

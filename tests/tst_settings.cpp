@@ -32,6 +32,10 @@ private slots:
     void anEmptyVariableLeavesTheKeyInForce();
     void blanksAroundTheAddressAreDropped();
 
+    void withoutAKeptPlaceTheWindowHasNone();
+    void theWindowsPlaceIsKeptUnderItsTwoKeys();
+    void aPlaceThatIsNotARectangleReadsAsNone();
+
 private:
     QTemporaryDir settingsDir;
 };
@@ -85,6 +89,39 @@ void TestSettings::blanksAroundTheAddressAreDropped()
 {
     qputenv(serviceVariable, "  http://127.0.0.1:8080/ip_query.php \n");
     QCOMPARE(Settings().geoLocationServiceUrl(), QUrl(QStringLiteral("http://127.0.0.1:8080/ip_query.php")));
+}
+
+void TestSettings::withoutAKeptPlaceTheWindowHasNone()
+{
+    const Settings settings;
+    QVERIFY(settings.mainWindowGeometry().isNull());
+    QVERIFY(!settings.isMainWindowMaximized());
+}
+
+void TestSettings::theWindowsPlaceIsKeptUnderItsTwoKeys()
+{
+    Settings().setMainWindowGeometry(QRect(40, 30, 1000, 700), true);
+
+    const Settings next;
+    QCOMPARE(next.mainWindowGeometry(), QRect(40, 30, 1000, 700));
+    QVERIFY(next.isMainWindowMaximized());
+    // In the file, under the keys a user may delete to start afresh.
+    const QSettings file(settingsDir.filePath(QStringLiteral("Ledgerly/Ledgerly.conf")), QSettings::IniFormat);
+    QCOMPARE(file.value(QStringLiteral("MainWindow/geometry")).toRect(), QRect(40, 30, 1000, 700));
+    QCOMPARE(file.value(QStringLiteral("MainWindow/maximized")).toBool(), true);
+
+    Settings().setMainWindowGeometry(QRect(0, 0, 800, 600), false);
+    QCOMPARE(Settings().mainWindowGeometry(), QRect(0, 0, 800, 600));
+    QVERIFY(!Settings().isMainWindowMaximized());
+}
+
+void TestSettings::aPlaceThatIsNotARectangleReadsAsNone()
+{
+    {
+        QSettings settings(QStringLiteral("Ledgerly"), QStringLiteral("Ledgerly"));
+        settings.setValue(QStringLiteral("MainWindow/geometry"), QStringLiteral("somewhere"));
+    }
+    QVERIFY(Settings().mainWindowGeometry().isNull());
 }
 
 QTEST_GUILESS_MAIN(TestSettings)

@@ -37,6 +37,13 @@ MainWindow &MainWindowFixture::window()
     return *mainWindow;
 }
 
+MainWindow &MainWindowFixture::restart()
+{
+    // The old store lets go of the file before the new one opens it.
+    mainWindow.reset();
+    return window();
+}
+
 bool MainWindowFixture::show()
 {
     window().show();
@@ -51,6 +58,11 @@ void MainWindowFixture::click(const char *button)
 QStackedWidget *MainWindowFixture::stack()
 {
     return child<QStackedWidget>(window(), "stackedWidget");
+}
+
+QScrollArea *MainWindowFixture::pageArea()
+{
+    return child<QScrollArea>(window(), "scrollArea");
 }
 
 QScrollArea *MainWindowFixture::host()

@@ -31,11 +31,16 @@ public:
 
     // The window, made on first use.
     MainWindow &window();
+    // Drops the window, without closing it, and makes a new one over the
+    // same home and settings: the program's next start.
+    MainWindow &restart();
     // Shows the window and waits until it is on screen.
     bool show();
     // Clicks one of the menu buttons, by object name.
     void click(const char *button);
     QStackedWidget *stack();
+    // The scroll area of the page area, right of the menu column.
+    QScrollArea *pageArea();
     // The scroll area that hosts the data page, and the page it holds.
     QScrollArea *host();
     QWidget *page();
