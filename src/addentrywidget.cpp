@@ -9,11 +9,13 @@
 #include "settings.h"
 
 #include <QDate>
+#include <QKeyEvent>
 #include <QNetworkAccessManager>
 #include <QNetworkReply>
 #include <QNetworkRequest>
 #include <QRegularExpression>
 #include <QRegularExpressionValidator>
+#include <QShowEvent>
 
 #include <memory>
 
@@ -33,6 +35,17 @@ AddEntryWidget::AddEntryWidget(QPointer<DatabaseManager> dbManager, QWidget *par
 
     if (this->dbManager)
         AddCategoriesToComboBox(owned(this->dbManager->GetAllCategories()).list());
+
+    // The keyboard walks the form top to bottom, starting on the name (see
+    // showEvent()); Return or Enter in a text field presses Add.
+    setTabOrder(ui->lineEditItemName, ui->lineEditAmount);
+    setTabOrder(ui->lineEditAmount, ui->comboBoxCategory);
+    setTabOrder(ui->comboBoxCategory, ui->lineEditLocation);
+    setTabOrder(ui->lineEditLocation, ui->dateEdit);
+    setTabOrder(ui->dateEdit, ui->checkBoxGeoLocation);
+    setTabOrder(ui->checkBoxGeoLocation, ui->pushButtonAdd);
+    for (QLineEdit *field : { ui->lineEditItemName, ui->lineEditAmount, ui->lineEditLocation })
+        field->installEventFilter(this);
 
     // Asked as soon as the page opens, whether or not the user ever ticks
     // "Add GeoLocation", so that an answer is likely to be there by Add.
@@ -94,6 +107,30 @@ void AddEntryWidget::AddCategoriesToComboBox(QList<Category *> categories)
 {
     for (const Category *category : categories)
         ui->comboBoxCategory->addItem(category->CategoryName, QVariant());
+}
+
+void AddEntryWidget::showEvent(QShowEvent *event)
+{
+    QWidget::showEvent(event);
+    // The page opens on the name, whichever button opened it. Focus given
+    // before the page is on screen would not stay with it.
+    if (!event->spontaneous())
+        ui->lineEditItemName->setFocus(Qt::OtherFocusReason);
+}
+
+bool AddEntryWidget::eventFilter(QObject *watched, QEvent *event)
+{
+    // A key press, not returnPressed(): the amount field only emits that for
+    // an amount its validator accepts, while Add reads "12" all the same.
+    if (event->type() == QEvent::KeyPress) {
+        const int key = static_cast<QKeyEvent *>(event)->key();
+        if ((key == Qt::Key_Return || key == Qt::Key_Enter) &&
+            (watched == ui->lineEditItemName || watched == ui->lineEditAmount || watched == ui->lineEditLocation)) {
+            ui->pushButtonAdd->click();
+            return true;
+        }
+    }
+    return QWidget::eventFilter(watched, event);
 }
 
 void AddEntryWidget::on_pushButtonAdd_clicked()

@@ -29,6 +29,10 @@ public:
     // Appends the names in list order; the categories stay the caller's.
     void AddCategoriesToComboBox(QList<Category *> categories);
 
+protected:
+    void showEvent(QShowEvent *event) override;
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
 private slots:
     void on_pushButtonAdd_clicked();
     void handleNetworkData(QNetworkReply *reply);

@@ -170,6 +170,7 @@ private slots:
     void amountValidatorJudgesText();
     void typingIntoTheAmountKeepsOnlyWhatTheValidatorAllows_data();
     void typingIntoTheAmountKeepsOnlyWhatTheValidatorAllows();
+    void anAmountWithoutAPointIsStillReadByAdd_data();
     void anAmountWithoutAPointIsStillReadByAdd();
 
     // Validation, confirmation, saving
@@ -180,9 +181,16 @@ private slots:
     void discardKeepsEveryFieldAsTyped();
     void saveWithTheBoxUntickedStoresTheFixedCoordinates();
     void saveWithTheBoxTickedStoresTheCoordinatesOfTheLatestReply();
+    void savedEntryIsReadBackByTheStoreAsTyped_data();
     void savedEntryIsReadBackByTheStoreAsTyped();
     void savingClearsTheFieldsAndKeepsTheCategory();
     void aRefusedWriteIsReportedAndTheFieldsAreClearedAllTheSame();
+
+    // The keyboard
+    void returnInATextFieldGivesTheMessagesOfAdd_data();
+    void returnInATextFieldGivesTheMessagesOfAdd();
+    void tabWalksFromTheNameDownToAdd();
+    void theNameFieldHasTheFocusWhenThePageOpens();
 
     // The reply parser
     void parserReadsWhatTheReplySays_data();
@@ -481,15 +489,28 @@ void TestAddEntryWidget::typingIntoTheAmountKeepsOnlyWhatTheValidatorAllows()
     QCOMPARE(f.amount()->hasAcceptableInput(), acceptable);
 }
 
+void TestAddEntryWidget::anAmountWithoutAPointIsStillReadByAdd_data()
+{
+    QTest::addColumn<bool>("byReturn");
+    QTest::newRow("pressing Add") << false;
+    // The field's returnPressed() would stay silent for an amount its
+    // validator does not accept; Return presses Add all the same.
+    QTest::newRow("Return in the amount") << true;
+}
+
 void TestAddEntryWidget::anAmountWithoutAPointIsStillReadByAdd()
 {
+    QFETCH(bool, byReturn);
     PageFixture f;
     f.type(QStringLiteral("Bread"), QStringLiteral("12"), QStringLiteral("Bakery"));
     QVERIFY(!f.amount()->hasAcceptableInput());
 
     MessageBoxAnswerer answerer;
     answerer.answer({ QMessageBox::Save, QMessageBox::Ok });
-    f.pressAdd();
+    if (byReturn)
+        QTest::keyClick(f.amount(), Qt::Key_Return);
+    else
+        f.pressAdd();
 
     QVERIFY2(answerer.errors().isEmpty(), qPrintable(answerer.errors().join('\n')));
     QCOMPARE(answerer.seen().size(), 2);
@@ -703,8 +724,16 @@ void TestAddEntryWidget::saveWithTheBoxTickedStoresTheCoordinatesOfTheLatestRepl
     QCOMPARE(row.at(7).toFloat(), 18.52f);
 }
 
+void TestAddEntryWidget::savedEntryIsReadBackByTheStoreAsTyped_data()
+{
+    QTest::addColumn<bool>("byReturn");
+    QTest::newRow("pressing Add") << false;
+    QTest::newRow("Return in the amount") << true;
+}
+
 void TestAddEntryWidget::savedEntryIsReadBackByTheStoreAsTyped()
 {
+    QFETCH(bool, byReturn);
     PageFixture f;
     f.type(QStringLiteral("Lunch"), QStringLiteral("8.75"), QStringLiteral("Canteen"));
     f.category()->setCurrentIndex(1);
@@ -713,8 +742,15 @@ void TestAddEntryWidget::savedEntryIsReadBackByTheStoreAsTyped()
 
     MessageBoxAnswerer answerer;
     answerer.answer({ QMessageBox::Save, QMessageBox::Ok });
-    f.pressAdd();
+    if (byReturn)
+        QTest::keyClick(f.amount(), Qt::Key_Return);
+    else
+        f.pressAdd();
     QVERIFY2(answerer.errors().isEmpty(), qPrintable(answerer.errors().join('\n')));
+    QCOMPARE(answerer.seen().size(), 2);
+    QVERIFY(answerer.seen().at(0).text.startsWith(QStringLiteral("Details Entered - Item Name: Lunch  Price: 8.75 ")));
+    QCOMPARE(answerer.seen().at(1).text, QStringLiteral("Entry added to the database successfully"));
+    QVERIFY(f.name()->text().isEmpty());
 
     const auto entries = owned(f.store.GetAllEntries());
     QCOMPARE(entries.size(), 1);
@@ -783,6 +819,138 @@ void TestAddEntryWidget::aRefusedWriteIsReportedAndTheFieldsAreClearedAllTheSame
     QVERIFY(f.place()->text().isEmpty());
     QVERIFY(!f.geoLocation()->isChecked());
     QCOMPARE(f.category()->currentIndex(), 4);
+}
+
+// ---------------------------------------------------------------- the keyboard
+
+void TestAddEntryWidget::returnInATextFieldGivesTheMessagesOfAdd_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QString>("amount");
+    QTest::addColumn<QString>("place");
+    QTest::addColumn<QByteArray>("field");
+    QTest::addColumn<int>("key");
+    QTest::addColumn<QStringList>("messages");
+
+    const int returnKey = Qt::Key_Return;
+    QTest::newRow("all empty, Return in the name")
+        << ""
+        << ""
+        << "" << QByteArray("lineEditItemName") << returnKey << QStringList { "All fields empty. Enter information" };
+    QTest::newRow("only the location, Return in it") << ""
+                                                     << ""
+                                                     << "Market" << QByteArray("lineEditLocation") << returnKey
+                                                     << QStringList { "Item Name and Amount not entered." };
+    QTest::newRow("no name, Return in the amount") << ""
+                                                   << "2.50"
+                                                   << "Market" << QByteArray("lineEditAmount") << returnKey
+                                                   << QStringList { "Item Name cannot be empty. Enter Item Name" };
+    QTest::newRow("no amount, Return in the amount") << "Coffee"
+                                                     << ""
+                                                     << "Market" << QByteArray("lineEditAmount") << returnKey
+                                                     << QStringList { "Amount cannot be empty. Enter Amount" };
+    QTest::newRow("no amount, keypad Enter in the name")
+        << "Coffee"
+        << ""
+        << "Market" << QByteArray("lineEditItemName") << int(Qt::Key_Enter)
+        << QStringList { "Amount cannot be empty. Enter Amount" };
+    QTest::newRow("no location, Return in the amount")
+        << "Coffee"
+        << "2.50"
+        << "" << QByteArray("lineEditAmount") << returnKey << QStringList {};
+}
+
+void TestAddEntryWidget::returnInATextFieldGivesTheMessagesOfAdd()
+{
+    QFETCH(QString, name);
+    QFETCH(QString, amount);
+    QFETCH(QString, place);
+    QFETCH(QByteArray, field);
+    QFETCH(int, key);
+    QFETCH(QStringList, messages);
+
+    // What Add says, then what the key says on a page typed the same way.
+    QStringList saidByAdd;
+    {
+        PageFixture f;
+        f.type(name, amount, place);
+        MessageBoxAnswerer answerer;
+        for (int i = 0; i < messages.size(); ++i)
+            answerer.answer(QMessageBox::Ok);
+        f.pressAdd();
+        QVERIFY2(answerer.errors().isEmpty(), qPrintable(answerer.errors().join('\n')));
+        saidByAdd = answerer.texts();
+    }
+
+    PageFixture f;
+    f.type(name, amount, place);
+    MessageBoxAnswerer answerer;
+    for (int i = 0; i < messages.size(); ++i)
+        answerer.answer(QMessageBox::Ok);
+    QTest::keyClick(child<QLineEdit>(f.page, field.constData()), Qt::Key(key),
+                    key == Qt::Key_Enter ? Qt::KeypadModifier : Qt::NoModifier);
+
+    QVERIFY2(answerer.errors().isEmpty(), qPrintable(answerer.errors().join('\n')));
+    QCOMPARE(answerer.texts(), messages);
+    QCOMPARE(answerer.texts(), saidByAdd);
+    QCOMPARE(storedEntryCount(f.home), 0);
+    // The key only pressed Add: what was typed stays as typed.
+    QCOMPARE(f.name()->text(), name);
+    QCOMPARE(f.amount()->text(), amount);
+    QCOMPARE(f.place()->text(), place);
+}
+
+void TestAddEntryWidget::tabWalksFromTheNameDownToAdd()
+{
+    PageFixture f;
+    f.page.show();
+    QVERIFY(QTest::qWaitForWindowActive(&f.page));
+    const QList<QWidget *> order = {
+        f.name(),
+        f.amount(),
+        f.category(),
+        f.place(),
+        f.date(),
+        f.geoLocation(),
+        child<QPushButton>(f.page, "pushButtonAdd"),
+    };
+    const auto owner = [&order]() -> QWidget * {
+        QWidget *focus = QApplication::focusWidget();
+        for (QWidget *widget : order) {
+            if (widget == focus || widget->isAncestorOf(focus))
+                return widget;
+        }
+        return focus;
+    };
+
+    QCOMPARE(QApplication::focusWidget(), f.name());
+    QList<QWidget *> walked = { owner() };
+    // The date edit takes a Tab for each of its day, month and year.
+    for (int press = 0; press < 12 && walked.constLast() != order.constLast(); ++press) {
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+        if (owner() != walked.constLast())
+            walked.append(owner());
+    }
+    QCOMPARE(walked, order);
+}
+
+void TestAddEntryWidget::theNameFieldHasTheFocusWhenThePageOpens()
+{
+    MainWindowFixture f;
+    MainWindow &window = f.window();
+    window.show();
+    QVERIFY(QTest::qWaitForWindowActive(&window));
+
+    f.click("pushButtonNewEntry");
+    QTRY_COMPARE(QApplication::focusWidget(), child<QLineEdit>(*f.page(), "lineEditItemName"));
+    // Typing goes straight into it.
+    QTest::keyClicks(QApplication::focusWidget(), QStringLiteral("Tea"));
+    QCOMPARE(child<QLineEdit>(*f.page(), "lineEditItemName")->text(), QStringLiteral("Tea"));
+
+    // And so it does on the fresh page of the next press.
+    f.click("pushButtonNewEntry");
+    QTRY_COMPARE(QApplication::focusWidget(), child<QLineEdit>(*f.page(), "lineEditItemName"));
+    QVERIFY(child<QLineEdit>(*f.page(), "lineEditItemName")->text().isEmpty());
 }
 
 // --------------------------------------------------------- the reply parser
