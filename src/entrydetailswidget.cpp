@@ -2,6 +2,7 @@
 
 #include "databasemanager.h"
 #include "format.h"
+#include "fulltexttooltipdelegate.h"
 #include "ui_entrydetailswidget.h"
 
 #include <QFile>
@@ -23,6 +24,8 @@ EntryDetailsWidget::EntryDetailsWidget(int index, QPointer<DatabaseManager> dbMa
     : QWidget(parent), ui(new Ui::EntryDetailsWidget), dbManager(dbManager), indexOfEntryinAllEntries(index)
 {
     ui->setupUi(this);
+    // The two columns keep their default widths, too narrow for most texts.
+    ui->tableWidget->setItemDelegate(new FullTextToolTipDelegate(ui->tableWidget));
     ShowEntryDetails();
 }
 

@@ -4,6 +4,7 @@
 #include "databasemanager.h"
 #include "entrydetailswidget.h"
 #include "format.h"
+#include "fulltexttooltipdelegate.h"
 #include "historybuckets.h"
 #include "linegraph.h"
 #include "notice.h"
@@ -93,6 +94,10 @@ HistoryWidget::HistoryWidget(QPointer<DatabaseManager> dbManager, QWidget *paren
     : QWidget(parent), ui(new Ui::HistoryWidget), dbManager(dbManager), allowDatewiseDropDowns(false), globalTotal(0)
 {
     ui->setupUi(this);
+    // The columns are too narrow for most dates, categories and places.
+    for (QTableWidget *table : { ui->tableWidgetCategoryRecentEntries, ui->tableWidgetDattewiseTabEntries,
+                                 ui->tableWidgetTotalTabEntries, ui->tableWidgetAllEntries })
+        table->setItemDelegate(new FullTextToolTipDelegate(table));
 
     ui->comboBoxDateWiseTimePeriod->insertItem(Daily, tr("Daily"));
     ui->comboBoxDateWiseTimePeriod->insertItem(Weekly, tr("Weekly"));

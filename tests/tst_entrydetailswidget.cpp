@@ -1,6 +1,7 @@
 #include "databasemanager.h"
 #include "entrydetailswidget.h"
 
+#include "celltooltip.h"
 #include "rawdatabase.h"
 #include "temphome.h"
 #include "widgettest.h"
@@ -230,6 +231,8 @@ private slots:
     void mapPageFetchesNothingButTiles();
     void withoutNetworkThePageStillLoadsAndTheTableIsUnaffected();
 
+    void aCutOffCellTellsItsWholeTextAndACellThatFitsNothing();
+
 private:
     RequestRecorder recorder;
 };
@@ -257,6 +260,7 @@ void TestEntryDetailsWidget::init()
 
 void TestEntryDetailsWidget::cleanup()
 {
+    hideToolTip();
     VERIFY_NO_WIDGETS_LEFT();
     QVERIFY2(consoleMessages.isEmpty(), qPrintable(consoleMessages.join(QLatin1Char('\n'))));
 }
@@ -608,6 +612,33 @@ void TestEntryDetailsWidget::withoutNetworkThePageStillLoadsAndTheTableIsUnaffec
     QCOMPARE(cellTexts(page), before);
     QCOMPARE(cellText(page, 0, 1), value(QStringLiteral("Lunch")));
     QCOMPARE(cellText(page, 7, 1), value(QStringLiteral("73.85")));
+}
+
+void TestEntryDetailsWidget::aCutOffCellTellsItsWholeTextAndACellThatFitsNothing()
+{
+    TempHome home;
+    DatabaseManager manager(nullptr);
+    QVERIFY(store(home, lunchInPune));
+    EntryDetailsWidget page(0, &manager, nullptr);
+    page.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&page));
+    QTableWidget *fields = table(page);
+
+    // The columns keep their default widths: the date and the longer labels
+    // are cut off, the price and the item name fit.
+    const auto cut = [fields](int row, int column) {
+        const QWidget *cell = fields->cellWidget(row, column);
+        return cell->sizeHint().width() > cell->width();
+    };
+    QVERIFY(cut(3, 1));
+    QVERIFY(cut(4, 0));
+    QVERIFY(!cut(2, 1));
+    QVERIFY(!cut(0, 1));
+
+    QCOMPARE(toolTipOfCell(fields, 3, 1), lunchInPune.when.toString(Qt::TextDate));
+    QCOMPARE(toolTipOfCell(fields, 4, 0), QStringLiteral("GeoLocation Enabled"));
+    QCOMPARE(toolTipOfCell(fields, 2, 1), QString());
+    QCOMPARE(toolTipOfCell(fields, 0, 1), QString());
 }
 
 QTEST_MAIN(TestEntryDetailsWidget)

@@ -5,6 +5,7 @@
 #include "mainwindow.h"
 #include "piewidget.h"
 
+#include "celltooltip.h"
 #include "graphpicture.h"
 #include "mainwindowfixture.h"
 #include "messageboxanswerer.h"
@@ -25,6 +26,7 @@
 #include <QTabWidget>
 #include <QTableWidget>
 #include <QTemporaryDir>
+#include <QTextDocument>
 #include <QtTest>
 
 #include <memory>
@@ -238,10 +240,17 @@ private slots:
     void historyOpensThePageOnceAnEntryExists();
     void tappingRowZeroOfEntriesShowsTheNewestEntryAndTappingAgainReplacesIt();
     void tappingARowOfTheCategoryTableChangesNothing();
+
+    // Tool tips of cut-off cells
+    void aCutOffCellOfEveryEntryTableTellsItsWholeText_data();
+    void aCutOffCellOfEveryEntryTableTellsItsWholeText();
+    void aCellThatFitsHasNoToolTip();
+    void aCutOffTextThatLooksLikeMarkupIsToldAsTyped();
 };
 
 void TestHistoryWidget::cleanup()
 {
+    hideToolTip();
     VERIFY_NO_WIDGETS_LEFT();
 }
 
@@ -1039,6 +1048,82 @@ void TestHistoryWidget::tappingARowOfTheCategoryTableChangesNothing()
     QCOMPARE(child<QLabel>(*page, "labelCategoryTabCategoryTotal")->text(), total);
     QCOMPARE(rowTexts(table, 0), firstRow);
     QVERIFY(!page->findChild<EntryDetailsWidget *>());
+}
+
+void TestHistoryWidget::aCutOffCellOfEveryEntryTableTellsItsWholeText_data()
+{
+    QTest::addColumn<int>("tab");
+    QTest::addColumn<QByteArray>("table");
+    QTest::newRow("category wise") << 0 << QByteArray("tableWidgetCategoryRecentEntries");
+    QTest::newRow("date wise") << 1 << QByteArray("tableWidgetDattewiseTabEntries");
+    QTest::newRow("total") << 2 << QByteArray("tableWidgetTotalTabEntries");
+    QTest::newRow("entries") << 3 << QByteArray("tableWidgetAllEntries");
+}
+
+void TestHistoryWidget::aCutOffCellOfEveryEntryTableTellsItsWholeText()
+{
+    QFETCH(int, tab);
+    QFETCH(QByteArray, table);
+
+    HistoryFixture f;
+    const QDateTime when = at(2026, 11, 15);
+    f.add(QStringLiteral("Electricity bill"), QStringLiteral("Entertainment - Dining"), when, 84.5,
+          QStringLiteral("Online banking"));
+    HistoryWidget *page = f.build();
+    page->show();
+    QVERIFY(QTest::qWaitForWindowExposed(page));
+    f.tabs()->setCurrentIndex(tab);
+    QTableWidget *entries = f.table(table.constData());
+    QTRY_VERIFY(entries->isVisible());
+    QCOMPARE(entries->rowCount(), 1);
+
+    // Six stretched columns share the table's width: the date, the
+    // category, the item and the place do not fit theirs.
+    const QString date = when.toString(Qt::TextDate);
+    QCOMPARE(entries->item(0, 4)->text(), date);
+    QVERIFY(entries->fontMetrics().horizontalAdvance(date) > entries->columnWidth(4));
+    QVERIFY(entries->fontMetrics().horizontalAdvance(QStringLiteral("Entertainment - Dining")) >
+            entries->columnWidth(2));
+    QCOMPARE(toolTipOfCell(entries, 0, 4), date);
+    QCOMPARE(toolTipOfCell(entries, 0, 1), QStringLiteral("Electricity bill"));
+    QCOMPARE(toolTipOfCell(entries, 0, 2), QStringLiteral("Entertainment - Dining"));
+    QCOMPARE(toolTipOfCell(entries, 0, 5), QStringLiteral("Online banking"));
+}
+
+void TestHistoryWidget::aCellThatFitsHasNoToolTip()
+{
+    HistoryFixture f;
+    f.add(QStringLiteral("Tea"), QStringLiteral("Food"), at(2026, 11, 15), 2);
+    HistoryWidget *page = f.build();
+    page->show();
+    QVERIFY(QTest::qWaitForWindowExposed(page));
+    QTableWidget *entries = f.table("tableWidgetCategoryRecentEntries");
+
+    // "1", "Tea", "Food" and "2" fit their columns with room to spare.
+    for (const int column : { 0, 1, 2, 3 }) {
+        QVERIFY(entries->fontMetrics().horizontalAdvance(entries->item(0, column)->text()) <
+                entries->columnWidth(column) / 2);
+        QCOMPARE(toolTipOfCell(entries, 0, column), QString());
+    }
+    // The date beside them does not.
+    QCOMPARE(toolTipOfCell(entries, 0, 4), at(2026, 11, 15).toString(Qt::TextDate));
+}
+
+void TestHistoryWidget::aCutOffTextThatLooksLikeMarkupIsToldAsTyped()
+{
+    HistoryFixture f;
+    const QString item = QStringLiteral("<b>Fish & chips</b> for two");
+    f.add(item, QStringLiteral("Food"), at(2026, 11, 15), 12);
+    HistoryWidget *page = f.build();
+    page->show();
+    QVERIFY(QTest::qWaitForWindowExposed(page));
+    QTableWidget *entries = f.table("tableWidgetCategoryRecentEntries");
+
+    const QString tip = toolTipOfCell(entries, 0, 1);
+    QVERIFY(!tip.isEmpty());
+    QTextDocument shown;
+    shown.setHtml(tip);
+    QCOMPARE(shown.toPlainText(), item);
 }
 
 QTEST_MAIN(TestHistoryWidget)
