@@ -2,13 +2,19 @@
 # Installs what Ledgerly needs on Debian 12 (only what is missing), then
 # configures and builds. A second run does only an incremental build.
 #
-#   BUILD_DIR          build directory (default: build, or build-sanitize)
+#   BUILD_DIR          build directory (default: build, build-sanitize or
+#                      build-fuzz)
 #   LEDGERLY_SANITIZE  ON to build with AddressSanitizer and UBSan
+#   LEDGERLY_FUZZ      ON to build only the fuzz targets, with clang's
+#                      libFuzzer (scripts/fuzz.sh runs them)
 set -euo pipefail
 
 root="$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)"
 sanitize="${LEDGERLY_SANITIZE:-OFF}"
-if [ "$sanitize" = "ON" ]; then
+fuzz="${LEDGERLY_FUZZ:-OFF}"
+if [ "$fuzz" = "ON" ]; then
+    build_dir="${BUILD_DIR:-$root/build-fuzz}"
+elif [ "$sanitize" = "ON" ]; then
     build_dir="${BUILD_DIR:-$root/build-sanitize}"
 else
     build_dir="${BUILD_DIR:-$root/build}"
@@ -22,6 +28,11 @@ packages=(
     # metainfo's validators, xwininfo and xprop.
     dpkg-dev desktop-file-utils appstream x11-utils
 )
+if [ "$fuzz" = "ON" ]; then
+    # clang with libFuzzer and the sanitizer runtimes; the time zones that
+    # the date reader's target checks local times in.
+    packages+=(clang-14 libclang-rt-14-dev tzdata)
+fi
 
 missing=()
 for package in "${packages[@]}"; do
@@ -38,6 +49,15 @@ if [ "${#missing[@]}" -gt 0 ]; then
     fi
     $sudo apt-get update
     DEBIAN_FRONTEND=noninteractive $sudo apt-get install -y --no-install-recommends "${missing[@]}"
+fi
+
+if [ "$fuzz" = "ON" ]; then
+    if [ ! -f "$build_dir/CMakeCache.txt" ]; then
+        CC=clang-14 CXX=clang++-14 cmake -S "$root" -B "$build_dir" -DCMAKE_BUILD_TYPE=RelWithDebInfo \
+            -DLEDGERLY_FUZZ=ON -DLEDGERLY_BUILD_TESTS=OFF -DLEDGERLY_BUILD_BENCH=OFF
+    fi
+    cmake --build "$build_dir" -j"${LEDGERLY_JOBS:-2}" --target ledgerly_fuzz
+    exit 0
 fi
 
 if [ ! -f "$build_dir/CMakeCache.txt" ]; then

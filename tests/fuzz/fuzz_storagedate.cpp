@@ -1,0 +1,61 @@
+#include "fuzzdriver.h"
+#include "storageform.h"
+
+#include <QByteArray>
+#include <QDateTime>
+#include <QString>
+
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+
+// The reader of stored date texts promises to read every text exactly as
+// Qt's general ISO 8601 parser does, its quick path for the file's own form
+// included. Any input on which the two disagree, in validity, in the date
+// and time read, in the kind of time or in the instant, is a finding.
+
+namespace {
+
+QString describe(const QDateTime &when)
+{
+    if (!when.isValid())
+        return QStringLiteral("invalid");
+    return QStringLiteral("%1 %2 spec %3 offset %4 instant %5")
+        .arg(when.date().toString(Qt::ISODate), when.time().toString(QStringLiteral("HH:mm:ss.zzz")))
+        .arg(int(when.timeSpec()))
+        .arg(when.offsetFromUtc())
+        .arg(when.toMSecsSinceEpoch());
+}
+
+void check(const QString &text)
+{
+    const QString read = describe(StorageForm::readDateTime(text));
+    const QString general = describe(QDateTime::fromString(text, Qt::ISODate));
+    if (read == general)
+        return;
+    std::fprintf(stderr, "The stored date text \"%s\" reads as %s, Qt's ISO parser reads %s\n",
+                 text.toUtf8().toPercentEncoding(" -:.+T").constData(), qPrintable(read), qPrintable(general));
+    std::abort();
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerInitialize(int *, char ***)
+{
+    // Local times are where the two could part: by default, a zone whose
+    // clocks have jumped at midnight, so that some days have no 00:00.
+    if (qEnvironmentVariableIsEmpty("TZ"))
+        qputenv("TZ", "America/Santiago");
+    return 0;
+}
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
+{
+    // The bytes as UTF-8, and as UTF-16 code units, lone surrogates and all.
+    check(QString::fromUtf8(reinterpret_cast<const char *>(data), qsizetype(size)));
+    QString units(qsizetype(size / 2), Qt::Uninitialized);
+    if (!units.isEmpty())
+        std::memcpy(units.data(), data, size_t(units.size()) * sizeof(QChar));
+    check(units);
+    return 0;
+}
