@@ -239,6 +239,46 @@ const QString countHistoricLocations = QStringLiteral("SELECT COUNT(LocationName
 // last one to go closes it.
 int liveStores = 0;
 
+// Set (to anything) to read every list through Qt's driver, never on the
+// SQLite handle underneath it.
+const char noSqliteHandleVariable[] = "LEDGERLY_NO_SQLITE_HANDLE";
+
+// Whether a statement failed because of the file (locked by another program,
+// the disk full, unreadable) rather than because the file refused the data
+// (a constraint, a missing table), judged by SQLite's primary result code.
+bool isFileFailure(const QSqlError &error)
+{
+    bool isCode = false;
+    const int code = error.nativeErrorCode().toInt(&isCode) & 0xff;
+    if (!isCode)
+        return false;
+    switch (code) {
+    case SQLITE_BUSY:
+    case SQLITE_LOCKED:
+    case SQLITE_NOMEM:
+    case SQLITE_READONLY:
+    case SQLITE_INTERRUPT:
+    case SQLITE_IOERR:
+    case SQLITE_CORRUPT:
+    case SQLITE_FULL:
+    case SQLITE_CANTOPEN:
+    case SQLITE_PROTOCOL:
+    case SQLITE_NOTADB:
+        return true;
+    default:
+        return false;
+    }
+}
+
+// Reads every row of an executed query; false when reading stopped on an
+// error (a locked or damaged file) before the last row.
+template<typename Read> bool readAllRows(QSqlQuery &query, Read read)
+{
+    while (query.next())
+        read(query);
+    return !query.lastError().isValid();
+}
+
 // How long a statement waits for a file that another program holds locked:
 // the driver's own default, said here so that it is a decision of the store.
 const int storeBusyTimeout = 5000;
@@ -305,6 +345,7 @@ bool DatabaseManager::setupDatabase(QString dbname)
         }
         db = shared;
         if (db.isOpen()) {
+            handleUsable = driverRunsOurSqlite();
             createTablesAndDefaultRows();
             return true;
         }
@@ -341,8 +382,29 @@ bool DatabaseManager::setupDatabase(QString dbname)
         cache.exec(QStringLiteral("PRAGMA cache_size = -65536"));
     }
 
+    handleUsable = driverRunsOurSqlite();
     createTablesAndDefaultRows();
     return true;
+}
+
+bool DatabaseManager::driverRunsOurSqlite()
+{
+    if (qEnvironmentVariableIsSet(noSqliteHandleVariable))
+        return false;
+    // The handle of Qt's driver may only be given to the SQLite library that
+    // we link if the driver runs on that very library; a Qt built with its
+    // own copy of SQLite hands out a handle of another library.
+    QSqlQuery query(db);
+    query.setForwardOnly(true);
+    if (!query.exec(QStringLiteral("select sqlite_version(), sqlite_source_id()")) || !query.next())
+        return false;
+    return query.value(0).toString() == QLatin1String(sqlite3_libversion()) &&
+        query.value(1).toString() == QLatin1String(sqlite3_sourceid());
+}
+
+bool DatabaseManager::usesSqliteHandle() const
+{
+    return db.isOpen() && handleUsable;
 }
 
 void DatabaseManager::createTablesAndDefaultRows()
@@ -547,28 +609,65 @@ bool DatabaseManager::run(QSqlQuery &query, const QString &statement, const Bind
 {
     // Checked before any query exists: Qt warns about statements on a closed
     // connection, and an unopened store is meant to fail without a word.
-    if (!db.isOpen())
+    if (!db.isOpen() || writeFailed)
         return false;
     query = QSqlQuery(db);
     // Results are read once, front to back; a scrollable query would keep a
     // second copy of every row.
     query.setForwardOnly(true);
-    if (bindings.isEmpty())
-        return query.exec(statement);
-    if (!query.prepare(statement))
-        return false;
-    for (const auto &binding : bindings)
-        query.bindValue(binding.first, binding.second);
-    return query.exec();
+    bool executed = false;
+    if (bindings.isEmpty()) {
+        executed = query.exec(statement);
+    } else if (query.prepare(statement)) {
+        for (const auto &binding : bindings)
+            query.bindValue(binding.first, binding.second);
+        executed = query.exec();
+    }
+    noteFailure(executed, query);
+    return executed;
 }
 
 bool DatabaseManager::runText(QSqlQuery &query, const QString &statement)
 {
-    if (!db.isOpen())
+    if (!db.isOpen() || writeFailed)
         return false;
     query = QSqlQuery(db);
     query.setForwardOnly(true);
-    return query.exec(statement);
+    const bool executed = query.exec(statement);
+    noteFailure(executed, query);
+    return executed;
+}
+
+void DatabaseManager::noteFailure(bool executed, const QSqlQuery &query)
+{
+    if (!executed && writing && isFileFailure(query.lastError()))
+        writeFailed = true;
+}
+
+bool DatabaseManager::beginWrite()
+{
+    // A savepoint, not BEGIN, so that a write may also run inside a
+    // transaction of its caller's.
+    QSqlQuery query;
+    if (!runText(query, QStringLiteral("SAVEPOINT ledgerly_write")))
+        return false;
+    writing = true;
+    writeFailed = false;
+    return true;
+}
+
+bool DatabaseManager::endWrite(bool result)
+{
+    writing = false;
+    const bool failed = std::exchange(writeFailed, false);
+    QSqlQuery query;
+    // Releasing the outermost savepoint commits, which can fail in turn (the
+    // disk full, readers holding the file).
+    if (!failed && runText(query, QStringLiteral("RELEASE ledgerly_write")))
+        return result;
+    runText(query, QStringLiteral("ROLLBACK TO ledgerly_write"));
+    runText(query, QStringLiteral("RELEASE ledgerly_write"));
+    return false;
 }
 
 bool DatabaseManager::runCount(const QString &statement, const Bindings &bindings, int *count)
@@ -627,8 +726,12 @@ QList<Record *> DatabaseManager::recordList(const QString &tableCountStatement, 
     QSqlQuery query;
     if (!run(query, statement, bindings))
         return records;
-    while (query.next())
-        records.append(read(query));
+    // A list cut short by a failed read is no list: the rows read so far
+    // would pass for all of them.
+    if (!readAllRows(query, [&](const QSqlQuery &row) { records.append(read(row)); })) {
+        qDeleteAll(records);
+        records.clear();
+    }
     return records;
 }
 
@@ -666,15 +769,20 @@ QList<Entry *> DatabaseManager::entryList(const QString &clause, const Bindings 
         }
     }
     const SqliteRow row(statement);
-    while (sqlite3_step(statement) == SQLITE_ROW)
+    int stepped;
+    while ((stepped = sqlite3_step(statement)) == SQLITE_ROW)
         records.append(readEntry(row));
     sqlite3_finalize(statement);
+    if (stepped != SQLITE_DONE) {
+        qDeleteAll(records);
+        records.clear();
+    }
     return records;
 }
 
 sqlite3 *DatabaseManager::sqliteHandle() const
 {
-    if (!db.isOpen())
+    if (!usesSqliteHandle())
         return nullptr;
     const QVariant handle = db.driver()->handle();
     if (!handle.isValid() || qstrcmp(handle.typeName(), "sqlite3*") != 0)
@@ -1005,6 +1113,18 @@ HistoricLocation *DatabaseManager::GetHistoricLocationByHistoricLocationID(int i
 
 bool DatabaseManager::AddEntry(Entry *enteredEntry)
 {
+    // The catalogue row, the place and the entry row are written as one:
+    // when the file fails (locked, full, the program killed) none of them
+    // is, and the first such failure ends the work without waiting on the
+    // file again. A refusal of the data itself keeps the steps before it, as
+    // it always has (an entry without a date still counts in the catalogue).
+    if (!beginWrite())
+        return false;
+    return endWrite(writeEntry(enteredEntry));
+}
+
+bool DatabaseManager::writeEntry(const Entry *enteredEntry)
+{
     // The caller's record is only read; its numbers are recomputed here.
     Entry entry;
     entry.CategoryName = enteredEntry->CategoryName;
@@ -1228,8 +1348,8 @@ QList<QString> DatabaseManager::GetListOfAllDistinctCategoriesOfAllEntries()
     QSqlQuery query;
     if (!run(query, QStringLiteral("select distinct CategoryName from Entry")))
         return names;
-    while (query.next())
-        names.append(query.value(0).toString());
+    if (!readAllRows(query, [&](const QSqlQuery &row) { names.append(row.value(0).toString()); }))
+        names.clear();
     return names;
 }
 
@@ -1242,8 +1362,8 @@ QList<QDateTime> DatabaseManager::GetAllDistinctDatesOfEntriesOfCategory(QString
                             "order by TransactDateTime desc "),
              entryCategory(catName)))
         return dates;
-    while (query.next())
-        dates.append(readDateTime(query.value(0)));
+    if (!readAllRows(query, [&](const QSqlQuery &row) { dates.append(readDateTime(row.value(0))); }))
+        dates.clear();
     return dates;
 }
 

@@ -255,6 +255,11 @@ public:
     bool isUsable() const;
     QString databaseFileName() const;
     QString openError() const;
+    // Whether entry lists are read on the SQLite handle of Qt's driver, which
+    // is done only where the driver runs on the SQLite library that Ledgerly
+    // links, and never with LEDGERLY_NO_SQLITE_HANDLE set; otherwise every
+    // list is read through Qt's driver.
+    bool usesSqliteHandle() const;
 
     // ~/ledgerlydatabase.db: the file every store of the program opens.
     static QString defaultFileName();
@@ -289,6 +294,17 @@ private:
     bool renameIfStoredOnce(const QString &oldName, const QString &newName, const QString &countStatement,
                             const QString &updateStatement);
     void setBusyTimeout(int milliseconds);
+    bool driverRunsOurSqlite();
+
+    // A write of several statements that succeeds or fails as one: between
+    // beginWrite() and endWrite(), the first statement that fails because of
+    // the file makes every later one fail at once, and endWrite() then
+    // undoes them all. endWrite() returns `result` when the work was kept.
+    bool beginWrite();
+    bool endWrite(bool result);
+    void noteFailure(bool executed, const QSqlQuery &query);
+    // AddEntry's statements, inside its write.
+    bool writeEntry(const Entry *enteredEntry);
 
     // Named parameters and the values bound to them, already in their
     // storage forms (see the *Value helpers in the .cpp).
@@ -319,4 +335,7 @@ private:
     QSqlDatabase db;
     QString fileName;
     QString lastOpenError;
+    bool handleUsable = false;
+    bool writing = false;
+    bool writeFailed = false;
 };

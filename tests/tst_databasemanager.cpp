@@ -5,7 +5,9 @@
 
 #include <QDir>
 #include <QElapsedTimer>
+#include <QHash>
 #include <QFile>
+#include <QProcess>
 #include <QRandomGenerator>
 #include <QRegularExpression>
 #include <QSqlDatabase>
@@ -151,22 +153,6 @@ QStringList column(const QList<QVariantList> &rows, int index)
     return values;
 }
 
-// Every row of every table, as text, to compare whole files.
-QStringList dumpTables(RawDatabase &raw)
-{
-    QStringList dump;
-    for (const auto &table : createStatements) {
-        const QList<QVariantList> rows = raw.rows(QStringLiteral("select * from %1 order by SNo").arg(table.first));
-        for (const QVariantList &row : rows) {
-            QStringList cells;
-            for (const QVariant &cell : row)
-                cells.append(cell.toString());
-            dump.append(table.first + QLatin1Char('|') + cells.join(QLatin1Char('|')));
-        }
-    }
-    return dump;
-}
-
 } // namespace
 
 class tst_DatabaseManager : public QObject
@@ -261,6 +247,14 @@ private slots:
     void entriesOfEqualPriceKeepTheirStoredOrder();
     void datesStoredInOtherIsoFormsReadBackAsTheGeneralParserReadsThem_data();
     void datesStoredInOtherIsoFormsReadBackAsTheGeneralParserReadsThem();
+    void entryListsAreReadOnTheSqliteHandleOnlyWhereThatIsSafe();
+    void aListCutShortByADamagedFileIsEmpty();
+
+    // A file in trouble
+    void aKilledWriterLeavesAWholeFileWithEveryConfirmedEntryOnce();
+    void aFullFileRefusesAnEntryWholeAndTakesItOnceThereIsRoom();
+    void aLockedFileFailsAnEntryAfterOneWaitAndLeavesNothingHalfWritten();
+    void anEntryAddedInsideACallersTransactionGoesWithIt();
 };
 
 void tst_DatabaseManager::init()
@@ -392,14 +386,16 @@ void tst_DatabaseManager::startingAgainOnTheSameFileChangesNothing()
         HistoricLocation place = makePlace(QStringLiteral("Harbour"), 1.5f, 2.5f);
         QVERIFY(store->AddHistoricLocation(&place));
         RawDatabase raw(home->databasePath());
-        before = dumpTables(raw);
+        before = raw.dumpTables();
     }
-    QCOMPARE(before.size(), 37 + 3 + 5 + 5 + 1);
+    // Categories, modes, entries, items, the place, and the numbering of
+    // those five tables in sqlite_sequence.
+    QCOMPARE(before.size(), 37 + 3 + 5 + 5 + 1 + 5);
 
     auto again = startStore();
     QVERIFY(again->isUsable());
     RawDatabase raw(home->databasePath());
-    QCOMPARE(dumpTables(raw), before);
+    QCOMPARE(raw.dumpTables(), before);
 }
 
 void tst_DatabaseManager::aRenamedDefaultCategoryComesBackWithTheNextFreeNumber()
@@ -898,6 +894,8 @@ void tst_DatabaseManager::aFileWrittenInTheStorageFormsReadsBackFieldForField()
 void tst_DatabaseManager::hardTextRoundTripsThroughAddEntry_data()
 {
     QTest::addColumn<QString>("text");
+    for (const auto &hostile : hostileTexts())
+        QTest::newRow(qPrintable(hostile.first)) << hostile.second;
     QTest::newRow("quotes and apostrophes") << QStringLiteral("It's \"quoted\"; ' or '1'='1");
     QTest::newRow("accents and quotes") << QStringLiteral("Café \"Zürich\"");
     QTest::newRow("Japanese") << QStringLiteral("日本");
@@ -914,18 +912,32 @@ void tst_DatabaseManager::hardTextRoundTripsThroughAddEntry()
     auto store = startStore();
     Entry entry = makeEntry(text, QStringLiteral("Food"), at(2026, 4, 1, 12), 9.99f, text, true, 10.5f, 20.25f);
     QVERIFY(store->AddEntry(&entry));
+    // The same text as the category, too.
+    Entry inItsOwnCategory = makeEntry(text, text, at(2026, 4, 2, 12), 1.5f, text);
+    QVERIFY(store->AddEntry(&inItsOwnCategory));
 
     const auto all = owned(store->GetAllEntries());
-    QCOMPARE(all.size(), 1);
-    QCOMPARE(all[0]->ItemName.size(), text.size());
-    QCOMPARE(all[0]->ItemName, text);
-    QCOMPARE(all[0]->LocationText, text);
-    QCOMPARE(all[0]->Price, 9.99f);
+    QCOMPARE(all.size(), 2);
+    QCOMPARE(all[1]->ItemName.size(), text.size());
+    QCOMPARE(all[1]->ItemName, text);
+    QCOMPARE(all[1]->LocationText, text);
+    QCOMPARE(all[1]->Price, 9.99f);
+    QCOMPARE(all[0]->CategoryName, text);
+    QCOMPARE(owned(store->GetAllEntriesOfCategory(text)).size(), 1);
     const auto places = owned(store->GetAllHistoricLocation());
     QCOMPARE(places.size(), 1);
     QCOMPARE(places[0]->LocationName, text);
     QCOMPARE(store->GetItemID(text, QStringLiteral("Food")), 1);
+    QCOMPARE(store->GetItemID(text, text), 2);
     QCOMPARE(store->GetCategoryOfItem(text), QStringLiteral("Food"));
+
+    // Every table is still in place, as created.
+    RawDatabase raw(home->databasePath());
+    for (const auto &table : createStatements)
+        QCOMPARE(
+            raw.scalar(QStringLiteral("SELECT sql FROM sqlite_master WHERE name = '%1'").arg(table.first)).toString(),
+            table.second);
+    QCOMPARE(raw.scalar(QStringLiteral("SELECT count(*) FROM Entry")).toInt(), 2);
 }
 
 // Writes and identifier lookups
@@ -1619,6 +1631,238 @@ void tst_DatabaseManager::datesStoredInOtherIsoFormsReadBackAsTheGeneralParserRe
     QCOMPARE(entries[0]->TransactDateTime.isValid(), expected.isValid());
     if (expected.isValid())
         QCOMPARE(entries[0]->TransactDateTime, expected);
+}
+
+void tst_DatabaseManager::entryListsAreReadOnTheSqliteHandleOnlyWhereThatIsSafe()
+{
+    // Debian's Qt runs its driver on the system's SQLite, which Ledgerly
+    // links too; the variable forces every list through Qt's driver, and
+    // this very file runs a second time under ctest with it set.
+    auto store = startStore();
+    QCOMPARE(store->usesSqliteHandle(), !qEnvironmentVariableIsSet("LEDGERLY_NO_SQLITE_HANDLE"));
+    addSampleEntries(*store);
+    QCOMPARE(itemNames(owned(store->GetAllEntries())),
+             QStringList({ QStringLiteral("Juice"), QStringLiteral("Cake"), QStringLiteral("Tea"),
+                           QStringLiteral("Coffee"), QStringLiteral("Bread") }));
+}
+
+namespace {
+
+// Overwrites the last leaf page of a table's tree with garbage: rows in
+// the earlier leaves still read, and a scan fails once it reaches that one.
+bool damageLastLeafOf(const QString &fileName, const QString &table)
+{
+    int page = 0;
+    int pageSize = 0;
+    {
+        RawDatabase raw(fileName);
+        page =
+            raw.scalar(
+                   QStringLiteral("SELECT max(pageno) FROM dbstat WHERE name = '%1' AND pagetype = 'leaf'").arg(table))
+                .toInt();
+        pageSize = raw.scalar(QStringLiteral("PRAGMA page_size")).toInt();
+    }
+    QFile file(fileName);
+    if (page < 2 || pageSize <= 0 || !file.open(QIODevice::ReadWrite) || !file.seek(qint64(page - 1) * pageSize))
+        return false;
+    return file.write(QByteArray(pageSize, '\xff')) == pageSize;
+}
+
+} // namespace
+
+void tst_DatabaseManager::aListCutShortByADamagedFileIsEmpty()
+{
+    {
+        auto store = startStore();
+        RawDatabase raw(home->databasePath());
+        // Enough rows for several leaf pages each.
+        QVERIFY(
+            raw.exec(QStringLiteral("INSERT INTO Items (ItemName,CategoryName,CategoryID,LastPrice,UseFrequency) "
+                                    "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 2000) "
+                                    "SELECT printf('Item %04d %s', i, hex(zeroblob(20))), 'Food', 1, 1.5, 1 FROM n")));
+        QVERIFY(raw.exec(QStringLiteral(
+            "INSERT INTO Entry (ItemName,CategoryName,CategoryID,TransactDateTime,Price,LocationText,EnableGeoLoc,"
+            "GeoLocID,GeoLocLongit,GeoLocLatit,ItemID) "
+            "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 2000) "
+            "SELECT printf('Entry %04d', i), 'Food', 1, '2026-01-01T12:00:00', 2.5, 'Market', 'false', 0, 103.0, "
+            "1.3, i FROM n")));
+        QCOMPARE(owned(store->GetAllItems()).size(), 2000);
+        QCOMPARE(owned(store->GetAllEntries()).size(), 2000);
+    }
+    QVERIFY(damageLastLeafOf(home->databasePath(), QStringLiteral("Items")));
+    QVERIFY(damageLastLeafOf(home->databasePath(), QStringLiteral("Entry")));
+
+    {
+        // A plain scan gets the first rows, then fails: the damage is part-way.
+        RawDatabase raw(home->databasePath());
+        const int itemsRead = int(raw.rows(QStringLiteral("SELECT SNo, ItemName FROM Items")).size());
+        QVERIFY2(raw.lastError().contains(QStringLiteral("malformed")), qPrintable(raw.lastError()));
+        QVERIFY2(itemsRead > 0 && itemsRead < 2000, qPrintable(QString::number(itemsRead)));
+        const int entriesRead = int(raw.rows(QStringLiteral("SELECT SNo, ItemName FROM Entry")).size());
+        QVERIFY2(entriesRead > 0 && entriesRead < 2000, qPrintable(QString::number(entriesRead)));
+    }
+
+    auto store = startStore();
+    QVERIFY(store->isUsable());
+    QCOMPARE(owned(store->GetAllItems()).size(), 0);
+    QCOMPARE(owned(store->GetItemsOfParticularCategory(QStringLiteral("Food"))).size(), 0);
+    QCOMPARE(owned(store->GetAllEntries()).size(), 0);
+    QCOMPARE(owned(store->GetAllEntriesOrderByPrice()).size(), 0);
+    QCOMPARE(owned(store->GetAllEntriesOfCategory(QStringLiteral("Food"))).size(), 0);
+    QCOMPARE(store->GetListOfAllDistinctCategoriesOfAllEntries(), QList<QString>());
+    QCOMPARE(store->GetAllDistinctDatesOfEntriesOfCategory(QStringLiteral("Food")), QList<QDateTime>());
+    // The lists of the tables left whole still read.
+    QCOMPARE(owned(store->GetAllCategories()).size(), defaultCategories.size());
+}
+
+// A file in trouble
+
+void tst_DatabaseManager::aKilledWriterLeavesAWholeFileWithEveryConfirmedEntryOnce()
+{
+    startStore().reset(); // the file, with its tables and default rows
+
+    const quint32 seed = QRandomGenerator::global()->generate();
+    QRandomGenerator random(seed);
+    int storedBefore = 0;
+    for (int run = 0; run < 10; ++run) {
+        const QString label = QStringLiteral("run%1").arg(run);
+        QProcess writer;
+        writer.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+        writer.start(QStringLiteral(LEDGERLY_ADD_ENTRIES_PROGRAM), { label });
+        QVERIFY2(writer.waitForStarted(), qPrintable(writer.errorString()));
+
+        // Killed once it has confirmed this many of its 1,000 entries, while
+        // it is at work on the next ones, wherever in their statements it is.
+        // That moment is what matters, not how far into the thousand it
+        // falls, so the kill comes early enough to keep the test short.
+        const int killAfter = int(random.bounded(1, 300));
+        QByteArray output;
+        while (output.count('\n') < killAfter && writer.state() == QProcess::Running) {
+            if (writer.waitForReadyRead(30000))
+                output += writer.readAllStandardOutput();
+            else
+                break;
+        }
+        writer.kill();
+        QVERIFY(writer.waitForFinished(30000));
+        QVERIFY2(writer.exitStatus() == QProcess::CrashExit,
+                 qPrintable(QStringLiteral("run %1 (seed %2) was not killed").arg(run).arg(seed)));
+        output += writer.readAllStandardOutput();
+        // Only whole lines were confirmed.
+        QStringList confirmed = QString::fromUtf8(output.left(output.lastIndexOf('\n'))).split(QLatin1Char('\n'));
+        QVERIFY2(confirmed.size() >= killAfter,
+                 qPrintable(QStringLiteral("run %1 (seed %2) confirmed %3").arg(run).arg(seed).arg(confirmed.size())));
+
+        RawDatabase raw(home->databasePath());
+        QCOMPARE(raw.scalar(QStringLiteral("PRAGMA integrity_check")).toString(), QStringLiteral("ok"));
+        QHash<QString, int> copies;
+        for (const QVariantList &row : raw.rows(
+                 QStringLiteral("SELECT ItemName, count(*) FROM Entry WHERE ItemName LIKE '%1 %' GROUP BY ItemName")
+                     .arg(label)))
+            copies.insert(row.at(0).toString(), row.at(1).toInt());
+        for (const QString &name : std::as_const(confirmed))
+            QVERIFY2(copies.value(name) == 1,
+                     qPrintable(QStringLiteral("%1: %2 copies").arg(name).arg(copies.value(name))));
+        // Beyond the confirmed ones, at most the entry whose confirmation the
+        // kill cut off.
+        const QString next = QStringLiteral("%1 %2").arg(label).arg(confirmed.size());
+        for (auto it = copies.cbegin(); it != copies.cend(); ++it) {
+            if (!confirmed.contains(it.key()))
+                QVERIFY2(it.key() == next && it.value() == 1, qPrintable(it.key()));
+        }
+        // Each entry is written whole: its catalogue row with it, no row
+        // of an entry that is not there.
+        QCOMPARE(raw.scalar(QStringLiteral("SELECT count(*) FROM Items WHERE ItemName LIKE 'run%'")).toInt(),
+                 raw.scalar(QStringLiteral("SELECT count(*) FROM Entry WHERE ItemName LIKE 'run%'")).toInt());
+        QCOMPARE(raw.scalar(QStringLiteral("SELECT count(*) FROM Items WHERE ItemName NOT IN "
+                                           "(SELECT ItemName FROM Entry)"))
+                     .toInt(),
+                 0);
+
+        // The next start opens the file and reads and writes it.
+        auto store = startStore();
+        QVERIFY2(store->isUsable(), qPrintable(store->openError()));
+        const int stored = store->GetTotalNumberOfEntries();
+        QCOMPARE(stored, storedBefore + int(copies.size()));
+        QCOMPARE(int(owned(store->GetAllEntries()).size()), stored);
+        storedBefore = stored;
+    }
+    auto store = startStore();
+    Entry after = makeEntry(QStringLiteral("After"), QStringLiteral("Food"), at(2026, 6, 1), 1.0f);
+    QVERIFY(store->AddEntry(&after));
+}
+
+void tst_DatabaseManager::aFullFileRefusesAnEntryWholeAndTakesItOnceThereIsRoom()
+{
+    auto store = startStore();
+    addSampleEntries(*store);
+    QVERIFY(limitDatabaseFile());
+    const int filled = fillDatabaseFile(*store);
+    QVERIFY(filled >= 0);
+    RawDatabase raw(home->databasePath());
+    const QStringList full = raw.dumpTables();
+
+    // A new item would fit in the catalogue, but its entry does not fit:
+    // neither is written.
+    Entry entry = makeEntry(QStringLiteral("Coffee beans"), QStringLiteral("Groceries"), at(2026, 4, 2), 12.5f,
+                            QStringLiteral("Corner shop"), true, 10.5f, 20.25f);
+    QVERIFY(!store->AddEntry(&entry));
+    QCOMPARE(raw.dumpTables(), full);
+    QCOMPARE(store->GetItemID(QStringLiteral("Coffee beans"), QStringLiteral("Groceries")), 0);
+
+    QVERIFY(liftDatabaseFileLimit());
+    QVERIFY(store->AddEntry(&entry));
+    QCOMPARE(store->GetTotalNumberOfEntries(), 5 + filled + 1);
+    const auto items = owned(store->GetItemsOfParticularCategory(QStringLiteral("Groceries")));
+    QCOMPARE(items.size(), 1);
+    QCOMPARE(items[0]->UseFrequency, 1);
+    QCOMPARE(owned(store->GetAllHistoricLocation()).size(), 1);
+}
+
+void tst_DatabaseManager::aLockedFileFailsAnEntryAfterOneWaitAndLeavesNothingHalfWritten()
+{
+    auto store = startStore();
+    addSampleEntries(*store);
+    const int busyTimeout = connectionBusyTimeout();
+    QCOMPARE(busyTimeout, 5000);
+    RawDatabase raw(home->databasePath());
+    const QStringList before = raw.dumpTables();
+
+    QVERIFY(raw.exec(QStringLiteral("BEGIN EXCLUSIVE")));
+    Entry entry = makeEntry(QStringLiteral("Coffee beans"), QStringLiteral("Groceries"), at(2026, 4, 2), 12.5f,
+                            QStringLiteral("Corner shop"), true, 10.5f, 20.25f);
+    QElapsedTimer adding;
+    adding.start();
+    QVERIFY(!store->AddEntry(&entry));
+    // One wait for the whole entry, not one per statement.
+    QVERIFY2(adding.elapsed() < busyTimeout + 1000, qPrintable(QString::number(adding.elapsed())));
+    QVERIFY(raw.exec(QStringLiteral("ROLLBACK")));
+    QCOMPARE(raw.dumpTables(), before);
+
+    QVERIFY(store->AddEntry(&entry));
+    QCOMPARE(store->GetTotalNumberOfEntries(), 6);
+    QCOMPARE(store->GetItemID(QStringLiteral("Coffee beans"), QStringLiteral("Groceries")), 5 + 1);
+}
+
+void tst_DatabaseManager::anEntryAddedInsideACallersTransactionGoesWithIt()
+{
+    auto store = startStore();
+    addSampleEntries(*store);
+    RawDatabase raw(home->databasePath());
+    const QStringList before = raw.dumpTables();
+    QSqlDatabase connection = QSqlDatabase::database();
+
+    QVERIFY(connection.transaction());
+    Entry entry = makeEntry(QStringLiteral("Coffee beans"), QStringLiteral("Groceries"), at(2026, 4, 2), 12.5f);
+    QVERIFY(store->AddEntry(&entry));
+    QCOMPARE(store->GetTotalNumberOfEntries(), 6);
+    QVERIFY(connection.rollback());
+    QCOMPARE(raw.dumpTables(), before);
+
+    QVERIFY(connection.transaction());
+    QVERIFY(store->AddEntry(&entry));
+    QVERIFY(connection.commit());
+    QCOMPARE(raw.scalar(QStringLiteral("SELECT count(*) FROM Entry")).toInt(), 6);
 }
 
 QTEST_GUILESS_MAIN(tst_DatabaseManager)

@@ -71,7 +71,27 @@ QList<QVariantList> RawDatabase::rows(const QString &sql)
             row.append(query.value(i));
         result.append(row);
     }
+    // A read that stopped on an error keeps the rows read before it.
+    if (query.lastError().isValid())
+        error = query.lastError().text();
     return result;
+}
+
+QStringList RawDatabase::dumpTables()
+{
+    QStringList dump;
+    const QList<QVariantList> tables =
+        rows(QStringLiteral("SELECT name FROM sqlite_master WHERE type = 'table' ORDER BY name"));
+    for (const QVariantList &table : tables) {
+        const QString name = table.at(0).toString();
+        for (const QVariantList &row : rows(QStringLiteral("SELECT * FROM \"%1\" ORDER BY rowid").arg(name))) {
+            QStringList cells;
+            for (const QVariant &cell : row)
+                cells.append(cell.isNull() ? QStringLiteral("NULL") : cell.toString());
+            dump.append(name + QLatin1Char('|') + cells.join(QLatin1Char('|')));
+        }
+    }
+    return dump;
 }
 
 QString RawDatabase::lastError() const

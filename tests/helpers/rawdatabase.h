@@ -3,6 +3,7 @@
 #include <QDateTime>
 #include <QList>
 #include <QString>
+#include <QStringList>
 #include <QVariant>
 
 // A second, independent connection on a database file, for tests that check
@@ -19,7 +20,12 @@ public:
     bool exec(const QString &sql);
     // The first column of the first row, or an invalid variant.
     QVariant scalar(const QString &sql);
+    // Every row the statement gives; when reading stops on an error, the
+    // rows before it, and lastError() tells why.
     QList<QVariantList> rows(const QString &sql);
+    // Every row of every table (sqlite_sequence included), as text, table by
+    // table: two dumps are equal when nothing stored changed.
+    QStringList dumpTables();
     QString lastError() const;
     QString connectionName() const;
 

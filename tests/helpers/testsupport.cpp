@@ -1,9 +1,13 @@
 #include "testsupport.h"
 
+#include "databasemanager.h"
+
 #include <QCoreApplication>
 #include <QFile>
 #include <QRegularExpression>
 #include <QSettings>
+#include <QSqlDatabase>
+#include <QSqlQuery>
 #include <QTemporaryDir>
 #include <QThread>
 #include <QTimer>
@@ -48,4 +52,58 @@ void useTemporarySettings()
         QSettings::setPath(format, QSettings::UserScope, settingsDir.path());
         QSettings::setPath(format, QSettings::SystemScope, settingsDir.path());
     }
+}
+
+QList<QPair<QString, QString>> hostileTexts()
+{
+    QString nul = QStringLiteral("before");
+    nul += QChar(0);
+    nul += QStringLiteral("after");
+    QString long10000;
+    for (int i = 0; i < 1000; ++i)
+        long10000 += QStringLiteral("%1<&'\"abcde").arg(i % 10);
+    return {
+        { QStringLiteral("quotes"), QStringLiteral("It's \"quoted\"; ' or '1'='1") },
+        { QStringLiteral("backslashes"), QStringLiteral("C:\\Users\\me\\n \\t \\\\") },
+        { QStringLiteral("placeholders"), QStringLiteral("%1 %2 %L1 %% 100%") },
+        { QStringLiteral("an SQL fragment"), QStringLiteral("'); DROP TABLE Entry;--") },
+        { QStringLiteral("HTML"), QStringLiteral("<b>bold</b> &amp; <script>alert(1)</script>") },
+        { QStringLiteral("right to left"),
+          QString::fromUtf8("\u05e9\u05dc\u05d5\u05dd \u0645\u0631\u062d\u0628\u0627 \u202eabc") },
+        { QStringLiteral("combining characters"), QString::fromUtf8("e\u0301 a\u0308\u0323 Z\u0351\u0352\u0353") },
+        { QStringLiteral("emoji"),
+          QString::fromUtf8("\U0001F4B6 \U0001F9FE \U0001F468\u200D\U0001F469\u200D\U0001F467") },
+        { QStringLiteral("a NUL character"), nul },
+        { QStringLiteral("10,000 characters"), long10000 },
+    };
+}
+
+bool limitDatabaseFile()
+{
+    QSqlQuery query(QSqlDatabase::database());
+    if (!query.exec(QStringLiteral("PRAGMA page_count")) || !query.next())
+        return false;
+    const int pages = query.value(0).toInt();
+    return query.exec(QStringLiteral("PRAGMA max_page_count = %1").arg(pages)) && query.next() &&
+        query.value(0).toInt() == pages;
+}
+
+int fillDatabaseFile(DatabaseManager &store)
+{
+    for (int added = 0; added < 100000; ++added) {
+        Entry smallest;
+        smallest.ItemName = QStringLiteral("F");
+        smallest.CategoryName = QStringLiteral("Food");
+        smallest.TransactDateTime = QDateTime(QDate(2026, 1, 1), QTime(0, 0));
+        smallest.LocationText = QStringLiteral("L");
+        if (!store.AddEntry(&smallest))
+            return added;
+    }
+    return -1;
+}
+
+bool liftDatabaseFileLimit()
+{
+    QSqlQuery query(QSqlDatabase::database());
+    return query.exec(QStringLiteral("PRAGMA max_page_count = 1073741823"));
 }

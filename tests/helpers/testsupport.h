@@ -1,6 +1,11 @@
 #pragma once
 
+#include <QList>
+#include <QPair>
+#include <QString>
 #include <QStringList>
+
+class DatabaseManager;
 
 // Chores and checks any test may need, on QtCore alone.
 
@@ -20,3 +25,18 @@ void runPendingEventsAndClearQuit();
 // of this process, removed when it ends: neither the settings of the user
 // running the tests nor those another test process wrote take part.
 void useTemporarySettings();
+
+// Texts that a careless program would mangle, by what they hold: quotes,
+// backslashes, placeholders of QString::arg, an SQL fragment, HTML,
+// right-to-left and combining characters, emoji, a NUL character and 10,000
+// characters. Each comes back unchanged from the store and shows literally.
+QList<QPair<QString, QString>> hostileTexts();
+
+// A full disk, made on the program's connection (the default one): the file
+// may grow no further than it is, and fillDatabaseFile() then adds the
+// smallest entries the store writes until one no longer fits, so that any
+// larger write fails. It returns how many went in, or -1 when the file never
+// filled. liftDatabaseFileLimit() gives the room back.
+bool limitDatabaseFile();
+int fillDatabaseFile(DatabaseManager &store);
+bool liftDatabaseFileLimit();
