@@ -1,6 +1,7 @@
 #include "addentrywidget.h"
 #include "ui_addentrywidget.h"
 
+#include "amount.h"
 #include "databasemanager.h"
 #include "format.h"
 #include "geolocationreply.h"
@@ -162,6 +163,13 @@ void AddEntryWidget::CheckFieldsFunction()
     if (name.isEmpty() || amount.isEmpty() || place.isEmpty())
         return;
 
+    // Forty nines make no price: asked before the confirmation, so that
+    // nothing that cannot be stored is offered for saving.
+    if (Amount::isTooLarge(amount)) {
+        Notice::inform(tr("Amount is too large. Enter a smaller amount"));
+        return;
+    }
+
     const bool withGeoLocation = ui->checkBoxGeoLocation->isChecked();
     // One substitution pass, so that a '%' typed into a field stays as typed.
     if (!Notice::confirm(tr("Details Entered - Item Name: %1  Price: %2 Category: %3  Date: %4  Location: %5  "
@@ -188,12 +196,15 @@ void AddEntryWidget::CheckFieldsFunction()
     }
 
     const bool added = dbManager && dbManager->AddEntry(entry.get());
+    if (!added) {
+        // What was typed stays, so that Add stores it once the cause (a
+        // locked file, a full disk) is gone.
+        Notice::inform(tr("Entry could not be added to the database!"));
+        return;
+    }
+    Notice::inform(tr("Entry added to the database successfully"));
 
-    Notice::inform(added ? tr("Entry added to the database successfully")
-                         : tr("Entry could not be added to the database!"));
-
-    // Cleared whether or not the store took the entry; the category stays
-    // selected for the next one.
+    // The category stays selected for the next entry.
     ui->lineEditItemName->clear();
     ui->lineEditAmount->clear();
     ui->lineEditLocation->clear();

@@ -15,7 +15,8 @@ namespace {
 
 QString valueCell(const QString &value)
 {
-    return QStringLiteral("<font color=#aa00ff> %1 </font>").arg(value);
+    // Escaped, so that a name such as "<b>x</b>" or "&amp;" shows as typed.
+    return QStringLiteral("<font color=#aa00ff> %1 </font>").arg(value.toHtmlEscaped());
 }
 
 } // namespace

@@ -1,17 +1,41 @@
 #include "entryeditdelegates.h"
 
+#include "amount.h"
 #include "format.h"
+#include "notice.h"
 #include "storageform.h"
 
 #include <QDateTime>
 #include <QDateTimeEdit>
-#include <QDoubleSpinBox>
+#include <QLineEdit>
+#include <QRegularExpression>
+#include <QRegularExpressionValidator>
 
 namespace {
+
+// The value an editor showed when it opened. Closing it on that value writes
+// nothing, so that opening an editor cannot rewrite a stored value that the
+// editor shows rounded or in another form.
+const char openedWith[] = "ledgerlyOpenedWith";
 
 QDateTime storedDateTime(const QVariant &value)
 {
     return StorageForm::readDateTime(value.toString());
+}
+
+const QString dateTimeEditFormat = QStringLiteral("dd/MM/yyyy HH:mm:ss");
+
+// A date-time typed over a stored text that was no date: in the editors'
+// own form, as a day alone, or in any form the file itself may hold.
+QDateTime typedDateTime(const QString &text)
+{
+    const QString typed = text.trimmed();
+    QDateTime when = QDateTime::fromString(typed, dateTimeEditFormat);
+    if (!when.isValid())
+        when = QDate::fromString(typed, QStringLiteral("dd/MM/yyyy")).startOfDay();
+    if (!when.isValid())
+        when = StorageForm::readDateTime(typed);
+    return when;
 }
 
 } // namespace
@@ -26,26 +50,50 @@ QString EntryDateTimeDelegate::displayText(const QVariant &value, const QLocale 
     return Format::dateTime(dateTime);
 }
 
-QWidget *EntryDateTimeDelegate::createEditor(QWidget *parent, const QStyleOptionViewItem &, const QModelIndex &) const
+QWidget *EntryDateTimeDelegate::createEditor(QWidget *parent, const QStyleOptionViewItem &,
+                                             const QModelIndex &index) const
 {
+    // A stored text that is no date opens as it is, in a text editor: a date
+    // editor could only show some other date, and would write it back.
+    if (!storedDateTime(index.data(Qt::EditRole)).isValid())
+        return new QLineEdit(parent);
     auto *editor = new QDateTimeEdit(parent);
-    editor->setDisplayFormat(QStringLiteral("dd/MM/yyyy HH:mm:ss"));
+    editor->setDisplayFormat(dateTimeEditFormat);
     return editor;
 }
 
 void EntryDateTimeDelegate::setEditorData(QWidget *editor, const QModelIndex &index) const
 {
-    auto *dateTimeEdit = static_cast<QDateTimeEdit *>(editor);
-    const QDateTime dateTime = storedDateTime(index.data(Qt::EditRole));
-    dateTimeEdit->setDateTime(dateTime.isValid() ? dateTime : QDateTime::currentDateTime());
+    const QVariant stored = index.data(Qt::EditRole);
+    if (auto *dateTimeEdit = qobject_cast<QDateTimeEdit *>(editor)) {
+        const QDateTime dateTime = storedDateTime(stored);
+        if (dateTime.isValid())
+            dateTimeEdit->setDateTime(dateTime);
+        editor->setProperty(openedWith, dateTimeEdit->dateTime());
+    } else if (auto *lineEdit = qobject_cast<QLineEdit *>(editor)) {
+        lineEdit->setText(stored.toString());
+        editor->setProperty(openedWith, lineEdit->text());
+    }
 }
 
 void EntryDateTimeDelegate::setModelData(QWidget *editor, QAbstractItemModel *model, const QModelIndex &index) const
 {
-    auto *dateTimeEdit = static_cast<QDateTimeEdit *>(editor);
-    dateTimeEdit->interpretText();
+    QDateTime dateTime;
+    if (auto *dateTimeEdit = qobject_cast<QDateTimeEdit *>(editor)) {
+        dateTimeEdit->interpretText();
+        dateTime = dateTimeEdit->dateTime();
+        if (dateTime == editor->property(openedWith).toDateTime())
+            return;
+    } else if (auto *lineEdit = qobject_cast<QLineEdit *>(editor)) {
+        if (lineEdit->text() == editor->property(openedWith).toString())
+            return;
+        // Text that is still no date is not stored: the row keeps its own.
+        dateTime = typedDateTime(lineEdit->text());
+    }
+    if (!dateTime.isValid())
+        return;
     // As text: Qt 6's SQLite driver would store a QDateTime with milliseconds.
-    model->setData(index, StorageForm::dateTime(dateTimeEdit->dateTime()), Qt::EditRole);
+    model->setData(index, StorageForm::dateTime(dateTime), Qt::EditRole);
 }
 
 EntryPriceDelegate::EntryPriceDelegate(QObject *parent) : QStyledItemDelegate(parent) { }
@@ -61,22 +109,34 @@ QString EntryPriceDelegate::displayText(const QVariant &value, const QLocale &lo
 
 QWidget *EntryPriceDelegate::createEditor(QWidget *parent, const QStyleOptionViewItem &, const QModelIndex &) const
 {
-    // Amounts as the new-entry page takes them: not negative, two decimals.
-    auto *editor = new QDoubleSpinBox(parent);
-    editor->setDecimals(2);
-    editor->setRange(0.0, 999999999.99);
-    editor->setButtonSymbols(QAbstractSpinBox::NoButtons);
+    // Amounts as the new-entry page reads them: digits, then a point and up
+    // to two decimals if at all; nothing negative. Larger amounts can be
+    // typed, and are refused with the page's message when the editor closes.
+    auto *editor = new QLineEdit(parent);
+    editor->setValidator(
+        new QRegularExpressionValidator(QRegularExpression(QStringLiteral("[0-9]+(\\.[0-9]{0,2})?")), editor));
     return editor;
 }
 
 void EntryPriceDelegate::setEditorData(QWidget *editor, const QModelIndex &index) const
 {
-    static_cast<QDoubleSpinBox *>(editor)->setValue(index.data(Qt::EditRole).toDouble());
+    auto *lineEdit = static_cast<QLineEdit *>(editor);
+    const QVariant stored = index.data(Qt::EditRole);
+    bool isNumber = false;
+    const double price = stored.toDouble(&isNumber);
+    lineEdit->setText(isNumber ? QString::number(price, 'f', 2) : stored.toString());
+    editor->setProperty(openedWith, lineEdit->text());
 }
 
 void EntryPriceDelegate::setModelData(QWidget *editor, QAbstractItemModel *model, const QModelIndex &index) const
 {
-    auto *spinBox = static_cast<QDoubleSpinBox *>(editor);
-    spinBox->interpretText();
-    model->setData(index, static_cast<float>(spinBox->value()), Qt::EditRole);
+    const QString text = static_cast<QLineEdit *>(editor)->text();
+    if (text.isEmpty() || text == editor->property(openedWith).toString())
+        return;
+    if (Amount::isTooLarge(text)) {
+        Notice::inform(tr("Amount is too large. Enter a smaller amount"));
+        return;
+    }
+    // A single-precision number, as the store writes prices.
+    model->setData(index, text.toFloat(), Qt::EditRole);
 }

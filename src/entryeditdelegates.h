@@ -8,7 +8,8 @@
 
 // The transaction date: a date-time editor; written back in the store's
 // storage form (StorageForm::dateTime), which every date query compares
-// against.
+// against. A stored text that is no date opens as that text, and is replaced
+// only by a date. An editor closed without a change writes nothing.
 class EntryDateTimeDelegate : public QStyledItemDelegate
 {
     Q_OBJECT
@@ -23,8 +24,9 @@ public:
     void setModelData(QWidget *editor, QAbstractItemModel *model, const QModelIndex &index) const override;
 };
 
-// The price: a number editor; written back as a single-precision number, as
-// the store writes prices.
+// The price: takes the amounts that the new-entry page takes, refuses larger
+// ones with its message, and writes a single-precision number, as the store
+// writes prices. An editor closed without a change writes nothing.
 class EntryPriceDelegate : public QStyledItemDelegate
 {
     Q_OBJECT

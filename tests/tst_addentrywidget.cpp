@@ -11,11 +11,13 @@
 #include "messageboxanswerer.h"
 #include "rawdatabase.h"
 #include "temphome.h"
+#include "testsupport.h"
 #include "widgettest.h"
 
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDateEdit>
+#include <QElapsedTimer>
 #include <QLabel>
 #include <QLineEdit>
 #include <QNetworkAccessManager>
@@ -27,6 +29,8 @@
 #include <QScopeGuard>
 #include <QScrollArea>
 #include <QSettings>
+#include <QSqlDatabase>
+#include <QSqlQuery>
 #include <QStackedWidget>
 #include <QTemporaryDir>
 #include <QTextBlock>
@@ -184,7 +188,13 @@ private slots:
     void savedEntryIsReadBackByTheStoreAsTyped_data();
     void savedEntryIsReadBackByTheStoreAsTyped();
     void savingClearsTheFieldsAndKeepsTheCategory();
-    void aRefusedWriteIsReportedAndTheFieldsAreClearedAllTheSame();
+    void aRefusedWriteIsReportedAndKeepsWhatWasTypedForTheNextAdd();
+    void anAmountBeyondTheLargestIsRefusedBeforeTheConfirmation_data();
+    void anAmountBeyondTheLargestIsRefusedBeforeTheConfirmation();
+    void amountsUpToTheLargestAreStoredAsBefore_data();
+    void amountsUpToTheLargestAreStoredAsBefore();
+    void aFullDiskRefusesTheEntryChangesNothingAndAddWorksOnceThereIsRoom();
+    void aLockedFileIsReportedWithinTheBusyTimeoutAndAddWorksOnceReleased();
 
     // The keyboard
     void returnInATextFieldGivesTheMessagesOfAdd_data();
@@ -793,7 +803,36 @@ void TestAddEntryWidget::savingClearsTheFieldsAndKeepsTheCategory()
     QCOMPARE(storedEntryCount(f.home), 1);
 }
 
-void TestAddEntryWidget::aRefusedWriteIsReportedAndTheFieldsAreClearedAllTheSame()
+namespace {
+
+// What a refused Add must leave on the page: everything as typed. Empty when
+// it does, otherwise what differs.
+QString keptFieldsMismatch(PageFixture &f, const QString &name, const QString &amount, const QString &place,
+                           const QDate &date, bool geo, int category)
+{
+    QStringList differences;
+    const auto check = [&differences](const char *field, const QString &shown, const QString &typed) {
+        if (shown != typed)
+            differences.append(QStringLiteral("%1 shows \"%2\", typed \"%3\"").arg(field, shown, typed));
+    };
+    check("name", f.name()->text(), name);
+    check("amount", f.amount()->text(), amount);
+    check("location", f.place()->text(), place);
+    check("date", f.date()->date().toString(Qt::ISODate), date.toString(Qt::ISODate));
+    check("box", f.geoLocation()->isChecked() ? "ticked" : "unticked", geo ? "ticked" : "unticked");
+    check("category", QString::number(f.category()->currentIndex()), QString::number(category));
+    return differences.join(QStringLiteral("; "));
+}
+
+} // namespace
+
+#define VERIFY_FIELDS_KEPT(...)                                                                                        \
+    do {                                                                                                               \
+        const QString mismatch = keptFieldsMismatch(__VA_ARGS__);                                                      \
+        QVERIFY2(mismatch.isEmpty(), qPrintable(mismatch));                                                            \
+    } while (false)
+
+void TestAddEntryWidget::aRefusedWriteIsReportedAndKeepsWhatWasTypedForTheNextAdd()
 {
     PageFixture f;
     {
@@ -803,6 +842,7 @@ void TestAddEntryWidget::aRefusedWriteIsReportedAndTheFieldsAreClearedAllTheSame
     f.type(QStringLiteral("Coffee"), QStringLiteral("2.50"), QStringLiteral("Kiosk"));
     f.category()->setCurrentIndex(4);
     f.geoLocation()->setChecked(true);
+    f.date()->setDate(QDate(2026, 2, 3));
 
     MessageBoxAnswerer answerer;
     answerer.answer({ QMessageBox::Save, QMessageBox::Ok });
@@ -813,12 +853,187 @@ void TestAddEntryWidget::aRefusedWriteIsReportedAndTheFieldsAreClearedAllTheSame
     const SeenMessageBox &result = answerer.seen().at(1);
     QCOMPARE(result.text, QStringLiteral("Entry could not be added to the database!"));
     VERIFY_BOX_SHAPE(result, BoxKind::Information);
+    VERIFY_FIELDS_KEPT(f, QStringLiteral("Coffee"), QStringLiteral("2.50"), QStringLiteral("Kiosk"), QDate(2026, 2, 3),
+                       true, 4);
 
+    // Once the cause is gone, Add again stores what is still on the page.
+    {
+        RawDatabase raw(f.home.databasePath());
+        QVERIFY2(raw.exec(QStringLiteral(
+                     "CREATE TABLE Entry ( SNo integer PRIMARY KEY AUTOINCREMENT NOT NULL UNIQUE, ItemName "
+                     "nvarchar(255) NOT NULL, CategoryName nvarchar(255) NOT NULL, CategoryID integer NOT NULL, "
+                     "TransactDateTime  datetime NOT NULL, Price float(50) NOT NULL, LocationText nvarchar(255), "
+                     "EnableGeoLoc boolean NOT NULL, GeoLocID integer, GeoLocLongit float(50), GeoLocLatit "
+                     "float(50), ItemID integer NOT NULL )")),
+                 qPrintable(raw.lastError()));
+    }
+    answerer.answer({ QMessageBox::Save, QMessageBox::Ok });
+    f.pressAdd();
+    QVERIFY2(answerer.errors().isEmpty(), qPrintable(answerer.errors().join('\n')));
+    QCOMPARE(answerer.seen().size(), 4);
+    QCOMPARE(answerer.seen().at(3).text, QStringLiteral("Entry added to the database successfully"));
     QVERIFY(f.name()->text().isEmpty());
     QVERIFY(f.amount()->text().isEmpty());
     QVERIFY(f.place()->text().isEmpty());
     QVERIFY(!f.geoLocation()->isChecked());
-    QCOMPARE(f.category()->currentIndex(), 4);
+    QCOMPARE(f.date()->date(), QDate::currentDate());
+
+    const QList<QVariantList> rows = storedEntries(f.home);
+    QCOMPARE(rows.size(), 1);
+    QCOMPARE(rows.at(0).at(0).toString(), QStringLiteral("Coffee"));
+    QCOMPARE(rows.at(0).at(1).toString(), f.category()->itemText(4));
+    QCOMPARE(rows.at(0).at(2).toString(), QStringLiteral("2026-02-03T00:00:00"));
+    QCOMPARE(rows.at(0).at(3).toFloat(), 2.5f);
+    QCOMPARE(rows.at(0).at(4).toString(), QStringLiteral("Kiosk"));
+    QCOMPARE(rows.at(0).at(5).toString(), QStringLiteral("true"));
+}
+
+void TestAddEntryWidget::anAmountBeyondTheLargestIsRefusedBeforeTheConfirmation_data()
+{
+    QTest::addColumn<QString>("amount");
+    QTest::newRow("forty nines and a point") << QString(40, QLatin1Char('9')) + QLatin1Char('.');
+    QTest::newRow("four hundred nines") << QString(400, QLatin1Char('9'));
+    QTest::newRow("ten million") << QStringLiteral("10000000.00");
+    QTest::newRow("a hundred million") << QStringLiteral("99999999.9");
+}
+
+void TestAddEntryWidget::anAmountBeyondTheLargestIsRefusedBeforeTheConfirmation()
+{
+    QFETCH(QString, amount);
+    PageFixture f;
+    f.type(QStringLiteral("Gold"), amount, QStringLiteral("Vault"));
+    QCOMPARE(f.amount()->text(), amount);
+
+    MessageBoxAnswerer answerer;
+    answerer.answer(QMessageBox::Ok);
+    f.pressAdd();
+
+    QVERIFY2(answerer.errors().isEmpty(), qPrintable(answerer.errors().join('\n')));
+    QCOMPARE(answerer.seen().size(), 1);
+    QCOMPARE(answerer.seen().at(0).text, QStringLiteral("Amount is too large. Enter a smaller amount"));
+    VERIFY_BOX_SHAPE(answerer.seen().at(0), BoxKind::Information);
+    QCOMPARE(storedEntryCount(f.home), 0);
+    RawDatabase raw(f.home.databasePath());
+    QCOMPARE(raw.scalar(QStringLiteral("SELECT COUNT(*) FROM Items")).toInt(), 0);
+    QCOMPARE(f.name()->text(), QStringLiteral("Gold"));
+    QCOMPARE(f.amount()->text(), amount);
+    QCOMPARE(f.place()->text(), QStringLiteral("Vault"));
+}
+
+void TestAddEntryWidget::amountsUpToTheLargestAreStoredAsBefore_data()
+{
+    QTest::addColumn<QString>("amount");
+    QTest::addColumn<float>("price");
+    // A float keeps about seven digits: the largest amount is stored as the
+    // float nearest to it, ten million, as any amount always was.
+    QTest::newRow("the largest") << QStringLiteral("9999999.99") << 9999999.99f;
+    QTest::newRow("a cent") << QStringLiteral("0.01") << 0.01f;
+    QTest::newRow("without a point") << QStringLiteral("12") << 12.0f;
+    QTest::newRow("a million") << QStringLiteral("1000000.") << 1000000.0f;
+}
+
+void TestAddEntryWidget::amountsUpToTheLargestAreStoredAsBefore()
+{
+    QFETCH(QString, amount);
+    QFETCH(float, price);
+    PageFixture f;
+    f.type(QStringLiteral("Rent"), amount, QStringLiteral("Home"));
+
+    MessageBoxAnswerer answerer;
+    answerer.answer({ QMessageBox::Save, QMessageBox::Ok });
+    f.pressAdd();
+
+    QVERIFY2(answerer.errors().isEmpty(), qPrintable(answerer.errors().join('\n')));
+    QCOMPARE(answerer.seen().size(), 2);
+    QVERIFY(answerer.seen().at(0).text.startsWith(QStringLiteral("Details Entered - Item Name: Rent  Price: ") +
+                                                  amount + QLatin1Char(' ')));
+    QCOMPARE(answerer.seen().at(1).text, QStringLiteral("Entry added to the database successfully"));
+    const QList<QVariantList> rows = storedEntries(f.home);
+    QCOMPARE(rows.size(), 1);
+    QCOMPARE(rows.at(0).at(3).toFloat(), price);
+}
+
+void TestAddEntryWidget::aFullDiskRefusesTheEntryChangesNothingAndAddWorksOnceThereIsRoom()
+{
+    PageFixture f;
+    QVERIFY(limitDatabaseFile());
+    QVERIFY(fillDatabaseFile(f.store) >= 0);
+    RawDatabase raw(f.home.databasePath());
+    const QStringList full = raw.dumpTables();
+
+    f.type(QStringLiteral("Coffee beans"), QStringLiteral("12.50"), QStringLiteral("Corner shop"));
+    f.category()->setCurrentIndex(12);
+    f.date()->setDate(QDate(2026, 2, 3));
+    f.geoLocation()->setChecked(true);
+    MessageBoxAnswerer answerer;
+    answerer.answer({ QMessageBox::Save, QMessageBox::Ok });
+    f.pressAdd();
+
+    QVERIFY2(answerer.errors().isEmpty(), qPrintable(answerer.errors().join('\n')));
+    QCOMPARE(answerer.seen().size(), 2);
+    QCOMPARE(answerer.seen().at(1).text, QStringLiteral("Entry could not be added to the database!"));
+    VERIFY_BOX_SHAPE(answerer.seen().at(1), BoxKind::Information);
+    QCOMPARE(raw.dumpTables(), full);
+    VERIFY_FIELDS_KEPT(f, QStringLiteral("Coffee beans"), QStringLiteral("12.50"), QStringLiteral("Corner shop"),
+                       QDate(2026, 2, 3), true, 12);
+
+    QVERIFY(liftDatabaseFileLimit());
+    answerer.answer({ QMessageBox::Save, QMessageBox::Ok });
+    f.pressAdd();
+    QVERIFY2(answerer.errors().isEmpty(), qPrintable(answerer.errors().join('\n')));
+    QCOMPARE(answerer.seen().size(), 4);
+    QCOMPARE(answerer.seen().at(3).text, QStringLiteral("Entry added to the database successfully"));
+    QVERIFY(f.name()->text().isEmpty());
+    const QList<QVariantList> beans = raw.rows(
+        QStringLiteral("SELECT CategoryName, TransactDateTime, Price, LocationText, EnableGeoLoc FROM Entry WHERE "
+                       "ItemName = 'Coffee beans'"));
+    QCOMPARE(beans.size(), 1);
+    QCOMPARE(beans.at(0).at(0).toString(), f.category()->itemText(12));
+    QCOMPARE(beans.at(0).at(1).toString(), QStringLiteral("2026-02-03T00:00:00"));
+    QCOMPARE(beans.at(0).at(2).toFloat(), 12.5f);
+    QCOMPARE(beans.at(0).at(3).toString(), QStringLiteral("Corner shop"));
+    QCOMPARE(beans.at(0).at(4).toString(), QStringLiteral("true"));
+    // The entry, its item, its place and the place table's first number.
+    QCOMPARE(raw.dumpTables().size(), full.size() + 4);
+}
+
+void TestAddEntryWidget::aLockedFileIsReportedWithinTheBusyTimeoutAndAddWorksOnceReleased()
+{
+    PageFixture f;
+    QSqlQuery timeout(QSqlDatabase::database());
+    QVERIFY(timeout.exec(QStringLiteral("PRAGMA busy_timeout")) && timeout.next());
+    const int busyTimeout = timeout.value(0).toInt();
+    // What the README promises.
+    QCOMPARE(busyTimeout, 5000);
+    RawDatabase raw(f.home.databasePath());
+    const QStringList before = raw.dumpTables();
+
+    f.type(QStringLiteral("Coffee"), QStringLiteral("2.50"), QStringLiteral("Kiosk"));
+    QVERIFY(raw.exec(QStringLiteral("BEGIN EXCLUSIVE")));
+    MessageBoxAnswerer answerer;
+    answerer.answer({ QMessageBox::Save, QMessageBox::Ok });
+    QElapsedTimer pressing;
+    pressing.start();
+    f.pressAdd();
+    const qint64 elapsed = pressing.elapsed();
+
+    QVERIFY2(answerer.errors().isEmpty(), qPrintable(answerer.errors().join('\n')));
+    QCOMPARE(answerer.seen().size(), 2);
+    QCOMPARE(answerer.seen().at(1).text, QStringLiteral("Entry could not be added to the database!"));
+    // The store waits for the file once, not once per statement.
+    QVERIFY2(elapsed < busyTimeout + 1000, qPrintable(QString::number(elapsed)));
+    QVERIFY(raw.exec(QStringLiteral("ROLLBACK")));
+    QCOMPARE(raw.dumpTables(), before);
+    VERIFY_FIELDS_KEPT(f, QStringLiteral("Coffee"), QStringLiteral("2.50"), QStringLiteral("Kiosk"),
+                       QDate::currentDate(), false, 0);
+
+    answerer.answer({ QMessageBox::Save, QMessageBox::Ok });
+    f.pressAdd();
+    QVERIFY2(answerer.errors().isEmpty(), qPrintable(answerer.errors().join('\n')));
+    QCOMPARE(answerer.seen().size(), 4);
+    QCOMPARE(answerer.seen().at(3).text, QStringLiteral("Entry added to the database successfully"));
+    QCOMPARE(storedEntryCount(f.home), 1);
+    QCOMPARE(raw.scalar(QStringLiteral("SELECT UseFrequency FROM Items WHERE ItemName = 'Coffee'")).toInt(), 1);
 }
 
 // ---------------------------------------------------------------- the keyboard

@@ -4,6 +4,7 @@
 #include "celltooltip.h"
 #include "rawdatabase.h"
 #include "temphome.h"
+#include "testsupport.h"
 #include "widgettest.h"
 #include "webenginesanitizeroptions.h"
 
@@ -217,6 +218,8 @@ private slots:
     void tableHasTwoColumnsEightRowsAndTheDesignedHeaders();
     void tableShowsEveryFieldOfTheEntry_data();
     void tableShowsEveryFieldOfTheEntry();
+    void textsShowAsTypedInsideTheColouredCells_data();
+    void textsShowAsTypedInsideTheColouredCells();
     void priceShowsWithSixSignificantDigits_data();
     void priceShowsWithSixSignificantDigits();
     void entryWithoutGeolocationShowsDashesAndTheDefaultPlace();
@@ -376,6 +379,39 @@ void TestEntryDetailsWidget::tableShowsEveryFieldOfTheEntry()
     const EntryDetailsWidget page(0, &manager, nullptr);
 
     QCOMPARE(cellTexts(page), cells);
+}
+
+void TestEntryDetailsWidget::textsShowAsTypedInsideTheColouredCells_data()
+{
+    QTest::addColumn<QString>("text");
+    for (const auto &hostile : hostileTexts())
+        QTest::newRow(qPrintable(hostile.first)) << hostile.second;
+}
+
+void TestEntryDetailsWidget::textsShowAsTypedInsideTheColouredCells()
+{
+    QFETCH(QString, text);
+    TempHome home;
+    DatabaseManager manager(nullptr);
+    Entry entry;
+    entry.ItemName = text;
+    entry.CategoryName = text;
+    entry.LocationText = text;
+    entry.TransactDateTime = QDateTime(QDate(2026, 11, 15), QTime(13, 8, 59));
+    entry.Price = 12.5f;
+    QVERIFY(manager.AddEntry(&entry));
+    const EntryDetailsWidget page(0, &manager, nullptr);
+
+    // Item name, category and place: the text escaped inside the cell's
+    // unchanged markup, so that what shows is the text itself.
+    for (int row : { 0, 1, 5 }) {
+        QCOMPARE(cellText(page, row, 1),
+                 QStringLiteral("<font color=#aa00ff> ") + text.toHtmlEscaped() + QStringLiteral(" </font>"));
+        const auto *label = qobject_cast<const QLabel *>(table(page)->cellWidget(row, 1));
+        // Rich text drops the blank that opens a block; the text itself stays.
+        QCOMPARE(plainText(label), text + QLatin1Char(' '));
+    }
+    QCOMPARE(cellText(page, 2, 1), value(QStringLiteral("12.5")));
 }
 
 void TestEntryDetailsWidget::priceShowsWithSixSignificantDigits_data()

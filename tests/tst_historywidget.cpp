@@ -1,3 +1,4 @@
+#include "addentrywidget.h"
 #include "databasemanager.h"
 #include "entrydetailswidget.h"
 #include "historywidget.h"
@@ -11,6 +12,7 @@
 #include "messageboxanswerer.h"
 #include "rawdatabase.h"
 #include "temphome.h"
+#include "testsupport.h"
 #include "webenginesanitizeroptions.h"
 #include "widgettest.h"
 
@@ -20,6 +22,7 @@
 #include <QHeaderView>
 #include <QImage>
 #include <QLabel>
+#include <QLineEdit>
 #include <QPushButton>
 #include <QScrollArea>
 #include <QStackedWidget>
@@ -240,6 +243,8 @@ private slots:
     void historyOpensThePageOnceAnEntryExists();
     void tappingRowZeroOfEntriesShowsTheNewestEntryAndTappingAgainReplacesIt();
     void tappingARowOfTheCategoryTableChangesNothing();
+    void textsTypedOnTheNewEntryPageShowLiterallyInEveryTableAndTheDetails_data();
+    void textsTypedOnTheNewEntryPageShowLiterallyInEveryTableAndTheDetails();
 
     // Tool tips of cut-off cells
     void aCutOffCellOfEveryEntryTableTellsItsWholeText_data();
@@ -1017,6 +1022,101 @@ void TestHistoryWidget::tappingRowZeroOfEntriesShowsTheNewestEntryAndTappingAgai
     clickCell(table, 1, 4);
     QVERIFY(!firstDetails);
     QVERIFY2(shownItem().contains(" Bread "), qPrintable(shownItem()));
+}
+
+void TestHistoryWidget::textsTypedOnTheNewEntryPageShowLiterallyInEveryTableAndTheDetails_data()
+{
+    QTest::addColumn<QString>("text");
+    for (const auto &hostile : hostileTexts())
+        QTest::newRow(qPrintable(hostile.first)) << hostile.second;
+}
+
+void TestHistoryWidget::textsTypedOnTheNewEntryPageShowLiterallyInEveryTableAndTheDetails()
+{
+    QFETCH(QString, text);
+    MainWindowFixture f;
+    f.setUpFile();
+    {
+        // The same text as a category, so that the page offers it.
+        DatabaseManager setUp(nullptr);
+        QVERIFY(setUp.AddCategory(text));
+    }
+    QVERIFY(f.show());
+
+    // Item, category and place typed on the new-entry page and saved.
+    f.click("pushButtonNewEntry");
+    auto *newEntry = qobject_cast<AddEntryWidget *>(f.page());
+    QVERIFY(newEntry);
+    child<QLineEdit>(*newEntry, "lineEditItemName")->setText(text);
+    QTest::keyClicks(child<QLineEdit>(*newEntry, "lineEditAmount"), QStringLiteral("4.20"));
+    child<QLineEdit>(*newEntry, "lineEditLocation")->setText(text);
+    auto *categories = child<QComboBox>(*newEntry, "comboBoxCategory");
+    categories->setCurrentIndex(categories->findText(text));
+    QCOMPARE(categories->currentText(), text);
+    MessageBoxAnswerer answerer;
+    answerer.answer({ QMessageBox::Save, QMessageBox::Ok });
+    child<QPushButton>(*newEntry, "pushButtonAdd")->click();
+    QVERIFY2(answerer.errors().isEmpty(), qPrintable(answerer.errors().join('\n')));
+    QCOMPARE(answerer.seen().size(), 2);
+    QVERIFY(answerer.seen().at(0).text.startsWith(QStringLiteral("Details Entered - Item Name: ") + text +
+                                                  QStringLiteral("  Price: 4.20 Category: ") + text +
+                                                  QStringLiteral("  Date: ")));
+    QCOMPARE(answerer.seen().at(1).text, QStringLiteral("Entry added to the database successfully"));
+
+    // Back from the store unchanged.
+    {
+        DatabaseManager store(nullptr);
+        const auto entries = owned(store.GetAllEntries());
+        QCOMPARE(entries.size(), 1);
+        QCOMPARE(entries[0]->ItemName, text);
+        QCOMPARE(entries[0]->CategoryName, text);
+        QCOMPARE(entries[0]->LocationText, text);
+        QCOMPARE(entries[0]->Price, 4.2f);
+    }
+
+    // Shown as typed in every entry table of the history page.
+    f.click("pushButtonHistory");
+    auto *history = qobject_cast<HistoryWidget *>(f.page());
+    QVERIFY(history);
+    auto *tabs = child<QTabWidget>(*history, "tabWidgetHistoryContainer");
+    for (int tab = 0; tab < tabs->count(); ++tab)
+        tabs->setCurrentIndex(tab);
+    int tablesShowingIt = 0;
+    for (const QTableWidget *table : history->findChildren<QTableWidget *>()) {
+        if (table->rowCount() == 0)
+            continue;
+        ++tablesShowingIt;
+        QCOMPARE(table->item(0, 1)->text(), text);
+        QCOMPARE(table->item(0, 2)->text(), text);
+        QCOMPARE(table->item(0, 5)->text(), text);
+    }
+    QCOMPARE(tablesShowingIt, 4);
+
+    // And in the entry's details.
+    tabs->setCurrentIndex(3);
+    auto *table = child<QTableWidget>(*history, "tableWidgetAllEntries");
+    QTRY_VERIFY(table->isVisible());
+    clickCell(table, 0, 0);
+    auto *details =
+        qobject_cast<EntryDetailsWidget *>(child<QScrollArea>(*history, "scrollAreaAllEntriesEntryDetails")->widget());
+    QVERIFY(details);
+    auto *fields = child<QTableWidget>(*details, "tableWidget");
+    for (int row : { 0, 1, 5 }) {
+        const auto *label = qobject_cast<const QLabel *>(fields->cellWidget(row, 1));
+        QVERIFY(label);
+        // Rich text drops the blank that opens the cell; the text itself stays.
+        QCOMPARE(plainText(label), text + QLatin1Char(' '));
+    }
+
+    // Every table of the file still stands.
+    RawDatabase raw(f.home.databasePath());
+    QStringList tables;
+    for (const QVariantList &row :
+         raw.rows(QStringLiteral("SELECT name FROM sqlite_master WHERE type = 'table' ORDER BY name")))
+        tables.append(row.at(0).toString());
+    QCOMPARE(tables,
+             QStringList(
+                 { "Category", "Entry", "HistoricLocation", "ItemSubstitutes", "Items", "Mode", "sqlite_sequence" }));
 }
 
 void TestHistoryWidget::tappingARowOfTheCategoryTableChangesNothing()

@@ -12,7 +12,6 @@
 
 #include <QComboBox>
 #include <QDateTimeEdit>
-#include <QDoubleSpinBox>
 #include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
@@ -82,6 +81,13 @@ double entryPrice(RawDatabase &raw, int sno)
 // One home, one store on its file, one options page, and a raw view of the file.
 struct Fixture
 {
+    // The entry most tests edit; its SNo.
+    int addCoffee()
+    {
+        return raw.insertEntry(QStringLiteral("Coffee"), QStringLiteral("Drinks"),
+                               QDateTime(QDate(2026, 3, 1), QTime(8, 0)), 2.5);
+    }
+
     TempHome home;
     DatabaseManager store { nullptr };
     RawDatabase raw { home.databasePath() };
@@ -90,6 +96,16 @@ struct Fixture
 QTabWidget *tabs(const OptionsWidget &page)
 {
     return child<QTabWidget>(page, "tabWidgetOptionsContainer");
+}
+
+// Shows the page on its entries tab, where editors need a window on screen.
+bool showEntriesTab(OptionsWidget &page)
+{
+    page.show();
+    if (!QTest::qWaitForWindowExposed(&page))
+        return false;
+    child<QTabWidget>(page, "tabWidgetOptionsContainer")->setCurrentIndex(EntriesTab);
+    return true;
 }
 
 QTableView *entriesView(const OptionsWidget &page)
@@ -177,6 +193,11 @@ private slots:
     void anEditedDateIsStoredInTheStorageForm();
     void typedTextCannotReachTheDateOrPriceColumns_data();
     void typedTextCannotReachTheDateOrPriceColumns();
+    void thePriceEditorTakesTheAmountsOfTheNewEntryPage_data();
+    void thePriceEditorTakesTheAmountsOfTheNewEntryPage();
+    void closingAnEditorWithoutAChangeWritesNothing();
+    void anUnreadableStoredDateOpensAsItsTextAndIsReplacedOnlyByADate();
+    void aFullDiskFailsSaveChangesNothingAndSaveWorksOnceThereIsRoom();
     void aFailedSaveIsReportedOnceAndKeepsTheEditsForALaterSave();
     void theStoreKeepsWorkingAfterTheEntriesTab();
     void anUnreadableFileLeavesTheTableEmptyAndSilent();
@@ -700,7 +721,8 @@ void TestOptionsWidget::savingStoresAnEditedPriceAndItemNameAndSaysNothing()
     QSqlTableModel *model = entriesModel(page);
 
     QWidget *priceEditor = openEditor(view, 0, PriceColumn);
-    QVERIFY(qobject_cast<QDoubleSpinBox *>(priceEditor));
+    QVERIFY(qobject_cast<QLineEdit *>(priceEditor));
+    QCOMPARE(qobject_cast<QLineEdit *>(priceEditor)->text(), QStringLiteral("2.50"));
     typeInto(priceEditor, QStringLiteral("3.75"));
     commit(priceEditor);
     QTRY_COMPARE(model->index(0, PriceColumn).data().toDouble(), 3.75);
@@ -839,15 +861,18 @@ void TestOptionsWidget::typedTextCannotReachTheDateOrPriceColumns_data()
 {
     QTest::addColumn<int>("column");
     QTest::addColumn<QString>("typed");
-    QTest::newRow("a word as the date") << int(DateColumn) << QStringLiteral("tomorrow");
-    QTest::newRow("a word as the price") << int(PriceColumn) << QStringLiteral("abc");
-    QTest::newRow("a negative price") << int(PriceColumn) << QStringLiteral("-5");
+    QTest::addColumn<double>("price");
+    QTest::newRow("a word as the date") << int(DateColumn) << QStringLiteral("tomorrow") << 2.5;
+    QTest::newRow("a word as the price") << int(PriceColumn) << QStringLiteral("abc") << 2.5;
+    QTest::newRow("a minus sign cannot be typed") << int(PriceColumn) << QStringLiteral("-5") << 5.0;
+    QTest::newRow("a third decimal cannot be typed") << int(PriceColumn) << QStringLiteral("1.239") << 1.23;
 }
 
 void TestOptionsWidget::typedTextCannotReachTheDateOrPriceColumns()
 {
     QFETCH(int, column);
     QFETCH(QString, typed);
+    QFETCH(double, price);
     Fixture f;
     const int sno = f.raw.insertEntry(QStringLiteral("Coffee"), QStringLiteral("Drinks"),
                                       QDateTime(QDate(2026, 3, 1), QTime(8, 0)), 2.5);
@@ -874,7 +899,179 @@ void TestOptionsWidget::typedTextCannotReachTheDateOrPriceColumns()
     QCOMPARE(storedDate, QStringLiteral("2026-03-01T08:00:00"));
     const QVariant storedPrice = f.raw.scalar(QStringLiteral("SELECT Price FROM Entry WHERE SNo = %1").arg(sno));
     QCOMPARE(storedPrice.typeId(), QMetaType::Double);
-    QCOMPARE(storedPrice.toDouble(), 2.5);
+    QCOMPARE(storedPrice.toFloat(), float(price));
+    page.close();
+}
+
+void TestOptionsWidget::thePriceEditorTakesTheAmountsOfTheNewEntryPage_data()
+{
+    QTest::addColumn<QString>("typed");
+    QTest::addColumn<bool>("tooLarge");
+    QTest::addColumn<float>("price");
+    QTest::newRow("the largest") << QStringLiteral("9999999.99") << false << 9999999.99f;
+    QTest::newRow("without a point") << QStringLiteral("12") << false << 12.0f;
+    QTest::newRow("a point and no decimals") << QStringLiteral("12.") << false << 12.0f;
+    QTest::newRow("a cent") << QStringLiteral("0.01") << false << 0.01f;
+    QTest::newRow("forty nines and a point") << QString(40, QLatin1Char('9')) + QLatin1Char('.') << true << 2.5f;
+    QTest::newRow("ten million") << QStringLiteral("10000000") << true << 2.5f;
+}
+
+void TestOptionsWidget::thePriceEditorTakesTheAmountsOfTheNewEntryPage()
+{
+    QFETCH(QString, typed);
+    QFETCH(bool, tooLarge);
+    QFETCH(float, price);
+    Fixture f;
+    const int sno = f.addCoffee();
+    OptionsWidget page(&f.store);
+    QVERIFY(showEntriesTab(page));
+    QSqlTableModel *model = entriesModel(page);
+
+    auto *editor = qobject_cast<QLineEdit *>(openEditor(entriesView(page), 0, PriceColumn));
+    QVERIFY(editor);
+    typeInto(editor, typed);
+    QCOMPARE(editor->text(), typed);
+    MessageBoxAnswerer answerer;
+    if (tooLarge)
+        answerer.answer(QMessageBox::Ok);
+    commit(editor);
+    QTRY_VERIFY(!entriesView(page)->indexWidget(model->index(0, PriceColumn)));
+    QVERIFY2(answerer.errors().isEmpty(), qPrintable(answerer.errors().join('\n')));
+    if (tooLarge) {
+        QCOMPARE(answerer.seen().size(), 1);
+        QCOMPARE(answerer.seen().at(0).text, QStringLiteral("Amount is too large. Enter a smaller amount"));
+        VERIFY_BOX_SHAPE(answerer.seen().at(0), BoxKind::Information);
+        QVERIFY(!model->isDirty());
+    } else {
+        QVERIFY(answerer.seen().isEmpty());
+        QVERIFY(model->isDirty());
+    }
+
+    child<QPushButton>(page, "pushButtonSaveChanges")->click();
+    QCoreApplication::processEvents();
+    QCOMPARE(answerer.seen().size(), tooLarge ? 1 : 0);
+    QCOMPARE(f.raw.scalar(QStringLiteral("SELECT Price FROM Entry WHERE SNo = %1").arg(sno)).toFloat(), price);
+    page.close();
+}
+
+void TestOptionsWidget::closingAnEditorWithoutAChangeWritesNothing()
+{
+    Fixture f;
+    // A price with more decimals than the editor shows, and a date in an
+    // ISO form other than the file's own: an editor shows both rounded.
+    const int sno = f.raw.insertEntry(QStringLiteral("Coffee"), QStringLiteral("Drinks"),
+                                      QDateTime(QDate(2026, 3, 1), QTime(8, 0)), 2.345);
+    QVERIFY(f.raw.exec(
+        QStringLiteral("UPDATE Entry SET TransactDateTime = '2026-11-15T08:30:05.250', Price = 2.345 WHERE SNo = %1")
+            .arg(sno)));
+    const QStringList before = f.raw.dumpTables();
+    OptionsWidget page(&f.store);
+    QVERIFY(showEntriesTab(page));
+    QSqlTableModel *model = entriesModel(page);
+
+    auto *price = qobject_cast<QLineEdit *>(openEditor(entriesView(page), 0, PriceColumn));
+    QVERIFY(price);
+    QCOMPARE(price->text(), QStringLiteral("2.35"));
+    commit(price);
+    QTRY_VERIFY(!entriesView(page)->indexWidget(model->index(0, PriceColumn)));
+
+    auto *date = qobject_cast<QDateTimeEdit *>(openEditor(entriesView(page), 0, DateColumn));
+    QVERIFY(date);
+    QCOMPARE(date->dateTime(), QDateTime(QDate(2026, 11, 15), QTime(8, 30, 5, 250)));
+    commit(date);
+    QTRY_VERIFY(!entriesView(page)->indexWidget(model->index(0, DateColumn)));
+
+    QVERIFY(!model->isDirty());
+    MessageBoxAnswerer answerer;
+    child<QPushButton>(page, "pushButtonSaveChanges")->click();
+    QCoreApplication::processEvents();
+    QVERIFY(answerer.seen().isEmpty());
+    QCOMPARE(f.raw.dumpTables(), before);
+    page.close();
+}
+
+void TestOptionsWidget::anUnreadableStoredDateOpensAsItsTextAndIsReplacedOnlyByADate()
+{
+    Fixture f;
+    const int sno = f.addCoffee();
+    QVERIFY(
+        f.raw.exec(QStringLiteral("UPDATE Entry SET TransactDateTime = 'sometime in May' WHERE SNo = %1").arg(sno)));
+    OptionsWidget page(&f.store);
+    QVERIFY(showEntriesTab(page));
+    QSqlTableModel *model = entriesModel(page);
+    QTableView *view = entriesView(page);
+    const QModelIndex cell = model->index(0, DateColumn);
+    QCOMPARE(view->itemDelegateForColumn(DateColumn)->metaObject()->className(), "EntryDateTimeDelegate");
+    QCOMPARE(qobject_cast<QStyledItemDelegate *>(view->itemDelegateForColumn(DateColumn))
+                 ->displayText(cell.data(), QLocale()),
+             QStringLiteral("sometime in May"));
+
+    // Opened and closed as it is: nothing changes.
+    auto *editor = qobject_cast<QLineEdit *>(openEditor(view, 0, DateColumn));
+    QVERIFY(editor);
+    QCOMPARE(editor->text(), QStringLiteral("sometime in May"));
+    commit(editor);
+    QTRY_VERIFY(!view->indexWidget(cell));
+    QVERIFY(!model->isDirty());
+
+    // Text that is still no date is not taken either.
+    editor = qobject_cast<QLineEdit *>(openEditor(view, 0, DateColumn));
+    QVERIFY(editor);
+    typeInto(editor, QStringLiteral("early June"));
+    commit(editor);
+    QTRY_VERIFY(!view->indexWidget(cell));
+    QVERIFY(!model->isDirty());
+    child<QPushButton>(page, "pushButtonSaveChanges")->click();
+    QCOMPARE(entryValue(f.raw, sno, "TransactDateTime"), QStringLiteral("sometime in May"));
+
+    // A date, in the editors' own form, is stored in the file's.
+    editor = qobject_cast<QLineEdit *>(openEditor(view, 0, DateColumn));
+    QVERIFY(editor);
+    typeInto(editor, QStringLiteral("15/05/2026 08:30:00"));
+    commit(editor);
+    QTRY_VERIFY(model->isDirty());
+    child<QPushButton>(page, "pushButtonSaveChanges")->click();
+    QCOMPARE(entryValue(f.raw, sno, "TransactDateTime"), QStringLiteral("2026-05-15T08:30:00"));
+    page.close();
+}
+
+void TestOptionsWidget::aFullDiskFailsSaveChangesNothingAndSaveWorksOnceThereIsRoom()
+{
+    Fixture f;
+    const int sno = f.addCoffee();
+    QVERIFY(limitDatabaseFile());
+    QVERIFY(fillDatabaseFile(f.store) >= 0);
+    const QStringList full = f.raw.dumpTables();
+    OptionsWidget page(&f.store);
+    QVERIFY(showEntriesTab(page));
+    QSqlTableModel *model = entriesModel(page);
+
+    // A longer name needs room the file no longer has.
+    const QString longName = QString(3000, QLatin1Char('n'));
+    auto *editor = qobject_cast<QLineEdit *>(openEditor(entriesView(page), 0, ItemNameColumn));
+    QVERIFY(editor);
+    editor->setText(longName);
+    commit(editor);
+    QTRY_VERIFY(model->isDirty());
+
+    MessageBoxAnswerer answerer;
+    answerer.answer(QMessageBox::Ok);
+    child<QPushButton>(page, "pushButtonSaveChanges")->click();
+    QVERIFY2(answerer.errors().isEmpty(), qPrintable(answerer.errors().join('\n')));
+    QCOMPARE(answerer.seen().size(), 1);
+    const SeenMessageBox &box = answerer.seen().constFirst();
+    QVERIFY2(box.text.startsWith(unsavedText), qPrintable(box.text));
+    QVERIFY2(box.text.contains(QStringLiteral("full")), qPrintable(box.text));
+    VERIFY_BOX_SHAPE(box, BoxKind::Warning);
+    QCOMPARE(f.raw.dumpTables(), full);
+    QVERIFY(model->isDirty());
+
+    QVERIFY(liftDatabaseFileLimit());
+    child<QPushButton>(page, "pushButtonSaveChanges")->click();
+    QCoreApplication::processEvents();
+    QCOMPARE(answerer.seen().size(), 1);
+    QVERIFY(!model->isDirty());
+    QCOMPARE(entryValue(f.raw, sno, "ItemName"), longName);
     page.close();
 }
 

@@ -1,0 +1,13 @@
+#include "amount.h"
+
+#include <cmath>
+
+bool Amount::isTooLarge(const QString &text)
+{
+    bool isNumber = false;
+    const double value = text.toDouble(&isNumber);
+    // Digits beyond what a double holds read as infinity, and as no number.
+    if (std::isinf(value))
+        return true;
+    return isNumber && value > largest;
+}
