@@ -5,6 +5,9 @@
 
 #include <QHash>
 
+#include <cmath>
+#include <limits>
+
 namespace {
 
 // A day's value. The hash keeps the first total of each day, as a search
@@ -178,6 +181,14 @@ float percentOf(float part, float whole)
 
 int sliceValue(float total)
 {
+    // A total beyond the range of an int takes the nearest int; one that is
+    // no number at all (an infinite sum less another) takes none.
+    if (std::isnan(total))
+        return 0;
+    if (total >= float(std::numeric_limits<int>::max()))
+        return std::numeric_limits<int>::max();
+    if (total <= float(std::numeric_limits<int>::min()))
+        return std::numeric_limits<int>::min();
     return static_cast<int>(total);
 }
 

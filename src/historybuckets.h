@@ -85,7 +85,8 @@ CategoryStatistics categoryStatistics(float categoryTotal, const QList<QDateTime
 
 // A part in per cent of a whole, in single precision, division first.
 float percentOf(float part, float whole);
-// A pie slice holds the total truncated toward zero.
+// A pie slice holds the total truncated toward zero, or the largest (least)
+// int for a total beyond the range of an int, and 0 for one that is NaN.
 int sliceValue(float total);
 // "Food - 42.8571 % ": the Total tab's slice label.
 QString totalSliceLabel(const QString &category, float categoryTotal, float globalTotal);

@@ -49,6 +49,34 @@ bool keyGreatThan(const SortKey &k1, const SortKey &k2)
     return k1.lower > k2.lower;
 }
 
+// A stable merge sort that needs nothing of its comparator but an answer:
+// the graph's comparators are no strict weak order when numbers and texts
+// mix (9 < 10 < 1a < 9), and every standard-library sort requires one. The
+// same values in the same order always come out in the same order.
+template<typename Less> void mergeSort(std::vector<SortKey> &keys, Less less)
+{
+    const size_t count = keys.size();
+    std::vector<SortKey> merged(count);
+    for (size_t width = 1; width < count; width *= 2) {
+        for (size_t low = 0; low < count; low += 2 * width) {
+            const size_t middle = std::min(low + width, count);
+            const size_t high = std::min(low + 2 * width, count);
+            size_t left = low;
+            size_t right = middle;
+            size_t out = low;
+            // The right run's key goes first only when it is less: equal keys
+            // keep their order.
+            while (left < middle && right < high)
+                merged[out++] = std::move(less(keys[right], keys[left]) ? keys[right++] : keys[left++]);
+            while (left < middle)
+                merged[out++] = std::move(keys[left++]);
+            while (right < high)
+                merged[out++] = std::move(keys[right++]);
+        }
+        keys.swap(merged);
+    }
+}
+
 } // namespace
 
 bool caseInsensitiveLessThan(const QString &s1, const QString &s2)
@@ -83,10 +111,8 @@ QStringList ZRLineGraphPrivate::distinctValues(bool useY) const
     keys.reserve(values.size());
     for (const QString &text : std::as_const(values))
         keys.push_back(sortKey(text));
-    // A mix of numbers and texts is not a strict weak order (9 < 10 < 1a < 9),
-    // which can send std::sort out of bounds; a merge sort stays within them.
     // y runs descending so that the greatest value is at the top of the graph.
-    std::stable_sort(keys.begin(), keys.end(), useY ? keyGreatThan : keyLessThan);
+    mergeSort(keys, useY ? keyGreatThan : keyLessThan);
     values.clear();
     for (const SortKey &key : keys)
         values.append(key.text);

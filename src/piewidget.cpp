@@ -7,6 +7,9 @@
 #include <QRadialGradient>
 #include <QStringList>
 
+#include <algorithm>
+#include <limits>
+
 PieWidget::PieWidget(QWidget *parent) : QWidget(parent) { }
 
 void PieWidget::addEntry(const QString &key, int val)
@@ -37,15 +40,20 @@ QSize PieWidget::minimumSizeHint() const
 
 QList<int> PieWidget::pieSpans(const QList<int> &values)
 {
-    int total = 0;
+    // Added in 64 bits: two slices near the largest int would overflow an int.
+    qint64 total = 0;
     for (int value : values)
         total += value;
     QList<int> spans;
     if (total == 0)
         return spans;
     spans.reserve(values.size());
+    // Values of both signs can make a share of many turns; beyond the range of
+    // an int a span takes the nearest int.
+    constexpr double smallest = std::numeric_limits<int>::min();
+    constexpr double largest = std::numeric_limits<int>::max();
     for (int value : values)
-        spans.append(int(double(value) / total * 5760));
+        spans.append(int(std::clamp(double(value) / double(total) * 5760, smallest, largest)));
     return spans;
 }
 
@@ -79,6 +87,8 @@ void PieWidget::paintEvent(QPaintEvent *)
     const int fh = metrics.height();
     const int xWidth = metrics.horizontalAdvance(QLatin1Char('x'));
 
+    // Kept within one turn, which draws the same pie: many spans of many
+    // turns would overflow an int.
     int lastAngleOffset = 0;
     int currentPos = 0;
     for (int i = 0; i < labels.size(); ++i) {
@@ -97,7 +107,7 @@ void PieWidget::paintEvent(QPaintEvent *)
         if (!spans.isEmpty()) {
             painter.setBrush(sheen);
             painter.drawPie(pieRect, lastAngleOffset, spans.at(i));
-            lastAngleOffset += spans.at(i);
+            lastAngleOffset = int((qint64(lastAngleOffset) + spans.at(i)) % 5760);
         }
 
         const QRect swatch = QRect(0, currentPos * 2 * fh, fh, fh).translated(legendRect.topLeft());

@@ -4,6 +4,7 @@
 #include <QtTest>
 
 #include <cmath>
+#include <limits>
 #include <memory>
 #include <vector>
 
@@ -339,6 +340,12 @@ void TestHistoryBuckets::slicesHoldTotalsTruncatedTowardZero_data()
     QTest::newRow("below one") << 0.5f << 0;
     QTest::newRow("whole") << 70.0f << 70;
     QTest::newRow("negative") << -2.5f << -2;
+    QTest::newRow("the largest float below 2^31") << 2147483520.0f << 2147483520;
+    QTest::newRow("beyond the largest int") << 3.0e9f << std::numeric_limits<int>::max();
+    QTest::newRow("infinite") << std::numeric_limits<float>::infinity() << std::numeric_limits<int>::max();
+    QTest::newRow("below the least int") << -3.0e9f << std::numeric_limits<int>::min();
+    QTest::newRow("minus infinity") << -std::numeric_limits<float>::infinity() << std::numeric_limits<int>::min();
+    QTest::newRow("not a number") << std::numeric_limits<float>::quiet_NaN() << 0;
 }
 
 void TestHistoryBuckets::slicesHoldTotalsTruncatedTowardZero()

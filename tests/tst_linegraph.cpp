@@ -246,6 +246,30 @@ private slots:
         QCOMPARE(sortedX.size(), unsortedX.size());
     }
 
+    void numbersAndTextsInOneListSortTheSameWayEveryTime()
+    {
+        // 5 and "5" are one text; "05" is the number 5 again; "abc" is no
+        // number, so it is compared as text with each of the others ('a'
+        // comes after every digit). Descending, the merge goes:
+        //   runs of one:  [5, 05] keep their order (5 > 5 is false),
+        //                 [abc, 40] too ("40" > "abc" is false as text),
+        //                 [300];
+        //   runs of two:  abc before 5 (as text), 40 before 5, then 5, 05;
+        //   runs of four: abc before 300 (as text), 300 before 40.
+        const Points points = {
+            { "a", "5" }, { "b", "5" }, { "c", "05" }, { "d", "abc" }, { "e", "40" }, { "f", "300" }
+        };
+        const QStringList expected = { "abc", "300", "40", "5", "05" };
+        for (int run = 0; run < 20; ++run)
+            QCOMPARE(mirror(points, false, true).yValues(6), expected);
+        // The numbers among themselves run from the greatest down; equal
+        // numbers keep their order of first appearance.
+        const QStringList sorted = mirror(points, false, true).yValues(6);
+        QVERIFY(sorted.indexOf("300") < sorted.indexOf("40"));
+        QVERIFY(sorted.indexOf("40") < sorted.indexOf("5"));
+        QVERIFY(sorted.indexOf("5") < sorted.indexOf("05"));
+    }
+
     // Geometry
 
     void pointsSitInTheMiddleOfTheirSlotsAndSpreadAfterThinning_data()

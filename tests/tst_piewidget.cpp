@@ -7,6 +7,8 @@
 #include <QtMath>
 #include <QtTest>
 
+#include <limits>
+
 namespace {
 
 const QColor background(1, 2, 3);
@@ -131,6 +133,33 @@ private slots:
         QTest::newRow("all values zero") << QList<int> { 0, 0 } << QList<int> {};
         QTest::newRow("values that cancel out") << QList<int> { 4, -4 } << QList<int> {};
         QTest::newRow("no values") << QList<int> {} << QList<int> {};
+        // The total of two values near the largest int does not fit an int.
+        QTest::newRow("two of the largest values share the turn")
+            << QList<int> { std::numeric_limits<int>::max(), std::numeric_limits<int>::max() }
+            << QList<int> { 2880, 2880 };
+        // A total of 1 makes shares of hundreds of millions of turns.
+        QTest::newRow("shares beyond an int take the nearest int")
+            << QList<int> { std::numeric_limits<int>::max(), 1 - std::numeric_limits<int>::max() }
+            << QList<int> { std::numeric_limits<int>::max(), std::numeric_limits<int>::min() };
+    }
+
+    void aPieOfValuesBeyondEveryTurnStillDrawsItsLegend()
+    {
+        // The same shares painted: every angle stays defined, and the legend
+        // shows both rows.
+        PieWidget pie;
+        pie.addEntry(QStringLiteral("Huge"), std::numeric_limits<int>::max());
+        pie.addEntry(QStringLiteral("Refund"), 1 - std::numeric_limits<int>::max());
+        pie.addEntry(QStringLiteral("Small"), 7);
+        pie.resize(pie.sizeHint().width() + 100, qMax(pie.sizeHint().height(), 60));
+        const QImage image = pie.grab().toImage();
+        const int fh = pie.fontMetrics().height();
+        const int legendX = pie.height() + 10;
+        for (int row = 0; row < 3; ++row) {
+            const QColor swatch = image.pixelColor(legendX + 1, 10 + row * 2 * fh + 1);
+            QVERIFY2(swatch != image.pixelColor(pie.width() - 1, pie.height() - 1),
+                     qPrintable(QStringLiteral("legend row %1 is not drawn").arg(row)));
+        }
     }
 
     void spansFollowEachValuesShareOfTheTotal()
