@@ -36,6 +36,15 @@ Entry::Entry()
 }
 Entry::~Entry() = default;
 
+PlaceSpending::PlaceSpending() : NumberOfEntries(0), Total(0.0f), Average(0.0f) { }
+PlaceSpending::~PlaceSpending() = default;
+
+RememberedPlaceSpending::RememberedPlaceSpending()
+    : SNo(0), LocationLongitude(0.0f), LocationLatitude(0.0f), NumberOfEntries(0), Total(0.0f)
+{
+}
+RememberedPlaceSpending::~RememberedPlaceSpending() = default;
+
 namespace {
 
 using Bindings = QList<QPair<QString, QVariant>>;
@@ -215,6 +224,29 @@ HistoricLocation *readHistoricLocation(const QSqlQuery &query)
     location->ReverseGeoLocation = query.value(4).toString();
     location->CoordinateText = query.value(5).toString();
     return location;
+}
+
+PlaceSpending *readPlaceSpending(const QSqlQuery &query)
+{
+    auto *place = new PlaceSpending;
+    place->LocationText = query.value(0).toString();
+    place->NumberOfEntries = query.value(1).toInt();
+    place->Total = query.value(2).toFloat();
+    place->Average = query.value(3).toFloat();
+    place->LastVisit = readDateTime(query.value(4));
+    return place;
+}
+
+RememberedPlaceSpending *readRememberedPlaceSpending(const QSqlQuery &query)
+{
+    auto *place = new RememberedPlaceSpending;
+    place->SNo = query.value(0).toInt();
+    place->LocationName = query.value(1).toString();
+    place->LocationLongitude = query.value(2).toFloat();
+    place->LocationLatitude = query.value(3).toFloat();
+    place->NumberOfEntries = query.value(4).toInt();
+    place->Total = query.value(5).toFloat();
+    return place;
 }
 
 const QString entryColumns = QStringLiteral("select SNo,ItemName,CategoryName,CategoryID,TransactDateTime,Price,"
@@ -718,9 +750,10 @@ template<typename Record, typename Read>
 QList<Record *> DatabaseManager::recordList(const QString &tableCountStatement, const QString &statement,
                                             const Bindings &bindings, Read read)
 {
-    // Every list counts its whole table first, whatever it selects; the
-    // number only sizes the list, which is built the same way regardless.
-    const int tableRows = count(tableCountStatement);
+    // Every list of a table's rows counts the whole table first, whatever it
+    // selects; the number only sizes the list, which is built the same way
+    // regardless. Lists of sums have no table of their own to count.
+    const int tableRows = tableCountStatement.isEmpty() ? 0 : count(tableCountStatement);
     QList<Record *> records;
     records.reserve(tableRows);
     QSqlQuery query;
@@ -1365,6 +1398,43 @@ QList<QDateTime> DatabaseManager::GetAllDistinctDatesOfEntriesOfCategory(QString
     if (!readAllRows(query, [&](const QSqlQuery &row) { dates.append(readDateTime(row.value(0))); }))
         dates.clear();
     return dates;
+}
+
+QList<Items *> DatabaseManager::GetItemCatalogue()
+{
+    // One grouping of the catalogue by name. The row that speaks for a name
+    // is found by its key: the use count times 2^31 plus the row number, so
+    // that the largest key is the most used row and, among rows used equally
+    // often, the newest. Both parts fit below 2^31, the key below 2^63.
+    return recordList<Items>(
+        QString(),
+        QStringLiteral("select Items.SNo,Items.ItemName,CategoryName,CategoryID,LastPrice,NameUses from (select "
+                       "sum(coalesce(UseFrequency, 0)) as NameUses,max(SNo) as NewestRow,max(max(coalesce("
+                       "UseFrequency, 0), 0) * 2147483648 + SNo) as MostUsedKey from Items group by ItemName) join "
+                       "Items on Items.SNo = MostUsedKey % 2147483648 order by NameUses desc, NewestRow desc"),
+        {}, readItem);
+}
+
+QList<PlaceSpending *> DatabaseManager::GetSpendingPerPlace()
+{
+    return recordList<PlaceSpending>(
+        QString(),
+        QStringLiteral("select coalesce(LocationText, '') as Place,count(*),sum(Price),avg(Price),"
+                       "max(TransactDateTime) from Entry group by Place order by sum(Price) desc, Place"),
+        {}, readPlaceSpending);
+}
+
+QList<RememberedPlaceSpending *> DatabaseManager::GetSpendingPerRememberedPlace()
+{
+    // The place's number is its row's key, so SQLite looks each entry's
+    // place up instead of scanning the places once per entry.
+    return recordList<RememberedPlaceSpending>(
+        QString(),
+        QStringLiteral("select HistoricLocation.SNo,LocationName,LocationLongitude,LocationLatitude,"
+                       "count(Entry.SNo),sum(Price) from Entry join HistoricLocation on Entry.GeoLocID = "
+                       "HistoricLocation.SNo group by HistoricLocation.SNo order by sum(Price) desc, "
+                       "HistoricLocation.SNo"),
+        {}, readRememberedPlaceSpending);
 }
 
 // Counts

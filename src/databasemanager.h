@@ -97,6 +97,37 @@ public:
     int ItemID;
 };
 
+// What the entries at one place text add up to: a line of the places
+// report, grouped from table Entry, not a row of a table of its own.
+class PlaceSpending
+{
+public:
+    PlaceSpending();
+    ~PlaceSpending();
+
+    QString LocationText;
+    int NumberOfEntries;
+    float Total;
+    float Average;
+    QDateTime LastVisit;
+};
+
+// A remembered place (a HistoricLocation row) with what the entries that
+// point at it (by GeoLocID) add up to.
+class RememberedPlaceSpending
+{
+public:
+    RememberedPlaceSpending();
+    ~RememberedPlaceSpending();
+
+    int SNo;
+    QString LocationName;
+    float LocationLongitude;
+    float LocationLatitude;
+    int NumberOfEntries;
+    float Total;
+};
+
 // Owns the records of one list that the store returned and deletes them with
 // itself; it reads like the list (range-for, size(), at(), list()). Made by
 // owned(): `const auto entries = owned(store.GetAllEntries());`.
@@ -228,6 +259,21 @@ public:
     QList<HistoricLocation *> GetAllHistoricLocation();
     QList<QString> GetListOfAllDistinctCategoriesOfAllEntries();
     QList<QDateTime> GetAllDistinctDatesOfEntriesOfCategory(QString catName);
+
+    // The item catalogue as the new-entry page offers it: each item name
+    // once, whatever its categories. UseFrequency is the sum over the name's
+    // rows; SNo, CategoryName, CategoryID and LastPrice are those of its most
+    // used row (of rows used equally often, the newest). The most used names
+    // come first; of names used equally often, the newest, which is the one
+    // whose newest row was added last (the highest SNo).
+    QList<Items *> GetItemCatalogue();
+    // Every place text that entries use, once, with the number, sum, average
+    // and newest date of its entries; the largest sum first. Entries without
+    // a place text count under the empty text.
+    QList<PlaceSpending *> GetSpendingPerPlace();
+    // Every remembered place that at least one entry points at, with the
+    // number and sum of those entries; the largest sum first.
+    QList<RememberedPlaceSpending *> GetSpendingPerRememberedPlace();
 
     // Counts
     int GetTotalNumberOfEntries();

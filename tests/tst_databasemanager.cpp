@@ -255,6 +255,12 @@ private slots:
     void aFullFileRefusesAnEntryWholeAndTakesItOnceThereIsRoom();
     void aLockedFileFailsAnEntryAfterOneWaitAndLeavesNothingHalfWritten();
     void anEntryAddedInsideACallersTransactionGoesWithIt();
+
+    // The catalogue and the places at work
+    void theCatalogueListsEachNameOnceTheMostUsedFirstWithItsMostUsedRow();
+    void catalogueNamesUsedEquallyOftenComeNewestFirst();
+    void spendingPerPlaceSumsTheEntriesOfEachPlaceTextLargestFirst();
+    void spendingPerRememberedPlaceCountsOnlyTheEntriesThatPointAtIt();
 };
 
 void tst_DatabaseManager::init()
@@ -611,6 +617,9 @@ void tst_DatabaseManager::anUnopenedStoreAnswersEveryOperationWithItsFailureValu
     QVERIFY(owned(store->GetAllHistoricLocation()).isEmpty());
     QVERIFY(store->GetListOfAllDistinctCategoriesOfAllEntries().isEmpty());
     QVERIFY(store->GetAllDistinctDatesOfEntriesOfCategory(drinks).isEmpty());
+    QVERIFY(owned(store->GetItemCatalogue()).isEmpty());
+    QVERIFY(owned(store->GetSpendingPerPlace()).isEmpty());
+    QVERIFY(owned(store->GetSpendingPerRememberedPlace()).isEmpty());
 
     // Counts: 0
     QCOMPARE(store->GetTotalNumberOfEntries(), 0);
@@ -1863,6 +1872,173 @@ void tst_DatabaseManager::anEntryAddedInsideACallersTransactionGoesWithIt()
     QVERIFY(store->AddEntry(&entry));
     QVERIFY(connection.commit());
     QCOMPARE(raw.scalar(QStringLiteral("SELECT count(*) FROM Entry")).toInt(), 6);
+}
+
+// The catalogue and the places at work
+
+void tst_DatabaseManager::theCatalogueListsEachNameOnceTheMostUsedFirstWithItsMostUsedRow()
+{
+    auto store = startStore();
+    QVERIFY(owned(store->GetItemCatalogue()).isEmpty());
+
+    struct Bought
+    {
+        const char *item;
+        const char *category;
+        float price;
+    };
+    // Coffee: four times as a drink, last at 2.5, then once as food at 4;
+    // coffee beans twice, last at 12; Cake once, at 3.
+    const Bought bought[] = {
+        { "Coffee", "Drinks", 2.0f }, { "Cake", "Food", 3.0f },
+        { "Coffee", "Drinks", 3.0f }, { "coffee beans", "Groceries", 11.0f },
+        { "Coffee", "Drinks", 2.0f }, { "Coffee", "Drinks", 2.5f },
+        { "Coffee", "Food", 4.0f },   { "coffee beans", "Groceries", 12.0f },
+    };
+    int day = 1;
+    for (const Bought &purchase : bought) {
+        Entry entry = makeEntry(QLatin1String(purchase.item), QLatin1String(purchase.category), at(2026, 5, day++),
+                                purchase.price);
+        QVERIFY(store->AddEntry(&entry));
+    }
+
+    const auto catalogue = owned(store->GetItemCatalogue());
+    QCOMPARE(itemNames(catalogue),
+             QStringList({ QStringLiteral("Coffee"), QStringLiteral("coffee beans"), QStringLiteral("Cake") }));
+    // Uses summed over the name's rows; price and category of the most used.
+    QCOMPARE(catalogue[0]->UseFrequency, 5);
+    QCOMPARE(catalogue[0]->CategoryName, QStringLiteral("Drinks"));
+    QCOMPARE(catalogue[0]->CategoryID, 2);
+    QCOMPARE(catalogue[0]->LastPrice, 2.5f);
+    QCOMPARE(catalogue[0]->SNo, store->GetItemID(QStringLiteral("Coffee"), QStringLiteral("Drinks")));
+    QCOMPARE(catalogue[1]->UseFrequency, 2);
+    QCOMPARE(catalogue[1]->CategoryName, QStringLiteral("Groceries"));
+    QCOMPARE(catalogue[1]->LastPrice, 12.0f);
+    QCOMPARE(catalogue[2]->UseFrequency, 1);
+    QCOMPARE(catalogue[2]->CategoryName, QStringLiteral("Food"));
+    QCOMPARE(catalogue[2]->CategoryID, 1);
+    QCOMPARE(catalogue[2]->LastPrice, 3.0f);
+    // The catalogue itself still has a row per name and category.
+    QCOMPARE(store->GetTotalNumberOfItems(), 4);
+}
+
+void tst_DatabaseManager::catalogueNamesUsedEquallyOftenComeNewestFirst()
+{
+    auto store = startStore();
+    const auto use = [&store](const char *name, const char *category, float price) {
+        Items item = makeItem(QLatin1String(name), QLatin1String(category), price);
+        return store->AddItem(&item);
+    };
+    // Rows 1 to 4 as they are first used; row 5 is Tea's second row.
+    QVERIFY(use("Tea", "Drinks", 1.0f));
+    QVERIFY(use("Milk", "Drinks", 1.0f));
+    QVERIFY(use("Juice", "Drinks", 1.0f));
+    QVERIFY(use("Water", "Drinks", 1.0f));
+    QVERIFY(use("Tea", "Drinks", 1.1f));
+    QVERIFY(use("Milk", "Drinks", 1.2f));
+    QVERIFY(use("Milk", "Drinks", 1.3f));
+    QVERIFY(use("Tea", "Food", 0.8f));
+
+    // Tea and Milk are used three times each. Tea's newest row (5) is newer
+    // than Milk's (2), although the row that speaks for Tea, the one used
+    // most, is row 1. Water (row 4) and Juice (row 3) once each.
+    const auto catalogue = owned(store->GetItemCatalogue());
+    QCOMPARE(itemNames(catalogue),
+             QStringList(
+                 { QStringLiteral("Tea"), QStringLiteral("Milk"), QStringLiteral("Water"), QStringLiteral("Juice") }));
+    QCOMPARE(catalogue[0]->UseFrequency, 3);
+    QCOMPARE(catalogue[0]->SNo, 1);
+    QCOMPARE(catalogue[0]->CategoryName, QStringLiteral("Drinks"));
+    QCOMPARE(catalogue[0]->LastPrice, 1.1f);
+    QCOMPARE(catalogue[1]->UseFrequency, 3);
+    QCOMPARE(catalogue[1]->LastPrice, 1.3f);
+
+    // Of two rows of a name used equally often, the newer speaks for it.
+    QVERIFY(use("Water", "Food", 0.5f));
+    const auto again = owned(store->GetItemCatalogue());
+    QCOMPARE(itemNames(again).at(2), QStringLiteral("Water"));
+    QCOMPARE(again[2]->SNo, 6);
+    QCOMPARE(again[2]->CategoryName, QStringLiteral("Food"));
+    QCOMPARE(again[2]->LastPrice, 0.5f);
+}
+
+void tst_DatabaseManager::spendingPerPlaceSumsTheEntriesOfEachPlaceTextLargestFirst()
+{
+    auto store = startStore();
+    QVERIFY(owned(store->GetSpendingPerPlace()).isEmpty());
+    const QList<Entry> entries = {
+        makeEntry(QStringLiteral("Bread"), QStringLiteral("Food"), at(2026, 3, 1, 18, 30), 3.0f,
+                  QStringLiteral("Market")),
+        makeEntry(QStringLiteral("Ferry"), QStringLiteral("Others"), at(2026, 2, 2, 9, 0), 10.0f,
+                  QStringLiteral("Harbour")),
+        makeEntry(QStringLiteral("Milk"), QStringLiteral("Food"), at(2026, 1, 10, 8, 0), 2.5f,
+                  QStringLiteral("Market")),
+        makeEntry(QStringLiteral("Gum"), QStringLiteral("Food"), at(2026, 4, 4, 16, 0), 0.5f, QString("")),
+    };
+    for (Entry entry : entries)
+        QVERIFY(store->AddEntry(&entry));
+    {
+        // A row written by another program, without a place text at all.
+        RawDatabase raw(home->databasePath());
+        QVERIFY(raw.insertEntry(QStringLiteral("Stamp"), QStringLiteral("Others"), at(2026, 1, 1, 12, 0), 1.0,
+                                QString()) > 0);
+        QVERIFY(raw.scalar(QStringLiteral("select count(*) from Entry where LocationText is null")).toInt() == 1);
+    }
+
+    const auto places = owned(store->GetSpendingPerPlace());
+    QCOMPARE(places.size(), 3);
+    QCOMPARE(places[0]->LocationText, QStringLiteral("Harbour"));
+    QCOMPARE(places[0]->NumberOfEntries, 1);
+    QCOMPARE(places[0]->Total, 10.0f);
+    QCOMPARE(places[0]->Average, 10.0f);
+    QCOMPARE(places[0]->LastVisit, at(2026, 2, 2, 9, 0));
+    QCOMPARE(places[1]->LocationText, QStringLiteral("Market"));
+    QCOMPARE(places[1]->NumberOfEntries, 2);
+    QCOMPARE(places[1]->Total, 5.5f);
+    QCOMPARE(places[1]->Average, 2.75f);
+    QCOMPARE(places[1]->LastVisit, at(2026, 3, 1, 18, 30));
+    // No place text and an empty one are the same place.
+    QCOMPARE(places[2]->LocationText, QString());
+    QCOMPARE(places[2]->NumberOfEntries, 2);
+    QCOMPARE(places[2]->Total, 1.5f);
+    QCOMPARE(places[2]->Average, 0.75f);
+    QCOMPARE(places[2]->LastVisit, at(2026, 4, 4, 16, 0));
+}
+
+void tst_DatabaseManager::spendingPerRememberedPlaceCountsOnlyTheEntriesThatPointAtIt()
+{
+    auto store = startStore();
+    const QList<Entry> entries = {
+        makeEntry(QStringLiteral("Ferry"), QStringLiteral("Others"), at(2026, 2, 2), 4.0f, QStringLiteral("Harbour"),
+                  true, 103.85f, 1.28f),
+        makeEntry(QStringLiteral("Lunch"), QStringLiteral("Food"), at(2026, 2, 3), 20.0f, QStringLiteral("Pune"), true,
+                  73.85f, 18.52f),
+        makeEntry(QStringLiteral("Ferry"), QStringLiteral("Others"), at(2026, 2, 4), 6.0f, QStringLiteral("Harbour"),
+                  true, 103.85f, 1.28f),
+        // At the harbour by name only, without a geolocation.
+        makeEntry(QStringLiteral("Ice cream"), QStringLiteral("Food"), at(2026, 2, 5), 100.0f,
+                  QStringLiteral("Harbour")),
+    };
+    for (Entry entry : entries)
+        QVERIFY(store->AddEntry(&entry));
+    // A remembered place that no entry points at.
+    HistoricLocation unvisited = makePlace(QStringLiteral("Airport"), 103.99f, 1.36f);
+    QVERIFY(store->AddHistoricLocation(&unvisited));
+
+    const auto places = owned(store->GetSpendingPerRememberedPlace());
+    QCOMPARE(places.size(), 2);
+    QCOMPARE(places[0]->LocationName, QStringLiteral("Pune"));
+    QCOMPARE(places[0]->SNo, 2);
+    QCOMPARE(places[0]->LocationLongitude, 73.85f);
+    QCOMPARE(places[0]->LocationLatitude, 18.52f);
+    QCOMPARE(places[0]->NumberOfEntries, 1);
+    QCOMPARE(places[0]->Total, 20.0f);
+    QCOMPARE(places[1]->LocationName, QStringLiteral("Harbour"));
+    QCOMPARE(places[1]->SNo, 1);
+    QCOMPARE(places[1]->LocationLongitude, 103.85f);
+    QCOMPARE(places[1]->LocationLatitude, 1.28f);
+    QCOMPARE(places[1]->NumberOfEntries, 2);
+    QCOMPARE(places[1]->Total, 10.0f);
 }
 
 QTEST_GUILESS_MAIN(tst_DatabaseManager)
