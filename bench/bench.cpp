@@ -33,20 +33,6 @@ const QString entryColumns = QStringLiteral("select SNo,ItemName,CategoryName,Ca
                                             "LocationText,EnableGeoLoc,GeoLocID,GeoLocLongit,GeoLocLatit,ItemID "
                                             "from Entry");
 
-// Median of `runs` timings in milliseconds.
-double medianMs(int runs, const std::function<void()> &work)
-{
-    std::vector<double> times;
-    for (int i = 0; i < runs; ++i) {
-        QElapsedTimer timer;
-        timer.start();
-        work();
-        times.push_back(double(timer.nsecsElapsed()) / 1e6);
-    }
-    std::sort(times.begin(), times.end());
-    return times[times.size() / 2];
-}
-
 #ifdef LEDGERLY_HAVE_SQLITE3
 // Reads every column of every row, as a caller of the C API would, and
 // returns the row count.
