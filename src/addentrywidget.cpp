@@ -9,6 +9,9 @@
 #include "notice.h"
 #include "settings.h"
 
+#include <QAbstractItemView>
+#include <QApplication>
+#include <QCompleter>
 #include <QDate>
 #include <QKeyEvent>
 #include <QNetworkAccessManager>
@@ -17,11 +20,15 @@
 #include <QRegularExpression>
 #include <QRegularExpressionValidator>
 #include <QShowEvent>
+#include <QStringListModel>
+
+#include <cmath>
 
 #include <memory>
 
 AddEntryWidget::AddEntryWidget(QPointer<DatabaseManager> dbManager, QWidget *parent)
-    : QWidget(parent), ui(new Ui::AddEntryWidget), dbManager(dbManager), latitude(0.0f), longitude(0.0f)
+    : QWidget(parent), ui(new Ui::AddEntryWidget), dbManager(dbManager), latitude(0.0f), longitude(0.0f),
+      itemCompleter(nullptr), categoryChosen(false)
 {
     ui->setupUi(this);
     Look::applyButtonFontWeight(ui->pushButtonAdd);
@@ -36,6 +43,7 @@ AddEntryWidget::AddEntryWidget(QPointer<DatabaseManager> dbManager, QWidget *par
 
     if (this->dbManager)
         AddCategoriesToComboBox(owned(this->dbManager->GetAllCategories()).list());
+    setUpItemCompletion();
 
     // The keyboard walks the form top to bottom, starting on the name (see
     // showEvent()); Return or Enter in a text field presses Add.
@@ -55,7 +63,73 @@ AddEntryWidget::AddEntryWidget(QPointer<DatabaseManager> dbManager, QWidget *par
 
 AddEntryWidget::~AddEntryWidget()
 {
+    // A page that goes while its name field has the focus moves the focus
+    // away as it closes, after this destructor: the field would report its
+    // editing finished to a page whose catalogue is gone.
+    ui->lineEditItemName->disconnect(this);
     delete ui;
+}
+
+void AddEntryWidget::setUpItemCompletion()
+{
+    // Read once: items added from this page are offered from the next page.
+    QStringList names;
+    if (dbManager) {
+        const auto items = owned(dbManager->GetItemCatalogue());
+        names.reserve(items.size());
+        catalogue.reserve(items.size());
+        for (const Items *item : items) {
+            names.append(item->ItemName);
+            catalogue.insert(item->ItemName, CatalogueItem { item->LastPrice, item->CategoryName });
+        }
+    }
+
+    // The store's order, the most used first, is the order of the list.
+    itemCompleter = new QCompleter(new QStringListModel(names, this), this);
+    itemCompleter->setModelSorting(QCompleter::UnsortedModel);
+    itemCompleter->setCaseSensitivity(Qt::CaseInsensitive);
+    itemCompleter->setFilterMode(Qt::MatchContains);
+    itemCompleter->setCompletionMode(QCompleter::PopupCompletion);
+    ui->lineEditItemName->setCompleter(itemCompleter);
+    // The list is a window of its own, out of reach of the page's style
+    // sheet: it gets the colours of the program's other drop-down lists.
+    Look::applyToPopUpList(itemCompleter->popup());
+
+    connect(itemCompleter, qOverload<const QString &>(&QCompleter::activated), this,
+            &AddEntryWidget::offerCatalogueItem);
+    // A name typed out in full counts as picked once the user moves on to
+    // another field. Not when the user moves on by pressing Add: Add stores
+    // what the page showed when it was pressed. The focus has already moved
+    // when the field reports that its editing is finished.
+    connect(ui->lineEditItemName, &QLineEdit::editingFinished, this, [this] {
+        if (QApplication::focusWidget() != ui->pushButtonAdd)
+            offerCatalogueItem(ui->lineEditItemName->text());
+    });
+    connect(ui->comboBoxCategory, qOverload<int>(&QComboBox::activated), this, [this] { categoryChosen = true; });
+}
+
+void AddEntryWidget::offerCatalogueItem(const QString &itemName)
+{
+    const auto found = catalogue.constFind(itemName);
+    if (found == catalogue.constEnd() || !ui->lineEditAmount->text().isEmpty())
+        return;
+
+    // In the form the amount field accepts (12.50); a stored price that the
+    // field or Add would refuse, a negative or a huge one say, is not
+    // offered.
+    QString amount;
+    if (std::isfinite(found->lastPrice))
+        amount = QString::number(double(found->lastPrice), 'f', 2);
+    int position = 0;
+    if (!amount.isEmpty() && ui->lineEditAmount->validator()->validate(amount, position) == QValidator::Acceptable &&
+        !Amount::isTooLarge(amount))
+        ui->lineEditAmount->setText(amount);
+
+    if (!categoryChosen) {
+        const int index = ui->comboBoxCategory->findText(found->categoryName, Qt::MatchExactly);
+        if (index >= 0)
+            ui->comboBoxCategory->setCurrentIndex(index);
+    }
 }
 
 void AddEntryWidget::startLocationLookup()
@@ -125,7 +199,18 @@ bool AddEntryWidget::eventFilter(QObject *watched, QEvent *event)
     // an amount its validator accepts, while Add reads "12" all the same.
     if (event->type() == QEvent::KeyPress) {
         const int key = static_cast<QKeyEvent *>(event)->key();
-        if ((key == Qt::Key_Return || key == Qt::Key_Enter) &&
+        const bool returnKey = key == Qt::Key_Return || key == Qt::Key_Enter;
+        // Return while the list of names is open belongs to the list: it
+        // picks the highlighted name, or only closes the list, and never
+        // presses Add. The window system hands the keys typed then to the
+        // list, which passes them on to the field past this filter; a key
+        // that reaches the field all the same goes the list's way too.
+        QWidget *list = itemCompleter->popup();
+        if (returnKey && watched == ui->lineEditItemName && list->isVisible()) {
+            QCoreApplication::sendEvent(list, event);
+            return true;
+        }
+        if (returnKey &&
             (watched == ui->lineEditItemName || watched == ui->lineEditAmount || watched == ui->lineEditLocation)) {
             ui->pushButtonAdd->click();
             return true;
@@ -204,10 +289,17 @@ void AddEntryWidget::CheckFieldsFunction()
     }
     Notice::inform(tr("Entry added to the database successfully"));
 
-    // The category stays selected for the next entry.
+    clearFields();
+}
+
+void AddEntryWidget::clearFields()
+{
     ui->lineEditItemName->clear();
     ui->lineEditAmount->clear();
     ui->lineEditLocation->clear();
     ui->checkBoxGeoLocation->setChecked(false);
     ui->dateEdit->setDate(QDate::currentDate());
+    // The category stays selected for the next entry, but as a suggestion:
+    // the next item picked may bring its own.
+    categoryChosen = false;
 }

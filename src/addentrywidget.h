@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QHash>
 #include <QList>
 #include <QPointer>
 #include <QString>
@@ -7,6 +8,7 @@
 
 class Category;
 class DatabaseManager;
+class QCompleter;
 class QNetworkReply;
 
 namespace Ui {
@@ -15,7 +17,9 @@ class AddEntryWidget;
 
 // The page on which the user records one expense. It asks the IP-geolocation
 // service where the device is when it opens and again on every Add, and can
-// attach the latest answer to the entry. The store is only borrowed.
+// attach the latest answer to the entry. The item name completes from the
+// catalogue of items bought before, and a name picked from it brings its
+// last price and category along. The store is only borrowed.
 class AddEntryWidget : public QWidget
 {
     Q_OBJECT
@@ -38,7 +42,20 @@ private slots:
     void handleNetworkData(QNetworkReply *reply);
 
 private:
+    // What the catalogue knows of an item name: the amount and category a
+    // pick of the name offers.
+    struct CatalogueItem
+    {
+        float lastPrice;
+        QString categoryName;
+    };
+
     void startLocationLookup();
+    void setUpItemCompletion();
+    // Fills in the amount and the category of a catalogue item, as far as
+    // the user has not chosen them.
+    void offerCatalogueItem(const QString &itemName);
+    void clearFields();
 
     Ui::AddEntryWidget *ui;
     QPointer<DatabaseManager> dbManager;
@@ -48,4 +65,9 @@ private:
     QString ipAddress;
     QString city;
     QString region;
+    QHash<QString, CatalogueItem> catalogue;
+    QCompleter *itemCompleter;
+    // Whether the user chose the category of the entry being typed; a
+    // picked item then leaves it alone.
+    bool categoryChosen;
 };

@@ -128,6 +128,11 @@ void Look::applyHighlights(QMenuBar *menuBar, QWidget *area)
     area->setStyleSheet(QStringLiteral("QComboBox { %1 }").arg(colours));
 }
 
+void Look::applyToPopUpList(QWidget *list)
+{
+    list->setPalette(popUpPalette(list->palette()));
+}
+
 QIcon Look::applicationIcon()
 {
     QIcon icon;

@@ -41,6 +41,11 @@ public:
     // the highlight as well, so these few rules name it.
     static void applyHighlights(QMenuBar *menuBar, QWidget *area);
 
+    // A list that pops up as a window of its own, such as a completer's,
+    // where neither the window's style sheet nor the menus' colours reach:
+    // light items on black with the dark red highlight.
+    static void applyToPopUpList(QWidget *list);
+
     // The program's icon, from the resource bundle: the PNGs that are
     // installed into the hicolor theme, so that an uninstalled build shows
     // the same icon on its window.

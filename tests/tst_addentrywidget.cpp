@@ -14,8 +14,10 @@
 #include "testsupport.h"
 #include "widgettest.h"
 
+#include <QAbstractItemView>
 #include <QCheckBox>
 #include <QComboBox>
+#include <QCompleter>
 #include <QDateEdit>
 #include <QElapsedTimer>
 #include <QLabel>
@@ -118,6 +120,81 @@ struct PageFixture
     AddEntryWidget page;
 };
 
+// A page over a catalogue of items bought before: Coffee (used five times,
+// last at 2.5, as a drink), Cake (once, at 3, food) and coffee beans (twice,
+// last at 12, groceries), written before the page opens.
+struct CatalogueFixture
+{
+    // More rows, in the form "('Name', 'Category', 1, 2.5, 1)", come after.
+    explicit CatalogueFixture(const QStringList &moreRows = {}) : store(nullptr)
+    {
+        RawDatabase raw(home.databasePath());
+        const QStringList rows = QStringList { "('Coffee', 'Drinks', 2, 2.5, 5)", "('Cake', 'Food', 1, 3, 1)",
+                                               "('coffee beans', 'Groceries', 13, 12, 2)" } +
+            moreRows;
+        for (const QString &row : rows) {
+            if (!raw.exec(QStringLiteral("INSERT INTO Items (ItemName,CategoryName,CategoryID,LastPrice,UseFrequency) "
+                                         "VALUES %1")
+                              .arg(row)))
+                qFatal("cannot write the catalogue: %s", qPrintable(raw.lastError()));
+        }
+        page = std::make_unique<AddEntryWidget>(QPointer<DatabaseManager>(&store), nullptr);
+    }
+
+    // Shows the page, whose name field then has the focus: the list of
+    // names belongs to the field that has it.
+    bool show()
+    {
+        page->show();
+        return QTest::qWaitForWindowActive(page.get()) && QTest::qWaitFor([this] { return name()->hasFocus(); });
+    }
+
+    QLineEdit *name() { return child<QLineEdit>(*page, "lineEditItemName"); }
+    QLineEdit *amount() { return child<QLineEdit>(*page, "lineEditAmount"); }
+    QLineEdit *place() { return child<QLineEdit>(*page, "lineEditLocation"); }
+    QComboBox *category() { return child<QComboBox>(*page, "comboBoxCategory"); }
+    QCompleter *completer() { return name()->completer(); }
+    QAbstractItemView *list() { return completer()->popup(); }
+
+    // The names the open list offers, top to bottom.
+    QStringList offered()
+    {
+        QStringList names;
+        const QAbstractItemModel *model = list()->model();
+        for (int row = 0; row < model->rowCount(); ++row)
+            names.append(model->index(row, 0).data().toString());
+        return names;
+    }
+
+    // Types into the name field and waits for the list of names to be on
+    // screen.
+    bool openList(const QString &typed)
+    {
+        QTest::keyClicks(name(), typed);
+        return QTest::qWaitFor([this] { return list()->isVisible(); }) && QTest::qWaitForWindowExposed(list());
+    }
+
+    // Picks a name with the keys, as a user does: types `typed`, moves down
+    // the list `rows` times and presses Return; true once the list closed.
+    bool pickWithKeys(const QString &typed, int rows)
+    {
+        if (!openList(typed))
+            return false;
+        for (int row = 0; row < rows; ++row)
+            keyToList(Qt::Key_Down);
+        keyToList(Qt::Key_Return);
+        return QTest::qWaitFor([this] { return !list()->isVisible(); });
+    }
+
+    // A key as the user presses it while the list is open: the window
+    // system hands it to the open list, not to the field.
+    void keyToList(Qt::Key key) { QTest::keyClick(list()->windowHandle(), key); }
+
+    TempHome home;
+    DatabaseManager store;
+    std::unique_ptr<AddEntryWidget> page;
+};
+
 QList<QVariantList> storedEntries(const TempHome &home)
 {
     RawDatabase raw(home.databasePath());
@@ -201,6 +278,19 @@ private slots:
     void returnInATextFieldGivesTheMessagesOfAdd();
     void tabWalksFromTheNameDownToAdd();
     void theNameFieldHasTheFocusWhenThePageOpens();
+
+    // Item completion
+    void typingOffersTheCatalogueNamesThatHoldItMostUsedFirst();
+    void pickingANameWithAnEmptyAmountFillsItsLastPriceAndCategory();
+    void pickingANameKeepsAnAmountAlreadyTyped();
+    void pickingANameKeepsACategoryTheUserChose();
+    void aCatalogueNameTypedInFullCountsAsPickedWhenTheUserMovesOn();
+    void aStoredPriceThatAddWouldRefuseIsNotOffered_data();
+    void aStoredPriceThatAddWouldRefuseIsNotOffered();
+    void pressingAddStoresTheFieldsAsTheyWereWithoutFillingThem();
+    void theSavedEntryIsExactlyWhatThePageShowed();
+    void returnWithTheListOpenPicksTheNameAndDoesNotPressAdd();
+    void aPageOnAnEmptyCatalogueHasACompleterWithoutRows();
 
     // The reply parser
     void parserReadsWhatTheReplySays_data();
@@ -1166,6 +1256,239 @@ void TestAddEntryWidget::theNameFieldHasTheFocusWhenThePageOpens()
     f.click("pushButtonNewEntry");
     QTRY_COMPARE(QApplication::focusWidget(), child<QLineEdit>(*f.page(), "lineEditItemName"));
     QVERIFY(child<QLineEdit>(*f.page(), "lineEditItemName")->text().isEmpty());
+}
+
+// ---------------------------------------------------------- item completion
+
+void TestAddEntryWidget::typingOffersTheCatalogueNamesThatHoldItMostUsedFirst()
+{
+    CatalogueFixture f;
+    QVERIFY(f.show());
+    QCOMPARE(f.completer()->model()->rowCount(), 3);
+    QCOMPARE(f.completer()->caseSensitivity(), Qt::CaseInsensitive);
+    QCOMPARE(f.completer()->filterMode(), Qt::MatchContains);
+    QCOMPARE(f.completer()->completionMode(), QCompleter::PopupCompletion);
+
+    QVERIFY(f.openList(QStringLiteral("co")));
+    QCOMPARE(f.offered(), (QStringList { "Coffee", "coffee beans" }));
+
+    // Anywhere in the name, whatever the case.
+    f.name()->clear();
+    QVERIFY(f.openList(QStringLiteral("AK")));
+    QCOMPARE(f.offered(), QStringList { "Cake" });
+    QTest::keyClicks(f.name(), QStringLiteral("x"));
+    QTRY_VERIFY(!f.list()->isVisible());
+
+    // Offering changes none of the other fields.
+    QVERIFY(f.amount()->text().isEmpty());
+    QCOMPARE(f.category()->currentText(), QStringLiteral("Food"));
+}
+
+void TestAddEntryWidget::pickingANameWithAnEmptyAmountFillsItsLastPriceAndCategory()
+{
+    CatalogueFixture f;
+    QVERIFY(f.show());
+    MessageBoxAnswerer answerer;
+    QVERIFY(f.openList(QStringLiteral("co")));
+
+    // Picked with the mouse.
+    const QRect coffee = f.list()->visualRect(f.list()->model()->index(0, 0));
+    QTest::mouseClick(f.list()->viewport(), Qt::LeftButton, Qt::NoModifier, coffee.center());
+
+    QTRY_VERIFY(!f.list()->isVisible());
+    QCOMPARE(f.name()->text(), QStringLiteral("Coffee"));
+    QCOMPARE(f.amount()->text(), QStringLiteral("2.50"));
+    QVERIFY(f.amount()->hasAcceptableInput());
+    QCOMPARE(f.category()->currentText(), QStringLiteral("Drinks"));
+    QVERIFY(answerer.seen().isEmpty());
+    QCOMPARE(storedEntryCount(f.home), 0);
+}
+
+void TestAddEntryWidget::pickingANameKeepsAnAmountAlreadyTyped()
+{
+    CatalogueFixture f;
+    QVERIFY(f.show());
+    QTest::keyClicks(f.amount(), QStringLiteral("3.00"));
+    f.name()->setFocus();
+    QTRY_VERIFY(f.name()->hasFocus());
+    QVERIFY(f.pickWithKeys(QStringLiteral("co"), 1));
+    QCOMPARE(f.name()->text(), QStringLiteral("Coffee"));
+    QCOMPARE(f.amount()->text(), QStringLiteral("3.00"));
+    QCOMPARE(f.category()->currentText(), QStringLiteral("Food"));
+}
+
+void TestAddEntryWidget::pickingANameKeepsACategoryTheUserChose()
+{
+    CatalogueFixture f;
+    QVERIFY(f.show());
+    // The user picks Gifts with the keyboard.
+    f.category()->setFocus();
+    QTRY_VERIFY(f.category()->hasFocus());
+    const int gifts = f.category()->findText(QStringLiteral("Gifts"));
+    QVERIFY(gifts > 0);
+    for (int step = 0; step < gifts; ++step)
+        QTest::keyClick(f.category(), Qt::Key_Down);
+    QCOMPARE(f.category()->currentText(), QStringLiteral("Gifts"));
+
+    f.name()->setFocus();
+    QTRY_VERIFY(f.name()->hasFocus());
+    QVERIFY(f.pickWithKeys(QStringLiteral("co"), 1));
+    QCOMPARE(f.amount()->text(), QStringLiteral("2.50"));
+    QCOMPARE(f.category()->currentText(), QStringLiteral("Gifts"));
+}
+
+void TestAddEntryWidget::aCatalogueNameTypedInFullCountsAsPickedWhenTheUserMovesOn()
+{
+    {
+        CatalogueFixture f;
+        QVERIFY(f.show());
+        QVERIFY(f.openList(QStringLiteral("coffee beans")));
+        // Tab goes on to the amount, closing the list on the way.
+        f.keyToList(Qt::Key_Tab);
+
+        QTRY_VERIFY(f.amount()->hasFocus());
+        QVERIFY(!f.list()->isVisible());
+        QCOMPARE(f.amount()->text(), QStringLiteral("12.00"));
+        QCOMPARE(f.category()->currentText(), QStringLiteral("Groceries"));
+    }
+
+    // A name that only differs in case is another item.
+    CatalogueFixture f;
+    QVERIFY(f.show());
+    QVERIFY(f.openList(QStringLiteral("cake")));
+    f.keyToList(Qt::Key_Tab);
+    QTRY_VERIFY(f.amount()->hasFocus());
+    QVERIFY(f.amount()->text().isEmpty());
+    QCOMPARE(f.category()->currentText(), QStringLiteral("Food"));
+}
+
+void TestAddEntryWidget::aStoredPriceThatAddWouldRefuseIsNotOffered_data()
+{
+    QTest::addColumn<QString>("row");
+    QTest::newRow("negative") << QStringLiteral("('Refund', 'Gifts', 14, -3, 1)");
+    QTest::newRow("beyond the largest amount") << QStringLiteral("('Refund', 'Gifts', 14, 123456789, 1)");
+}
+
+void TestAddEntryWidget::aStoredPriceThatAddWouldRefuseIsNotOffered()
+{
+    QFETCH(QString, row);
+    CatalogueFixture f({ row });
+    QVERIFY(f.show());
+    QVERIFY(f.pickWithKeys(QStringLiteral("Ref"), 1));
+
+    QCOMPARE(f.name()->text(), QStringLiteral("Refund"));
+    QVERIFY(f.amount()->text().isEmpty());
+    // The category comes all the same.
+    QCOMPARE(f.category()->currentText(), QStringLiteral("Gifts"));
+}
+
+void TestAddEntryWidget::pressingAddStoresTheFieldsAsTheyWereWithoutFillingThem()
+{
+    CatalogueFixture f;
+    QVERIFY(f.show());
+    QTest::keyClicks(f.place(), QStringLiteral("Cafe"));
+    f.name()->setFocus();
+    QTRY_VERIFY(f.name()->hasFocus());
+    f.name()->setText(QStringLiteral("Cake"));
+
+    // The focus leaves the name for Add, which then finds no amount.
+    MessageBoxAnswerer answerer;
+    answerer.answer(QMessageBox::Ok);
+    QTest::mouseClick(child<QPushButton>(*f.page, "pushButtonAdd"), Qt::LeftButton);
+
+    QVERIFY2(answerer.errors().isEmpty(), qPrintable(answerer.errors().join('\n')));
+    QCOMPARE(answerer.texts(), QStringList { "Amount cannot be empty. Enter Amount" });
+    QVERIFY(f.amount()->text().isEmpty());
+    QCOMPARE(f.category()->currentText(), QStringLiteral("Food"));
+    QCOMPARE(storedEntryCount(f.home), 0);
+}
+
+void TestAddEntryWidget::theSavedEntryIsExactlyWhatThePageShowed()
+{
+    CatalogueFixture f;
+    QVERIFY(f.show());
+    QVERIFY(f.pickWithKeys(QStringLiteral("co"), 1));
+    QTest::keyClicks(f.place(), QStringLiteral("Cafe Blue"));
+
+    const QString name = f.name()->text();
+    const QString amount = f.amount()->text();
+    const QString category = f.category()->currentText();
+    QCOMPARE(name, QStringLiteral("Coffee"));
+    QCOMPARE(amount, QStringLiteral("2.50"));
+    QCOMPARE(category, QStringLiteral("Drinks"));
+
+    MessageBoxAnswerer answerer;
+    answerer.answer({ QMessageBox::Save, QMessageBox::Ok });
+    QTest::mouseClick(child<QPushButton>(*f.page, "pushButtonAdd"), Qt::LeftButton);
+    QVERIFY2(answerer.errors().isEmpty(), qPrintable(answerer.errors().join('\n')));
+    QCOMPARE(answerer.seen().size(), 2);
+    QVERIFY(answerer.seen().at(0).text.startsWith(
+        QStringLiteral("Details Entered - Item Name: Coffee  Price: 2.50 Category: Drinks  Date: ")));
+
+    const QList<QVariantList> rows = storedEntries(f.home);
+    QCOMPARE(rows.size(), 1);
+    QCOMPARE(rows[0].at(0).toString(), name);
+    QCOMPARE(rows[0].at(1).toString(), category);
+    QCOMPARE(rows[0].at(3).toFloat(), amount.toFloat());
+    QCOMPARE(rows[0].at(4).toString(), QStringLiteral("Cafe Blue"));
+    // The catalogue learnt the sixth use of Coffee as a drink.
+    RawDatabase raw(f.home.databasePath());
+    QCOMPARE(raw.scalar(QStringLiteral("SELECT UseFrequency FROM Items WHERE ItemName = 'Coffee'")).toInt(), 6);
+}
+
+void TestAddEntryWidget::returnWithTheListOpenPicksTheNameAndDoesNotPressAdd()
+{
+    CatalogueFixture f;
+    QVERIFY(f.show());
+    QTest::keyClicks(f.place(), QStringLiteral("Cafe"));
+    f.name()->setFocus();
+    QTRY_VERIFY(f.name()->hasFocus());
+    MessageBoxAnswerer answerer;
+
+    // A Return that reaches the field itself while the list is open only
+    // closes the list.
+    QVERIFY(f.openList(QStringLiteral("ca")));
+    QTest::keyClick(f.name(), Qt::Key_Return);
+    QTRY_VERIFY(!f.list()->isVisible());
+    QCoreApplication::processEvents();
+    QVERIFY(answerer.seen().isEmpty());
+    QCOMPARE(f.name()->text(), QStringLiteral("ca"));
+    QVERIFY(f.amount()->text().isEmpty());
+    f.name()->clear();
+
+    // The list picks coffee beans and closes; Add is not pressed.
+    QVERIFY(f.pickWithKeys(QStringLiteral("co"), 2));
+    QCoreApplication::processEvents();
+    QVERIFY(answerer.seen().isEmpty());
+    QCOMPARE(f.name()->text(), QStringLiteral("coffee beans"));
+    QCOMPARE(f.amount()->text(), QStringLiteral("12.00"));
+    QCOMPARE(f.category()->currentText(), QStringLiteral("Groceries"));
+    QVERIFY(f.name()->hasFocus());
+
+    // Return with the list closed presses Add, as always.
+    answerer.answer(QMessageBox::Discard);
+    QTest::keyClick(f.page->windowHandle(), Qt::Key_Return);
+    QVERIFY2(answerer.errors().isEmpty(), qPrintable(answerer.errors().join('\n')));
+    QCOMPARE(answerer.seen().size(), 1);
+    QVERIFY(answerer.seen().at(0).text.startsWith(
+        QStringLiteral("Details Entered - Item Name: coffee beans  Price: 12.00 Category: Groceries  ")));
+    QCOMPARE(storedEntryCount(f.home), 0);
+}
+
+void TestAddEntryWidget::aPageOnAnEmptyCatalogueHasACompleterWithoutRows()
+{
+    PageFixture f;
+    QCompleter *completer = f.name()->completer();
+    QVERIFY(completer);
+    QCOMPARE(completer->model()->rowCount(), 0);
+    f.page.show();
+    QVERIFY(QTest::qWaitForWindowActive(&f.page));
+    QTRY_VERIFY(f.name()->hasFocus());
+    QTest::keyClicks(f.name(), QStringLiteral("co"));
+    QCoreApplication::processEvents();
+    QCOMPARE(completer->completionCount(), 0);
+    QVERIFY(!completer->popup()->isVisible());
+    QVERIFY(f.amount()->text().isEmpty());
 }
 
 // --------------------------------------------------------- the reply parser

@@ -15,6 +15,7 @@
 
 #include <QAbstractItemView>
 #include <QComboBox>
+#include <QCompleter>
 #include <QCryptographicHash>
 #include <QFile>
 #include <QFrame>
@@ -146,6 +147,7 @@ private slots:
     void menusShowLightCommandsAndHighlightTheOneUnderThePointer();
     void dropDownListsShowLightItemsOnADarkGround_data();
     void dropDownListsShowLightItemsOnADarkGround();
+    void theListOfItemNamesShowsLightItemsOnADarkGround();
 
     void resourcesAreCompiledIn();
     void resourceInitialiserStaysCallable();
@@ -1065,6 +1067,54 @@ void TestMainWindow::dropDownListsShowLightItemsOnADarkGround()
     QTRY_VERIFY(!popUp->isVisible());
 }
 
+void TestMainWindow::theListOfItemNamesShowsLightItemsOnADarkGround()
+{
+    MainWindowFixture f;
+    {
+        RawDatabase raw(f.setUpFile());
+        QVERIFY(raw.exec(QStringLiteral("INSERT INTO Items (ItemName,CategoryName,CategoryID,LastPrice,UseFrequency) "
+                                        "VALUES ('Coffee','Drinks',2,2.5,5), ('Cocoa','Drinks',2,3,2), "
+                                        "('coffee beans','Groceries',13,12,1)")));
+    }
+    QVERIFY(f.show());
+    QVERIFY(QTest::qWaitForWindowActive(&f.window()));
+    f.click("pushButtonNewEntry");
+    auto *name = child<QLineEdit>(*f.page(), "lineEditItemName");
+    QTRY_VERIFY(name->hasFocus());
+
+    QTest::keyClicks(name, QStringLiteral("co"));
+    QAbstractItemView *list = name->completer()->popup();
+    QTRY_VERIFY(list->isVisible());
+    QVERIFY(QTest::qWaitForWindowExposed(list));
+    const auto closeList = qScopeGuard([list] { list->hide(); });
+    QCOMPARE(list->model()->rowCount(), 3);
+    // A row as far as the list shows it, in a picture of the whole list.
+    const auto rowArea = [list](int row) {
+        const QRect cell = list->visualRect(list->model()->index(row, 0))
+                               .intersected(list->viewport()->visibleRegion().boundingRect());
+        return QRect(list->viewport()->mapTo(list, cell.topLeft()), cell.size());
+    };
+
+    const QImage shot = list->grab().toImage();
+    for (int row = 0; row < 3; ++row) {
+        const QRect area = rowArea(row);
+        QVERIFY(!area.isEmpty());
+        const double contrast = drawnContrast(shot, area);
+        const QString item = list->model()->index(row, 0).data().toString();
+        QVERIFY2(contrast >= 4.5, qPrintable(QStringLiteral("%1: %2").arg(item).arg(contrast)));
+        QVERIFY2(lightPixels(shot, area) > 15, qPrintable(item));
+        QVERIFY2(groundColour(shot, area).lightness() < 40, qPrintable(item));
+    }
+
+    // The row the keys move to is highlighted and stays readable.
+    QTest::keyClick(list->windowHandle(), Qt::Key_Down);
+    QTest::keyClick(list->windowHandle(), Qt::Key_Down);
+    QTRY_COMPARE(list->currentIndex().row(), 1);
+    QTRY_VERIFY(contrastRatio(groundColour(list->grab().toImage(), rowArea(1)), groundColour(shot, rowArea(1))) >= 2.0);
+    QVERIFY(drawnContrast(list->grab().toImage(), rowArea(1)) >= 4.5);
+    QCOMPARE(groundColour(list->grab().toImage(), rowArea(0)), groundColour(shot, rowArea(0)));
+}
+
 void TestMainWindow::resourcesAreCompiledIn()
 {
     QImageReader home(QStringLiteral(":/Images/LedgerlyHome.jpg"));
@@ -1083,6 +1133,7 @@ void TestMainWindow::resourcesAreCompiledIn()
     QVERIFY(html.contains("id=\"map_canvas\""));
     QVERIFY(!html.contains("@LEAFLET_"));
     QVERIFY(!html.contains("@MARKER_"));
+
 }
 
 void TestMainWindow::resourceInitialiserStaysCallable()
