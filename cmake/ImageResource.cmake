@@ -1,7 +1,7 @@
 # The resource bundle "ImageResource": the files that Images/ImageResource.qrc
-# lists, compiled uncompressed into the target. The map template is the one
-# file made at build time: Leaflet from Debian's libjs-leaflet is inlined into
-# it so that the page needs the network only for its tiles.
+# lists, compiled uncompressed into the target. The map pages are the files
+# made at build time: Leaflet from Debian's libjs-leaflet is inlined into
+# them so that they need the network only for their tiles.
 
 set(LEDGERLY_LEAFLET_DIR "/usr/share/javascript/leaflet" CACHE PATH "Directory of Debian's libjs-leaflet")
 
@@ -10,8 +10,7 @@ function(ledgerly_add_image_resource target)
     set(qrc "${images_dir}/ImageResource.qrc")
     set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS "${qrc}")
 
-    set(map_template "${images_dir}/GetStaticGoogleMap.html")
-    set(map_output "${CMAKE_CURRENT_BINARY_DIR}/generated/GetStaticGoogleMap.html")
+    set(map_pages GetStaticGoogleMap.html PlacesMap.html)
     set(leaflet_inputs
         "${LEDGERLY_LEAFLET_DIR}/leaflet.js"
         "${LEDGERLY_LEAFLET_DIR}/leaflet.css"
@@ -23,16 +22,18 @@ function(ledgerly_add_image_resource target)
             message(FATAL_ERROR "${input} is missing: install Debian's libjs-leaflet (scripts/setup.sh does)")
         endif()
     endforeach()
-    add_custom_command(
-        OUTPUT "${map_output}"
-        COMMAND "${CMAKE_COMMAND}"
-            "-DTEMPLATE=${map_template}"
-            "-DOUTPUT=${map_output}"
-            "-DLEAFLET_DIR=${LEDGERLY_LEAFLET_DIR}"
-            -P "${PROJECT_SOURCE_DIR}/cmake/InlineMapTemplate.cmake"
-        DEPENDS "${map_template}" "${PROJECT_SOURCE_DIR}/cmake/InlineMapTemplate.cmake" ${leaflet_inputs}
-        COMMENT "Inlining Leaflet into the map template"
-        VERBATIM)
+    foreach(page IN LISTS map_pages)
+        add_custom_command(
+            OUTPUT "${CMAKE_CURRENT_BINARY_DIR}/generated/${page}"
+            COMMAND "${CMAKE_COMMAND}"
+                "-DTEMPLATE=${images_dir}/${page}"
+                "-DOUTPUT=${CMAKE_CURRENT_BINARY_DIR}/generated/${page}"
+                "-DLEAFLET_DIR=${LEDGERLY_LEAFLET_DIR}"
+                -P "${PROJECT_SOURCE_DIR}/cmake/InlineMapTemplate.cmake"
+            DEPENDS "${images_dir}/${page}" "${PROJECT_SOURCE_DIR}/cmake/InlineMapTemplate.cmake" ${leaflet_inputs}
+            COMMENT "Inlining Leaflet into ${page}"
+            VERBATIM)
+    endforeach()
 
     # Read the file list from the collection so that the .qrc stays the one
     # place that says what the bundle holds.
@@ -43,8 +44,8 @@ function(ledgerly_add_image_resource target)
     set(files "")
     foreach(entry IN LISTS entries)
         string(REGEX REPLACE "<file>([^<]+)</file>" "\\1" name "${entry}")
-        if(name STREQUAL "GetStaticGoogleMap.html")
-            set(path "${map_output}")
+        if(name IN_LIST map_pages)
+            set(path "${CMAKE_CURRENT_BINARY_DIR}/generated/${name}")
         else()
             set(path "${images_dir}/${name}")
         endif()

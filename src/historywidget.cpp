@@ -9,6 +9,7 @@
 #include "linegraph.h"
 #include "notice.h"
 #include "piewidget.h"
+#include "placesmap.h"
 
 #include <QBrush>
 #include <QHeaderView>
@@ -20,6 +21,9 @@ namespace {
 
 // The periods of the date-wise tab, in the order of the period box.
 enum Period { Daily = 0, Weekly = 1, Monthly = 2 };
+
+// The columns of the places table.
+enum PlaceColumn { PlaceName = 0, PlaceEntries = 1, PlaceTotal = 2, PlaceAverage = 3, PlaceLastVisit = 4 };
 
 // One cell of an entry table. It keeps the entry's value and writes the text
 // when the view asks for it: the view asks only for the rows on screen (and a
@@ -88,16 +92,51 @@ using TextCell = EntryValueCell<QString, plainText>;
 using PriceCell = EntryValueCell<float, priceText>;
 using DateTimeCell = EntryValueCell<QDateTime, dateTimeText>;
 
+// A cell of the places table: red text like the entry tables, sorted by the
+// value it shows (a number, a date-time, a place text), not by that text.
+class PlaceCell final : public QTableWidgetItem
+{
+public:
+    static constexpr int SortKeyRole = Qt::UserRole;
+
+    PlaceCell(const QString &text, const QVariant &sortKey) : QTableWidgetItem(text)
+    {
+        setData(SortKeyRole, sortKey);
+        setFlags(flags() & ~Qt::ItemIsEditable);
+        setForeground(QBrush(QColor(0xff, 0x00, 0x00)));
+    }
+
+    QTableWidgetItem *clone() const override { return new PlaceCell(*this); }
+
+    bool operator<(const QTableWidgetItem &other) const override
+    {
+        const QVariant key = data(SortKeyRole);
+        const QVariant otherKey = other.data(SortKeyRole);
+        if (key.typeId() == QMetaType::QString)
+            return QString::localeAwareCompare(key.toString(), otherKey.toString()) < 0;
+        return QVariant::compare(key, otherKey) == QPartialOrdering::Less;
+    }
+
+private:
+    PlaceCell(const PlaceCell &) = default;
+};
+
 } // namespace
 
 HistoryWidget::HistoryWidget(QPointer<DatabaseManager> dbManager, QWidget *parent)
-    : QWidget(parent), ui(new Ui::HistoryWidget), dbManager(dbManager), allowDatewiseDropDowns(false), globalTotal(0)
+    : QWidget(parent), ui(new Ui::HistoryWidget), dbManager(dbManager), allowDatewiseDropDowns(false), globalTotal(0),
+      placesMap(nullptr)
 {
     ui->setupUi(this);
     // The columns are too narrow for most dates, categories and places.
     for (QTableWidget *table : { ui->tableWidgetCategoryRecentEntries, ui->tableWidgetDattewiseTabEntries,
-                                 ui->tableWidgetTotalTabEntries, ui->tableWidgetAllEntries })
+                                 ui->tableWidgetTotalTabEntries, ui->tableWidgetAllEntries, ui->tableWidgetPlaces })
         table->setItemDelegate(new FullTextToolTipDelegate(table));
+
+    // The places tab is filled when it is first shown, the map page loaded
+    // with it: until then it costs the page nothing.
+    placesMap = new PlacesMap(ui->webViewPlaces, this);
+    connect(ui->tableWidgetPlaces, &QTableWidget::cellClicked, this, [this](int row) { showPlaceOnMap(row); });
 
     ui->comboBoxDateWiseTimePeriod->insertItem(Daily, tr("Daily"));
     ui->comboBoxDateWiseTimePeriod->insertItem(Weekly, tr("Weekly"));
@@ -264,6 +303,70 @@ void HistoryWidget::ShowAllEntryDetails()
     fillEntryTable(ui->tableWidgetAllEntries, owned(dbManager->GetAllEntries()).list());
 }
 
+void HistoryWidget::ShowPlacesDetails()
+{
+    // On the first visit the map page starts loading, in the web engine's
+    // own processes, while the figures are read here.
+    placesMap->load();
+    fillPlacesTable(ui->tableWidgetPlaces, owned(dbManager->GetSpendingPerPlace()).list());
+    placesMap->showPlaces(owned(dbManager->GetSpendingPerRememberedPlace()).list());
+}
+
+void HistoryWidget::fillPlacesTable(QTableWidget *table, const QList<PlaceSpending *> &places)
+{
+    // Filled unsorted, then sorted once: a sorted table would move every row
+    // into place as it is set.
+    table->setSortingEnabled(false);
+    const bool firstFill = table->columnCount() == 0;
+    // The look of the other tables. Given here, not by the form: a style
+    // sheet costs a page that never shows the tab a twentieth of its
+    // construction.
+    if (firstFill)
+        table->setStyleSheet(QStringLiteral("border-style: outset;\nborder-width: 2px;\nborder-color: beige;\n"
+                                            "font: 75 14pt \"MS Shell Dlg 2\";\nselection-background-color: "
+                                            "rgb(58, 176, 86);\nbackground-color: rgb(254, 255, 189);"));
+    table->setColumnCount(5);
+    table->setRowCount(int(places.size()));
+    table->setHorizontalHeaderLabels({ tr("Place"), tr("Entries"), tr("Total"), tr("Average"), tr("Last Visit") });
+    // The largest total first; a later visit keeps the order the user chose.
+    if (firstFill)
+        table->horizontalHeader()->setSortIndicator(PlaceTotal, Qt::DescendingOrder);
+
+    QAbstractItemModel *model = table->model();
+    {
+        const QSignalBlocker quiet(model);
+        for (int row = 0; row < places.size(); ++row) {
+            const PlaceSpending *place = places.at(row);
+            table->setItem(row, PlaceName, new PlaceCell(place->LocationText, place->LocationText));
+            table->setItem(row, PlaceEntries,
+                           new PlaceCell(QString::number(place->NumberOfEntries), place->NumberOfEntries));
+            table->setItem(row, PlaceTotal, new PlaceCell(Format::number(place->Total), place->Total));
+            table->setItem(row, PlaceAverage, new PlaceCell(Format::number(place->Average), place->Average));
+            table->setItem(row, PlaceLastVisit, new PlaceCell(Format::dateTime(place->LastVisit), place->LastVisit));
+        }
+    }
+    if (!places.isEmpty())
+        emit model->dataChanged(model->index(0, 0), model->index(int(places.size()) - 1, 4));
+    table->setSortingEnabled(true);
+
+    // The place takes the room the figures leave.
+    QHeaderView *header = table->horizontalHeader();
+    header->setSectionResizeMode(PlaceName, QHeaderView::Stretch);
+    // Measured on the rows on screen and a few more: the widest figures
+    // stand at the top of the first order, and a cell cut off still tells
+    // its text as a tool tip.
+    header->setResizeContentsPrecision(50);
+    for (int column = PlaceEntries; column <= PlaceLastVisit; ++column)
+        table->resizeColumnToContents(column);
+}
+
+void HistoryWidget::showPlaceOnMap(int row)
+{
+    const QTableWidgetItem *place = ui->tableWidgetPlaces->item(row, PlaceName);
+    if (place)
+        placesMap->centreOn(place->text());
+}
+
 void HistoryWidget::fillEntryTable(QTableWidget *table, const QList<Entry *> &entries, ColumnFit fit)
 {
     // The sections are stretched right after every fit, which sets their
@@ -366,6 +469,9 @@ void HistoryWidget::on_tabWidgetHistoryContainer_currentChanged(int index)
         break;
     case 3:
         ShowAllEntryDetails();
+        break;
+    case 4:
+        ShowPlacesDetails();
         break;
     default:
         break;

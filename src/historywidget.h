@@ -7,6 +7,8 @@
 
 class DatabaseManager;
 class Entry;
+class PlaceSpending;
+class PlacesMap;
 class QDate;
 class QTableWidget;
 
@@ -14,9 +16,9 @@ namespace Ui {
 class HistoryWidget;
 }
 
-// The report page: spending by category, by period, in total, and the list
-// of every entry with the details of a tapped one. The store is shared, not
-// owned.
+// The report page: spending by category, by period, in total, the list of
+// every entry with the details of a tapped one, and spending by place, in a
+// table and on a map. The store is shared, not owned.
 class HistoryWidget : public QWidget
 {
     Q_OBJECT
@@ -47,7 +49,11 @@ private:
     void ShowTotalDetails();
     void CalculateGlobalEntryData();
     void ShowAllEntryDetails();
+    void ShowPlacesDetails();
+    // Centres the places map on the place of a row of the places table.
+    void showPlaceOnMap(int row);
 
+    static void fillPlacesTable(QTableWidget *table, const QList<PlaceSpending *> &places);
     static void fillEntryTable(QTableWidget *table, const QList<Entry *> &entries,
                                ColumnFit fit = ColumnFit::AfterHeaders);
 
@@ -58,4 +64,5 @@ private:
     QList<int> usedCategoriesCorrespondingNumberOfDays;
     bool allowDatewiseDropDowns;
     float globalTotal;
+    PlacesMap *placesMap;
 };

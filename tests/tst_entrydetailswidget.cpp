@@ -5,8 +5,9 @@
 #include "rawdatabase.h"
 #include "temphome.h"
 #include "testsupport.h"
-#include "widgettest.h"
 #include "webenginesanitizeroptions.h"
+#include "webviewtest.h"
+#include "widgettest.h"
 
 #include <QFile>
 #include <QHeaderView>
@@ -19,7 +20,6 @@
 #include <QWebEngineProfile>
 #include <QWebEngineScript>
 #include <QWebEngineScriptCollection>
-#include <QWebEngineUrlRequestInterceptor>
 #include <QWebEngineView>
 #include <QtTest>
 
@@ -39,26 +39,6 @@ struct StoredEntry
 Q_DECLARE_METATYPE(StoredEntry)
 
 namespace {
-
-const int webTimeoutMs = 60000;
-
-// Every request the web engine makes. Tests never reach the internet: all
-// but inline data: requests are blocked, so every machine runs the page the
-// way a device without network does.
-class RequestRecorder : public QWebEngineUrlRequestInterceptor
-{
-public:
-    void interceptRequest(QWebEngineUrlRequestInfo &info) override
-    {
-        const QUrl url = info.requestUrl();
-        if (url.scheme() == QLatin1String("data"))
-            return;
-        requests.append(url.toString());
-        info.block(true);
-    }
-
-    QStringList requests;
-};
 
 // The map page reports load failures (failed images, scripts, styles) and
 // uncaught script errors into window.testFailedLoads, from its very start.
@@ -153,24 +133,6 @@ QString mapTemplate()
     if (!file.open(QIODevice::ReadOnly))
         return QString();
     return QString::fromUtf8(file.readAll());
-}
-
-// Runs a script in the page and waits for its result.
-QVariant evaluate(QWebEngineView *view, const QString &script)
-{
-    struct Outcome
-    {
-        bool done = false;
-        QVariant value;
-    };
-    auto outcome = std::make_shared<Outcome>();
-    view->page()->runJavaScript(script, [outcome](const QVariant &result) {
-        outcome->value = result;
-        outcome->done = true;
-    });
-    if (!QTest::qWaitFor([&] { return outcome->done; }, webTimeoutMs))
-        return QVariant();
-    return outcome->value;
 }
 
 bool mapIsBuilt(QWebEngineView *view)

@@ -5,6 +5,7 @@
 #include "linegraph.h"
 #include "mainwindow.h"
 #include "piewidget.h"
+#include "placesmap.h"
 
 #include "celltooltip.h"
 #include "graphpicture.h"
@@ -14,6 +15,7 @@
 #include "temphome.h"
 #include "testsupport.h"
 #include "webenginesanitizeroptions.h"
+#include "webviewtest.h"
 #include "widgettest.h"
 
 #include <QComboBox>
@@ -21,6 +23,9 @@
 #include <QFile>
 #include <QHeaderView>
 #include <QImage>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
@@ -28,11 +33,20 @@
 #include <QStackedWidget>
 #include <QTabWidget>
 #include <QTableWidget>
+#include <QSqlDatabase>
+#include <QSqlDriver>
 #include <QTemporaryDir>
 #include <QTextDocument>
+#include <QWebEnginePage>
+#include <QWebEngineProfile>
+#include <QWebEngineScript>
+#include <QWebEngineScriptCollection>
+#include <QWebEngineView>
 #include <QtTest>
 
 #include <memory>
+
+#include <sqlite3.h>
 
 namespace {
 
@@ -184,6 +198,217 @@ void clickCell(QTableWidget *table, int row, int column)
     QTest::mouseClick(table->viewport(), Qt::LeftButton, Qt::NoModifier, cell.center());
 }
 
+// ------------------------------------------------------------ the places tab
+
+// From the very start of every page: a script that a place name smuggled
+// into the page would run counts its alerts, without any dialog.
+const char alertCounterScript[] = R"(
+window.testAlerts = 0;
+window.alert = function () { window.testAlerts += 1; };
+)";
+
+const QRegularExpression anyTileUrl(QStringLiteral(R"(^https://tile\.openstreetmap\.org/\d+/\d+/\d+\.png$)"));
+
+// The statements run on the store's connection, as SQLite hands them to
+// its own engine: the connection's trace, from construction to destruction.
+class StatementLog
+{
+public:
+    StatementLog()
+    {
+        const QVariant handle = QSqlDatabase::database().driver()->handle();
+        if (handle.isValid() && qstrcmp(handle.typeName(), "sqlite3*") == 0)
+            connection = *static_cast<sqlite3 *const *>(handle.constData());
+        if (connection)
+            sqlite3_trace_v2(connection, SQLITE_TRACE_STMT, &StatementLog::record, this);
+    }
+    ~StatementLog()
+    {
+        if (connection)
+            sqlite3_trace_v2(connection, 0, nullptr, nullptr);
+    }
+    StatementLog(const StatementLog &) = delete;
+    StatementLog &operator=(const StatementLog &) = delete;
+
+    bool isTracing() const { return connection != nullptr; }
+    // How many statements ran that read the given table grouped by a column:
+    // "group by Place" for the places table, "group by HistoricLocation" for
+    // the map's places.
+    int count(const QString &fragment) const
+    {
+        return int(std::count_if(statements.cbegin(), statements.cend(), [&fragment](const QString &statement) {
+            return statement.contains(fragment, Qt::CaseInsensitive);
+        }));
+    }
+    void clear() { statements.clear(); }
+
+private:
+    static int record(unsigned type, void *context, void *statement, void *)
+    {
+        if (type == SQLITE_TRACE_STMT) {
+            const char *text = sqlite3_sql(static_cast<sqlite3_stmt *>(statement));
+            static_cast<StatementLog *>(context)->statements.append(QString::fromUtf8(text ? text : ""));
+        }
+        return 0;
+    }
+
+    sqlite3 *connection = nullptr;
+    QStringList statements;
+};
+
+const char placesGrouped[] = "group by Place";
+const char rememberedPlacesGrouped[] = "group by HistoricLocation.SNo";
+
+const QStringList placesTableHeaders = { "Place", "Entries", "Total", "Average", "Last Visit" };
+
+// A place name that is markup, a script and quotes at once: it must show as
+// typed, in the table and on the map.
+const QString markupPlace = QStringLiteral("Joe's \"Diner\" <b>&</b> </script><script>alert(1)</script>");
+
+// An entry through the store, as the new-entry page adds it, so that a
+// geolocated one points at its remembered place.
+bool addThroughStore(DatabaseManager &store, const QString &item, const QDateTime &when, float price,
+                     const QString &place, bool geo = false, float longitude = 103.0f, float latitude = 1.3f)
+{
+    Entry entry;
+    entry.ItemName = item;
+    entry.CategoryName = QStringLiteral("Food");
+    entry.TransactDateTime = when;
+    entry.Price = price;
+    entry.LocationText = place;
+    entry.EnableGeoLoc = geo;
+    entry.GeoLocLongit = longitude;
+    entry.GeoLocLatit = latitude;
+    return store.AddEntry(&entry);
+}
+
+// Three places: Koregaon Park with two geolocated entries, Orchard Road
+// without a geolocation, and the markup place, geolocated once.
+bool addThreePlaces(DatabaseManager &store)
+{
+    return addThroughStore(store, "Lunch", at(2026, 11, 15, 13, 0), 12.5f, "Koregaon Park", true, 73.85f, 18.52f) &&
+        addThroughStore(store, "Tea", at(2026, 11, 10, 17, 30), 7.5f, "Koregaon Park", true, 73.85f, 18.52f) &&
+        addThroughStore(store, "Shoes", at(2026, 3, 2), 40.0f, "Orchard Road") &&
+        addThroughStore(store, "Bus", at(2026, 2, 27, 8, 15), 2.5f, "Orchard Road") &&
+        addThroughStore(store, "Burger", at(2026, 6, 1, 20, 0), 30.0f, markupPlace, true, 103.8198f, 1.3521f);
+}
+
+// Every circle on the map as the page holds it: name, position, radius, the
+// lines of its pop-up as text, whether Leaflet drew it as an SVG path and
+// whether its pop-up is open.
+const char markersScript[] = R"((function () {
+        var markers = [];
+        window.places.eachLayer(function (marker) {
+            var position = marker.getLatLng();
+            var content = marker.getPopup().getContent();
+            var element = marker.getElement();
+            markers.push({
+                name: marker.placeName, lat: position.lat, lng: position.lng, radius: marker.getRadius(),
+                lines: Array.prototype.map.call(content.children, function (line) { return line.textContent; }),
+                elements: content.querySelectorAll('*').length,
+                svgPath: !!element && element.tagName === 'path' && element.ownerSVGElement !== null,
+                open: marker.isPopupOpen()
+            });
+        });
+        return markers;
+    })())";
+
+// What the map shows: centre, zoom, how many places are in view, the lines
+// of the open pop-up, and what the page holds besides (scripts, links that
+// lead away, alerts raised, circles drawn).
+const char viewScript[] = R"((function () {
+        var centre = window.map.getCenter();
+        var bounds = window.map.getBounds();
+        var inView = 0;
+        window.places.eachLayer(function (marker) { if (bounds.contains(marker.getLatLng())) inView += 1; });
+        var popUp = document.querySelector('.leaflet-popup-content');
+        return {
+            lat: centre.lat, lng: centre.lng, zoom: window.map.getZoom(), inView: inView,
+            popUp: popUp ? Array.prototype.map.call(popUp.firstChild.children,
+                                                    function (line) { return line.textContent; }) : [],
+            scripts: document.querySelectorAll('script').length,
+            links: document.querySelectorAll('a[href]:not([href^="#"])').length,
+            alerts: window.testAlerts,
+            svgPaths: document.querySelectorAll('svg path.leaflet-interactive').length
+        };
+    })())";
+
+// The number of places on the map, or -1 while the map page is not there.
+int markersOnMap(QWebEngineView *view)
+{
+    if (view->url().isEmpty() || view->url() == QUrl(QStringLiteral("about:blank")))
+        return -1;
+    const QVariant count =
+        evaluate(view, QStringLiteral("typeof window.places === 'object' ? window.places.getLayers().length : -1"));
+    return count.isValid() ? count.toInt() : -1;
+}
+
+// Builds the fixture's page and shows it on its places tab: the places
+// table, or null if it never shows.
+QTableWidget *showPlacesTable(HistoryFixture &f)
+{
+    HistoryWidget *page = f.build();
+    page->show();
+    if (!QTest::qWaitForWindowExposed(page))
+        return nullptr;
+    f.tabs()->setCurrentIndex(4);
+    QTableWidget *places = f.table("tableWidgetPlaces");
+    return QTest::qWaitFor([places] { return places->isVisible(); }) ? places : nullptr;
+}
+
+// The same, then waits until the map shows `places` places: the map's
+// view, or null if it never does.
+QWebEngineView *showPlacesTab(HistoryFixture &f, int places)
+{
+    if (!showPlacesTable(f))
+        return nullptr;
+    auto *map = f.child<QWebEngineView>("webViewPlaces");
+    return QTest::qWaitFor([&] { return markersOnMap(map) == places; }, webTimeoutMs) ? map : nullptr;
+}
+
+QVariantList mapMarkers(QWebEngineView *view)
+{
+    return evaluate(view, QString::fromLatin1(markersScript)).toList();
+}
+
+QVariantMap mapView(QWebEngineView *view)
+{
+    return evaluate(view, QString::fromLatin1(viewScript)).toMap();
+}
+
+QVariantMap markerNamed(const QVariantList &markers, const QString &name)
+{
+    for (const QVariant &marker : markers) {
+        if (marker.toMap().value(QStringLiteral("name")).toString() == name)
+            return marker.toMap();
+    }
+    return {};
+}
+
+bool near(double a, double b)
+{
+    return qAbs(a - b) < 1e-6;
+}
+
+// How far the named place is drawn from the middle of the map, in whole
+// pixels along the farther axis; -1 when it is not on the map.
+const char pixelsFromCentreFunction[] = R"((function (name) {
+        var marker = null;
+        window.places.eachLayer(function (layer) { if (layer.placeName === name) marker = layer; });
+        if (!marker)
+            return -1;
+        var point = window.map.latLngToContainerPoint(marker.getLatLng());
+        var middle = window.map.getSize().divideBy(2);
+        return Math.floor(Math.max(Math.abs(point.x - middle.x), Math.abs(point.y - middle.y)));
+    }))";
+
+int pixelsFromCentre(QWebEngineView *view, const QString &name)
+{
+    const QVariant pixels =
+        evaluate(view, PlacesMap::scriptCall(QString::fromLatin1(pixelsFromCentreFunction), { name }));
+    return pixels.isValid() ? pixels.toInt() : -1;
+}
+
 } // namespace
 
 class TestHistoryWidget : public QObject
@@ -194,12 +419,14 @@ public:
     static void initMain() { WidgetTest::initMain(); }
 
 private slots:
-    void initTestCase() { WidgetTest::initTestCase(); }
+    void initTestCase();
+    void init();
     void cleanup();
+    void cleanupTestCase();
 
     // The form
     void formHasTheDesignedWidgetsAndGeometry();
-    void tabsAreCategoryWiseDateWiseTotalAndEntriesWithCategoryWiseShown();
+    void tabsAreCategoryWiseDateWiseTotalEntriesAndPlacesWithCategoryWiseShown();
     void styleSheetsKeepTheSharedLookWithTheTabWidgetsStrayColour();
     void captionsAreRichTextInTheirTabsAccentColour();
     void dateControlsShowDaysAndOfferThePeriods();
@@ -251,12 +478,55 @@ private slots:
     void aCutOffCellOfEveryEntryTableTellsItsWholeText();
     void aCellThatFitsHasNoToolTip();
     void aCutOffTextThatLooksLikeMarkupIsToldAsTyped();
+
+    // The places tab
+    void placesTabIsNotFilledByTheConstructorButOnEveryVisit();
+    void placesTableListsEveryPlaceTextWithItsFiguresLargestTotalFirst();
+    void placesTableSortsEachColumnByItsValues();
+    void placesTableDrawsItsTextInRed();
+    void aCutOffPlaceTellsItsWholeText();
+    void placesMapHasACircleAtEachRememberedPlaceWithItsFiguresAsText();
+    void aSinglePlaceIsShownAtZoomSixteen();
+    void withoutRememberedPlacesTheMapStaysOnTheDefaultCentre();
+    void tappingARowCentresTheMapOnItsPlaceAndOpensItsPopUp();
+    void placesMapFetchesNothingButTilesAndOffersNoLinks();
+    void markerRadiusGrowsWithTheTotal_data();
+    void markerRadiusGrowsWithTheTotal();
+    void placesReachThePageAsEscapedJson();
+
+private:
+    RequestRecorder recorder;
 };
+
+void TestHistoryWidget::initTestCase()
+{
+    WidgetTest::initTestCase();
+    QWebEngineProfile *profile = QWebEngineProfile::defaultProfile();
+    profile->setUrlRequestInterceptor(&recorder);
+    QWebEngineScript script;
+    script.setName(QStringLiteral("alert counter"));
+    script.setSourceCode(QString::fromLatin1(alertCounterScript));
+    script.setInjectionPoint(QWebEngineScript::DocumentCreation);
+    script.setWorldId(QWebEngineScript::MainWorld);
+    script.setRunsOnSubFrames(false);
+    profile->scripts()->insert(script);
+}
+
+void TestHistoryWidget::init()
+{
+    recorder.requests.clear();
+}
 
 void TestHistoryWidget::cleanup()
 {
     hideToolTip();
     VERIFY_NO_WIDGETS_LEFT();
+}
+
+void TestHistoryWidget::cleanupTestCase()
+{
+    QWebEngineProfile::defaultProfile()->setUrlRequestInterceptor(nullptr);
+    QWebEngineProfile::defaultProfile()->scripts()->clear();
 }
 
 void TestHistoryWidget::formHasTheDesignedWidgetsAndGeometry()
@@ -308,6 +578,8 @@ void TestHistoryWidget::formHasTheDesignedWidgetsAndGeometry()
         { "tableWidgetAllEntries", "QTableWidget", QRect(10, 50, 821, 211) },
         { "labelAllEntriesTabEntryDetails", "QLabel", QRect(10, 270, 151, 31) },
         { "scrollAreaAllEntriesEntryDetails", "QScrollArea", QRect(0, 310, 831, 341) },
+        { "tableWidgetPlaces", "QTableWidget", QRect(10, 10, 821, 281) },
+        { "webViewPlaces", "QWebEngineView", QRect(10, 300, 821, 351) },
     };
     for (const Designed &widget : designed) {
         const QWidget *found = page->findChild<QWidget *>(QLatin1String(widget.name));
@@ -323,17 +595,17 @@ void TestHistoryWidget::formHasTheDesignedWidgetsAndGeometry()
     }
 }
 
-void TestHistoryWidget::tabsAreCategoryWiseDateWiseTotalAndEntriesWithCategoryWiseShown()
+void TestHistoryWidget::tabsAreCategoryWiseDateWiseTotalEntriesAndPlacesWithCategoryWiseShown()
 {
     HistoryFixture fixture;
     fixture.add("Bread", "Food", at(2026, 11, 15), 3);
     fixture.build();
 
     QTabWidget *tabs = fixture.tabs();
-    QCOMPARE(tabs->count(), 4);
-    const QStringList titles = { "Category Wise", "Date Wise", "Total", "Entries" };
-    const QStringList pages = { "tabCategoryWise", "tabDateWise", "tabTotal", "tabAllEntries" };
-    for (int i = 0; i < 4; ++i) {
+    QCOMPARE(tabs->count(), 5);
+    const QStringList titles = { "Category Wise", "Date Wise", "Total", "Entries", "Places" };
+    const QStringList pages = { "tabCategoryWise", "tabDateWise", "tabTotal", "tabAllEntries", "tabPlaces" };
+    for (int i = 0; i < 5; ++i) {
         QCOMPARE(tabs->tabText(i), titles.at(i));
         QCOMPARE(tabs->widget(i)->objectName(), pages.at(i));
     }
@@ -1085,6 +1357,11 @@ void TestHistoryWidget::textsTypedOnTheNewEntryPageShowLiterallyInEveryTableAndT
     for (const QTableWidget *table : history->findChildren<QTableWidget *>()) {
         if (table->rowCount() == 0)
             continue;
+        // The places table has the place first.
+        if (table->objectName() == QLatin1String("tableWidgetPlaces")) {
+            QCOMPARE(table->item(0, 0)->text(), text);
+            continue;
+        }
         ++tablesShowingIt;
         QCOMPARE(table->item(0, 1)->text(), text);
         QCOMPARE(table->item(0, 2)->text(), text);
@@ -1224,6 +1501,355 @@ void TestHistoryWidget::aCutOffTextThatLooksLikeMarkupIsToldAsTyped()
     QTextDocument shown;
     shown.setHtml(tip);
     QCOMPARE(shown.toPlainText(), item);
+}
+
+// ------------------------------------------------------------ the places tab
+
+void TestHistoryWidget::placesTabIsNotFilledByTheConstructorButOnEveryVisit()
+{
+    HistoryFixture f;
+    QVERIFY(addThreePlaces(f.store));
+    StatementLog log;
+    QVERIFY(log.isTracing());
+    HistoryWidget *page = f.build();
+    page->show();
+    QVERIFY(QTest::qWaitForWindowExposed(page));
+    QTableWidget *places = f.table("tableWidgetPlaces");
+    auto *map = f.child<QWebEngineView>("webViewPlaces");
+
+    // Building the page asked nothing of the places and loaded no map.
+    QCOMPARE(log.count(placesGrouped), 0);
+    QCOMPARE(log.count(rememberedPlacesGrouped), 0);
+    QCOMPARE(places->rowCount(), 0);
+    QCOMPARE(places->columnCount(), 0);
+    QVERIFY(map->url().isEmpty());
+    QCOMPARE(markersOnMap(map), -1);
+
+    f.tabs()->setCurrentIndex(4);
+    QCOMPARE(log.count(placesGrouped), 1);
+    QCOMPARE(log.count(rememberedPlacesGrouped), 1);
+    QCOMPARE(places->rowCount(), 3);
+    QTRY_COMPARE_WITH_TIMEOUT(markersOnMap(map), 2, webTimeoutMs);
+
+    // Entries added since are there at the next visit, in the table and on
+    // the map.
+    f.tabs()->setCurrentIndex(3);
+    QVERIFY(addThroughStore(f.store, "Ferry", at(2026, 12, 1), 5.0f, "Harbour", true, 103.85f, 1.26f));
+    QCOMPARE(log.count(placesGrouped), 1);
+    f.tabs()->setCurrentIndex(4);
+    QCOMPARE(log.count(placesGrouped), 2);
+    QCOMPARE(log.count(rememberedPlacesGrouped), 2);
+    QCOMPARE(places->rowCount(), 4);
+    QVERIFY(columnTexts(places, 0).contains("Harbour"));
+    QTRY_COMPARE_WITH_TIMEOUT(markersOnMap(map), 3, webTimeoutMs);
+    QVERIFY(!markerNamed(mapMarkers(map), "Harbour").isEmpty());
+}
+
+void TestHistoryWidget::placesTableListsEveryPlaceTextWithItsFiguresLargestTotalFirst()
+{
+    HistoryFixture f;
+    QVERIFY(addThreePlaces(f.store));
+    f.build();
+    f.tabs()->setCurrentIndex(4);
+    QTableWidget *places = f.table("tableWidgetPlaces");
+
+    QCOMPARE(places->columnCount(), 5);
+    QCOMPARE(headerTexts(places), placesTableHeaders);
+    QCOMPARE(places->rowCount(), 3);
+    // Orchard Road 40 + 2.5; the markup place 30; Koregaon Park 12.5 + 7.5.
+    QCOMPARE(rowTexts(places, 0), (QStringList { "Orchard Road", "2", "42.5", "21.25", "Mon Mar 2 00:00:00 2026" }));
+    QCOMPARE(rowTexts(places, 1), (QStringList { markupPlace, "1", "30", "30", "Mon Jun 1 20:00:00 2026" }));
+    QCOMPARE(rowTexts(places, 2), (QStringList { "Koregaon Park", "2", "20", "10", "Sun Nov 15 13:00:00 2026" }));
+    // The date in the form of the entry tables' dates.
+    QCOMPARE(places->item(2, 4)->text(), at(2026, 11, 15, 13, 0).toString(Qt::TextDate));
+    // The look of the other tables.
+    QCOMPARE(places->styleSheet(), f.table("tableWidgetDattewiseTabEntries")->styleSheet());
+    QCOMPARE(places->horizontalHeader()->sortIndicatorSection(), 2);
+    QCOMPARE(places->horizontalHeader()->sortIndicatorOrder(), Qt::DescendingOrder);
+    QVERIFY(places->isSortingEnabled());
+    for (int row = 0; row < places->rowCount(); ++row) {
+        for (int column = 0; column < places->columnCount(); ++column) {
+            const QTableWidgetItem *item = places->item(row, column);
+            QCOMPARE(item->foreground().color(), QColor(0xff, 0, 0));
+            QVERIFY(!(item->flags() & Qt::ItemIsEditable));
+        }
+    }
+}
+
+void TestHistoryWidget::placesTableSortsEachColumnByItsValues()
+{
+    HistoryFixture f;
+    // Ten entries at the bakery, two at the zoo, one at the airport: as text
+    // "10" would sort between "1" and "2".
+    for (int i = 0; i < 10; ++i)
+        f.add("Roll", "Food", at(2026, 1, 1 + i), 0.5, "Bakery");
+    f.add("Ticket", "Entertainment - Other", at(2026, 5, 3), 9, "Zoo");
+    f.add("Ice cream", "Food", at(2026, 5, 3, 15), 4, "Zoo");
+    f.add("Coffee", "Drinks", at(2025, 12, 24), 100, "Airport");
+    QTableWidget *places = showPlacesTable(f);
+    QVERIFY(places);
+    QCOMPARE(columnTexts(places, 0), (QStringList { "Airport", "Zoo", "Bakery" }));
+    QCOMPARE(columnTexts(places, 2), (QStringList { "100", "13", "5" }));
+
+    QHeaderView *header = places->horizontalHeader();
+    const auto clickHeader = [header](int column) {
+        QTest::mouseClick(
+            header->viewport(), Qt::LeftButton, Qt::NoModifier,
+            QPoint(header->sectionViewportPosition(column) + header->sectionSize(column) / 2, header->height() / 2));
+    };
+    const auto sortedBy = [&](int column, Qt::SortOrder order) {
+        if (header->sortIndicatorSection() != column)
+            clickHeader(column);
+        if (header->sortIndicatorOrder() != order)
+            clickHeader(column);
+        return header->sortIndicatorSection() == column && header->sortIndicatorOrder() == order;
+    };
+
+    QVERIFY(sortedBy(1, Qt::AscendingOrder));
+    QCOMPARE(columnTexts(places, 1), (QStringList { "1", "2", "10" }));
+    QCOMPARE(columnTexts(places, 0), (QStringList { "Airport", "Zoo", "Bakery" }));
+    QVERIFY(sortedBy(2, Qt::AscendingOrder));
+    QCOMPARE(columnTexts(places, 2), (QStringList { "5", "13", "100" }));
+    QVERIFY(sortedBy(3, Qt::DescendingOrder));
+    QCOMPARE(columnTexts(places, 3), (QStringList { "100", "6.5", "0.5" }));
+    QVERIFY(sortedBy(4, Qt::AscendingOrder));
+    QCOMPARE(columnTexts(places, 0), (QStringList { "Airport", "Bakery", "Zoo" }));
+    QVERIFY(sortedBy(0, Qt::DescendingOrder));
+    QCOMPARE(columnTexts(places, 0), (QStringList { "Zoo", "Bakery", "Airport" }));
+
+    // The next visit keeps the order the user chose.
+    f.tabs()->setCurrentIndex(3);
+    f.tabs()->setCurrentIndex(4);
+    QCOMPARE(header->sortIndicatorSection(), 0);
+    QCOMPARE(columnTexts(places, 0), (QStringList { "Zoo", "Bakery", "Airport" }));
+}
+
+void TestHistoryWidget::placesTableDrawsItsTextInRed()
+{
+    HistoryFixture f;
+    f.add("Coffee", "Drinks", at(2026, 11, 15), 2.5, "Cafe Blue");
+    QTableWidget *places = showPlacesTable(f);
+    QVERIFY(places);
+    QCOMPARE(places->rowCount(), 1);
+    for (int column = 0; column < places->columnCount(); ++column) {
+        const TextInk ink = cellInk(places, 0, column);
+        QVERIFY2(
+            ink.red > 5 && ink.dark == 0,
+            qPrintable(QStringLiteral("column %1: %2 red and %3 dark pixels").arg(column).arg(ink.red).arg(ink.dark)));
+    }
+    // On the tables' pale yellow.
+    const QImage shot = places->viewport()->grab().toImage();
+    const QRect cell = places->visualItemRect(places->item(0, 1));
+    QCOMPARE(shot.pixelColor(cell.right() - 2, cell.bottom() - 2), QColor(254, 255, 189));
+}
+
+void TestHistoryWidget::aCutOffPlaceTellsItsWholeText()
+{
+    HistoryFixture f;
+    const QString place = QStringLiteral("The little shop at the corner of the old market square, behind the fountain");
+    f.add("Soap", "Household", at(2026, 11, 15), 3, place);
+    QTableWidget *places = showPlacesTable(f);
+    QVERIFY(places);
+
+    QVERIFY(places->fontMetrics().horizontalAdvance(place) > places->columnWidth(0));
+    QCOMPARE(toolTipOfCell(places, 0, 0), place);
+    // The figures fit their columns.
+    QCOMPARE(toolTipOfCell(places, 0, 1), QString());
+    QCOMPARE(toolTipOfCell(places, 0, 4), QString());
+}
+
+void TestHistoryWidget::placesMapHasACircleAtEachRememberedPlaceWithItsFiguresAsText()
+{
+    HistoryFixture f;
+    QVERIFY(addThreePlaces(f.store));
+    QWebEngineView *map = showPlacesTab(f, 2);
+    QVERIFY(map);
+
+    // Orchard Road has no geolocation and is not on the map.
+    const QVariantList markers = mapMarkers(map);
+    QCOMPARE(markers.size(), 2);
+    const QVariantMap koregaon = markerNamed(markers, "Koregaon Park");
+    const QVariantMap markup = markerNamed(markers, markupPlace);
+    QVERIFY(!koregaon.isEmpty());
+    QVERIFY(!markup.isEmpty());
+    QVERIFY(near(koregaon.value("lat").toDouble(), double(18.52f)));
+    QVERIFY(near(koregaon.value("lng").toDouble(), double(73.85f)));
+    QVERIFY(near(markup.value("lat").toDouble(), double(1.3521f)));
+    QVERIFY(near(markup.value("lng").toDouble(), double(103.8198f)));
+
+    // Each pop-up holds the name, the number of entries and the total, as
+    // text: three lines and no element made of the markup place's name.
+    QCOMPARE(koregaon.value("lines").toStringList(), (QStringList { "Koregaon Park", "Entries: 2", "Total: 20" }));
+    QCOMPARE(markup.value("lines").toStringList(), (QStringList { markupPlace, "Entries: 1", "Total: 30" }));
+    QCOMPARE(koregaon.value("elements").toInt(), 3);
+    QCOMPARE(markup.value("elements").toInt(), 3);
+
+    // Circles drawn as SVG, the larger total the larger circle.
+    QVERIFY(koregaon.value("svgPath").toBool());
+    QVERIFY(markup.value("svgPath").toBool());
+    QCOMPARE(markup.value("radius").toDouble(), 30.0);
+    QVERIFY(koregaon.value("radius").toDouble() < markup.value("radius").toDouble() - 4);
+
+    QVariantMap view = mapView(map);
+    QCOMPARE(view.value("svgPaths").toInt(), 2);
+    QCOMPARE(view.value("inView").toInt(), 2);
+    QVERIFY(view.value("zoom").toInt() < 16);
+    // The page's own two scripts, and nothing that the name's ran.
+    QCOMPARE(view.value("scripts").toInt(), 2);
+    QCOMPARE(view.value("alerts").toInt(), 0);
+
+    // Opened, the pop-up shows the name literally.
+    QVERIFY(evaluate(map, PlacesMap::scriptCall(QStringLiteral("centreOnPlace"), { markupPlace })).toBool());
+    view = mapView(map);
+    QCOMPARE(view.value("popUp").toStringList(), (QStringList { markupPlace, "Entries: 1", "Total: 30" }));
+    QCOMPARE(view.value("scripts").toInt(), 2);
+    QCOMPARE(view.value("alerts").toInt(), 0);
+}
+
+void TestHistoryWidget::aSinglePlaceIsShownAtZoomSixteen()
+{
+    HistoryFixture f;
+    QVERIFY(addThroughStore(f.store, "Lunch", at(2026, 11, 15), 12.5f, "Koregaon Park", true, 73.85f, 18.52f));
+    QVERIFY(addThroughStore(f.store, "Shoes", at(2026, 3, 2), 40.0f, "Orchard Road"));
+    QWebEngineView *map = showPlacesTab(f, 1);
+    QVERIFY(map);
+
+    const QVariantMap view = mapView(map);
+    QCOMPARE(view.value("zoom").toInt(), 16);
+    QVERIFY(near(view.value("lat").toDouble(), double(18.52f)));
+    QVERIFY(near(view.value("lng").toDouble(), double(73.85f)));
+    QCOMPARE(mapMarkers(map).constFirst().toMap().value("radius").toDouble(), 30.0);
+}
+
+void TestHistoryWidget::withoutRememberedPlacesTheMapStaysOnTheDefaultCentre()
+{
+    HistoryFixture f;
+    QVERIFY(addThroughStore(f.store, "Shoes", at(2026, 3, 2), 40.0f, "Orchard Road"));
+    QWebEngineView *map = showPlacesTab(f, 0);
+    QVERIFY(map);
+
+    QCOMPARE(f.table("tableWidgetPlaces")->rowCount(), 1);
+    const QVariantMap view = mapView(map);
+    QCOMPARE(view.value("zoom").toInt(), 16);
+    QVERIFY(near(view.value("lat").toDouble(), 1.27899));
+    QVERIFY(near(view.value("lng").toDouble(), 103.8488));
+    QCOMPARE(view.value("svgPaths").toInt(), 0);
+}
+
+void TestHistoryWidget::tappingARowCentresTheMapOnItsPlaceAndOpensItsPopUp()
+{
+    HistoryFixture f;
+    QVERIFY(addThreePlaces(f.store));
+    QWebEngineView *map = showPlacesTab(f, 2);
+    QVERIFY(map);
+    QTableWidget *places = f.table("tableWidgetPlaces");
+
+    // Fitted to both places, the map is centred on neither.
+    const QVariantMap fitted = mapView(map);
+    QVERIFY(!near(fitted.value("lat").toDouble(), double(18.52f)));
+    QVERIFY(fitted.value("popUp").toStringList().isEmpty());
+
+    QCOMPARE(places->item(2, 0)->text(), QStringLiteral("Koregaon Park"));
+    clickCell(places, 2, 3);
+    QTRY_COMPARE_WITH_TIMEOUT(pixelsFromCentre(map, "Koregaon Park"), 0, webTimeoutMs);
+    QVariantMap view = mapView(map);
+    QVERIFY(qAbs(view.value("lat").toDouble() - double(18.52f)) < 0.5);
+    QVERIFY(qAbs(view.value("lng").toDouble() - double(73.85f)) < 0.5);
+    QCOMPARE(view.value("zoom").toInt(), fitted.value("zoom").toInt());
+    QCOMPARE(view.value("popUp").toStringList(), (QStringList { "Koregaon Park", "Entries: 2", "Total: 20" }));
+    QVERIFY(markerNamed(mapMarkers(map), "Koregaon Park").value("open").toBool());
+
+    clickCell(places, 1, 0);
+    QTRY_COMPARE_WITH_TIMEOUT(pixelsFromCentre(map, markupPlace), 0, webTimeoutMs);
+    view = mapView(map);
+    QCOMPARE(view.value("popUp").toStringList(), (QStringList { markupPlace, "Entries: 1", "Total: 30" }));
+    QCOMPARE(view.value("alerts").toInt(), 0);
+
+    // A place without a geolocation is not on the map: its row leaves the
+    // map as it is.
+    QCOMPARE(places->item(0, 0)->text(), QStringLiteral("Orchard Road"));
+    clickCell(places, 0, 0);
+    clickCell(places, 1, 0);
+    QCOMPARE(mapView(map), view);
+}
+
+void TestHistoryWidget::placesMapFetchesNothingButTilesAndOffersNoLinks()
+{
+    HistoryFixture f;
+    QVERIFY(addThreePlaces(f.store));
+    QWebEngineView *map = showPlacesTab(f, 2);
+    QVERIFY(map);
+
+    QTRY_VERIFY_WITH_TIMEOUT(!recorder.requests.isEmpty(), webTimeoutMs);
+    for (const QString &request : std::as_const(recorder.requests))
+        QVERIFY2(anyTileUrl.match(request).hasMatch(), qPrintable(request));
+    // The attribution names the map's makers without a link to follow away
+    // from the map.
+    QCOMPARE(mapView(map).value("links").toInt(), 0);
+    QVERIFY(evaluate(map, QStringLiteral("document.querySelector('.leaflet-control-attribution').textContent"))
+                .toString()
+                .contains(QStringLiteral("OpenStreetMap contributors")));
+}
+
+void TestHistoryWidget::markerRadiusGrowsWithTheTotal_data()
+{
+    QTest::addColumn<double>("total");
+    QTest::addColumn<double>("largest");
+    QTest::addColumn<double>("radius");
+
+    // The area grows with the total: a quarter of the largest total is half
+    // the way from the smallest circle (6) to the largest (30).
+    QTest::newRow("the largest") << 250.0 << 250.0 << 30.0;
+    QTest::newRow("a quarter of it") << 62.5 << 250.0 << 18.0;
+    QTest::newRow("nothing") << 0.0 << 250.0 << 6.0;
+    QTest::newRow("a refund") << -20.0 << 250.0 << 6.0;
+    QTest::newRow("all totals nothing") << 0.0 << 0.0 << 6.0;
+}
+
+void TestHistoryWidget::markerRadiusGrowsWithTheTotal()
+{
+    QFETCH(double, total);
+    QFETCH(double, largest);
+    QFETCH(double, radius);
+    QCOMPARE(PlacesMap::markerRadius(total, largest), radius);
+}
+
+void TestHistoryWidget::placesReachThePageAsEscapedJson()
+{
+    RememberedPlaceSpending place;
+    place.LocationName = markupPlace + QChar(0x2028);
+    place.LocationLatitude = 1.5f;
+    place.LocationLongitude = 103.25f;
+    place.NumberOfEntries = 3;
+    place.Total = 1234567.0f;
+    // Outside the globe: not drawn.
+    RememberedPlaceSpending nowhere;
+    nowhere.LocationName = QStringLiteral("Nowhere");
+    nowhere.LocationLatitude = 95.0f;
+    nowhere.Total = 1.0f;
+
+    const QString call =
+        PlacesMap::scriptCall(QStringLiteral("showPlaces"), { PlacesMap::placesData({ &place, &nowhere }) });
+    QVERIFY(call.startsWith(QStringLiteral("showPlaces([{")));
+    QVERIFY(call.endsWith(QStringLiteral("}]);")));
+    QVERIFY(!call.contains(QLatin1Char('<')));
+    QVERIFY(!call.contains(QChar(0x2028)));
+    QVERIFY(call.contains(QStringLiteral("\\u003c/script>\\u003cscript>alert(1)\\u003c/script>\\u2028")));
+    QVERIFY(!call.contains(QStringLiteral("Nowhere")));
+
+    // Read back as JSON, it is the place as given.
+    const QString literal = call.mid(int(qstrlen("showPlaces(")), call.size() - int(qstrlen("showPlaces(")) - 2);
+    QJsonParseError error;
+    const QJsonDocument document = QJsonDocument::fromJson(literal.toUtf8(), &error);
+    QCOMPARE(error.error, QJsonParseError::NoError);
+    const QJsonArray places = document.array();
+    QCOMPARE(places.size(), 1);
+    const QJsonObject read = places.at(0).toObject();
+    QCOMPARE(read.value("name").toString(), place.LocationName);
+    QCOMPARE(read.value("lat").toDouble(), 1.5);
+    QCOMPARE(read.value("lng").toDouble(), 103.25);
+    QCOMPARE(read.value("radius").toDouble(), 30.0);
+    QCOMPARE(read.value("lines").toArray(), (QJsonArray { "Entries: 3", "Total: 1.23457e+06" }));
 }
 
 QTEST_MAIN(TestHistoryWidget)

@@ -1134,6 +1134,16 @@ void TestMainWindow::resourcesAreCompiledIn()
     QVERIFY(!html.contains("@LEAFLET_"));
     QVERIFY(!html.contains("@MARKER_"));
 
+    // The places map carries Leaflet inside it as well.
+    QFile places(QStringLiteral(":/Images/PlacesMap.html"));
+    QVERIFY(places.open(QIODevice::ReadOnly));
+    const QByteArray placesHtml = places.readAll();
+    QVERIFY(placesHtml.startsWith("<!DOCTYPE html>\r\n"));
+    QVERIFY(placesHtml.contains("id=\"map_canvas\""));
+    QVERIFY(placesHtml.contains("function showPlaces(list)"));
+    QVERIFY(placesHtml.contains("L.circleMarker"));
+    QVERIFY(!placesHtml.contains("@LEAFLET_"));
+    QVERIFY(placesHtml.size() > 100000);
 }
 
 void TestMainWindow::resourceInitialiserStaysCallable()
