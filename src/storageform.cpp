@@ -4,7 +4,30 @@ QString StorageForm::dateTime(const QDateTime &when)
 {
     if (!when.isValid())
         return QString();
-    return when.toString(QStringLiteral("yyyy-MM-ddTHH:mm:ss"));
+    // Written digit by digit: an import binds one date per entry, and the
+    // general formatter costs several times more. Years without four digits
+    // go to it, so the result is the same.
+    const QDate date = when.date();
+    const QTime time = when.time();
+    if (date.year() < 1000 || date.year() > 9999)
+        return when.toString(QStringLiteral("yyyy-MM-ddTHH:mm:ss"));
+    char text[20];
+    const auto put = [&text](int at, int value, int digits) {
+        for (int i = digits - 1; i >= 0; --i, value /= 10)
+            text[at + i] = char('0' + value % 10);
+    };
+    put(0, date.year(), 4);
+    text[4] = '-';
+    put(5, date.month(), 2);
+    text[7] = '-';
+    put(8, date.day(), 2);
+    text[10] = 'T';
+    put(11, time.hour(), 2);
+    text[13] = ':';
+    put(14, time.minute(), 2);
+    text[16] = ':';
+    put(17, time.second(), 2);
+    return QString::fromLatin1(text, 19);
 }
 
 QDateTime StorageForm::readDateTime(const QString &text)

@@ -26,6 +26,12 @@ void TestStorageForm::dateTimesAreWrittenInWholeSecondsWithATBetweenDateAndTime_
         << QDateTime(QDate(2026, 11, 15), QTime(13, 8, 59, 999)) << QStringLiteral("2026-11-15T13:08:59");
     QTest::newRow("a year before 1000 keeps four digits")
         << QDateTime(QDate(999, 1, 2), QTime(3, 4, 5)) << QStringLiteral("0999-01-02T03:04:05");
+    QTest::newRow("the first second of 1000")
+        << QDateTime(QDate(1000, 1, 1), QTime(0, 0)) << QStringLiteral("1000-01-01T00:00:00");
+    QTest::newRow("the last second of 9999")
+        << QDateTime(QDate(9999, 12, 31), QTime(23, 59, 59)) << QStringLiteral("9999-12-31T23:59:59");
+    QTest::newRow("in UTC, its own time of day")
+        << QDateTime(QDate(2026, 7, 8), QTime(9, 10, 11), Qt::UTC) << QStringLiteral("2026-07-08T09:10:11");
 }
 
 void TestStorageForm::dateTimesAreWrittenInWholeSecondsWithATBetweenDateAndTime()
