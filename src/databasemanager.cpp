@@ -12,6 +12,8 @@
 #include <QStringList>
 #include <QVariant>
 
+#include <optional>
+
 #include <sqlite3.h>
 
 Category::Category() : SNo(0) { }
@@ -314,10 +316,13 @@ template<typename Read> bool readAllRows(QSqlQuery &query, Read read)
 // How long a statement waits for a file that another program holds locked:
 // the driver's own default, said here so that it is a decision of the store.
 const int storeBusyTimeout = 5000;
-// What a table model's submission waits, once per model: long enough for
-// another program's ordinary write to finish, short enough that a file held
-// locked does not freeze a page's Save once per model.
-const int submitBusyTimeout = 500;
+// What a page's Save waits for the file: long enough for another program's
+// ordinary write to finish, short enough that a file held locked does not
+// freeze the page.
+const int editsBusyTimeout = 500;
+
+// The item catalogue's index while an import runs; see indexItemsForImport().
+const QString importItemsIndex = QStringLiteral("ledgerly_import_items");
 
 } // namespace
 
@@ -464,18 +469,162 @@ QSqlTableModel *DatabaseManager::createTableModel(const QString &table, QObject 
     return model;
 }
 
-bool DatabaseManager::submitAll(const QList<QSqlTableModel *> &models)
+bool DatabaseManager::runInTransaction(WriteKind kind, const std::function<bool()> &work, QString *failure)
 {
-    setBusyTimeout(submitBusyTimeout);
-    // A model's own answer also counts the reselect that follows the write;
-    // what matters here is whether any edit is left unwritten.
-    bool written = true;
-    for (QSqlTableModel *model : models) {
-        model->submitAll();
-        written = written && !model->isDirty();
+    const auto fail = [failure](const QString &reason) {
+        if (failure)
+            *failure = reason;
+        return false;
+    };
+    if (!db.isOpen())
+        return fail(db.lastError().text().isEmpty() ? lastOpenError : db.lastError().text());
+    if (inTransaction)
+        return fail(tr("Another change to the database is under way."));
+
+    // A page's Save waits only briefly for the file, at the start and at
+    // the commit alike; the usual wait is back in force when it ends.
+    struct BusyTimeout
+    {
+        DatabaseManager *store;
+        bool brief;
+        ~BusyTimeout()
+        {
+            if (brief)
+                store->setBusyTimeout(storeBusyTimeout);
+        }
+    } busyTimeout { this, kind == WriteKind::Edits };
+    if (busyTimeout.brief)
+        setBusyTimeout(editsBusyTimeout);
+
+    // IMMEDIATE takes the write lock now. Qt's own transaction() begins a
+    // deferred one, which would only find a locked file at its first write,
+    // after a table model had marked the rows before it as written.
+    QSqlQuery begin;
+    if (!runText(begin, QStringLiteral("BEGIN IMMEDIATE")))
+        return fail(begin.lastError().text());
+
+    const bool indexed = kind == WriteKind::Import && indexItemsForImport();
+    inTransaction = true;
+    bool worked = work();
+    forgetPreparedStatements();
+    inTransaction = false;
+    if (indexed && worked) {
+        QSqlQuery drop;
+        if (!runText(drop, QStringLiteral("DROP INDEX ") + importItemsIndex)) {
+            worked = false;
+            if (failure)
+                *failure = drop.lastError().text();
+        }
     }
-    setBusyTimeout(storeBusyTimeout);
-    return written;
+
+    if (worked) {
+        QSqlQuery commit;
+        if (runText(commit, QStringLiteral("COMMIT")))
+            return true;
+        // A failed COMMIT leaves the transaction open; nothing of it stays.
+        const QString reason = commit.lastError().text();
+        QSqlQuery rollback;
+        runText(rollback, QStringLiteral("ROLLBACK"));
+        return fail(reason);
+    }
+    QSqlQuery rollback;
+    runText(rollback, QStringLiteral("ROLLBACK"));
+    return false;
+}
+
+bool DatabaseManager::indexItemsForImport()
+{
+    // Every AddEntry looks its item up in the catalogue four times, and the
+    // file has no index on it: ten years of items read whole for each entry
+    // would make an import take minutes. The index lives only inside the
+    // import's transaction (it is dropped before the commit, and a rollback
+    // takes it away too), so the file keeps its schema. SQLite drops nothing
+    // while another statement of the connection is still reading (a table
+    // model that has not fetched all its rows); the import then runs without
+    // the index, slower but the same.
+    sqlite3 *handle = sqliteHandle();
+    if (!handle)
+        return false;
+    for (sqlite3_stmt *statement = sqlite3_next_stmt(handle, nullptr); statement;
+         statement = sqlite3_next_stmt(handle, statement)) {
+        if (sqlite3_stmt_busy(statement))
+            return false;
+    }
+    QSqlQuery create;
+    return runText(create, QStringLiteral("CREATE INDEX %1 ON Items (ItemName, CategoryName)").arg(importItemsIndex));
+}
+
+void DatabaseManager::forgetPreparedStatements()
+{
+    for (auto &kept : preparedStatements)
+        kept.second.finish();
+    preparedStatements.clear();
+}
+
+bool DatabaseManager::backUpTo(const QString &destination, const Progress &progress, QString *failure)
+{
+    const auto fail = [failure](const QString &reason) {
+        if (failure)
+            *failure = reason;
+        return false;
+    };
+    if (!db.isOpen())
+        return fail(lastOpenError.isEmpty() ? tr("The database is not open.") : lastOpenError);
+    sqlite3 *source = sqliteHandle();
+    if (!source) {
+        // Without a handle of the SQLite we link, Qt's driver makes the copy
+        // with VACUUM INTO, in one step; SQLite refuses that while another
+        // statement of the connection is still reading.
+        if (progress && !progress(0, 1))
+            return fail(tr("The backup was cancelled."));
+        QSqlQuery vacuum;
+        if (!run(vacuum, QStringLiteral("VACUUM INTO :file"), { { QStringLiteral(":file"), textValue(destination) } }))
+            return fail(vacuum.lastError().text());
+        if (progress)
+            progress(1, 1);
+        return true;
+    }
+
+    // SQLite's online backup copies the pages under a read lock, so the copy
+    // is the database at one moment; unlike VACUUM INTO it runs while other
+    // statements of this connection are open (a table model still reading
+    // its rows), and copies pages as they are rather than rebuilding them.
+    sqlite3 *target = nullptr;
+    const QByteArray targetName = destination.toUtf8();
+    if (sqlite3_open_v2(targetName.constData(), &target, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE, nullptr) !=
+        SQLITE_OK) {
+        const QString reason = QString::fromUtf8(sqlite3_errmsg(target));
+        sqlite3_close(target);
+        return fail(reason);
+    }
+    sqlite3_backup *backup = sqlite3_backup_init(target, "main", source, "main");
+    if (!backup) {
+        const QString reason = QString::fromUtf8(sqlite3_errmsg(target));
+        sqlite3_close(target);
+        return fail(reason);
+    }
+    // Steps of 1024 pages (4 MB) let a progress dialog move and cancel; the
+    // source is locked only while a step runs, and a step that finds the
+    // database changed by another connection starts the copy again.
+    int step = SQLITE_OK;
+    bool stopped = false;
+    do {
+        step = sqlite3_backup_step(backup, 1024);
+        if (step == SQLITE_BUSY || step == SQLITE_LOCKED)
+            sqlite3_sleep(20);
+        else if (progress && (step == SQLITE_OK || step == SQLITE_DONE))
+            stopped = !progress(sqlite3_backup_pagecount(backup) - sqlite3_backup_remaining(backup),
+                                sqlite3_backup_pagecount(backup));
+    } while (!stopped && (step == SQLITE_OK || step == SQLITE_BUSY || step == SQLITE_LOCKED));
+    sqlite3_backup_finish(backup);
+    const int finished = sqlite3_errcode(target);
+    const QString reason = QString::fromUtf8(sqlite3_errmsg(target));
+    sqlite3_close(target);
+    if (stopped)
+        return fail(tr("The backup was cancelled."));
+    if (step != SQLITE_DONE || finished != SQLITE_OK)
+        return fail(step == SQLITE_DONE ? reason : QString::fromUtf8(sqlite3_errstr(step)));
+    return true;
 }
 
 void DatabaseManager::setBusyTimeout(int milliseconds)
@@ -659,6 +808,51 @@ bool DatabaseManager::run(QSqlQuery &query, const QString &statement, const Bind
     return executed;
 }
 
+QSqlQuery *DatabaseManager::bound(std::optional<QSqlQuery> &fresh, const QString &statement, const Bindings &bindings)
+{
+    if (!db.isOpen() || writeFailed)
+        return nullptr;
+    QSqlQuery *query = nullptr;
+    if (inTransaction) {
+        auto kept = preparedStatements.find(statement);
+        if (kept == preparedStatements.end()) {
+            QSqlQuery prepared(db);
+            prepared.setForwardOnly(true);
+            if (!prepared.prepare(statement)) {
+                noteFailure(false, prepared);
+                return nullptr;
+            }
+            kept = preparedStatements.emplace(statement, std::move(prepared)).first;
+        }
+        query = &kept->second;
+    } else {
+        query = &fresh.emplace(db);
+        query->setForwardOnly(true);
+        if (!query->prepare(statement)) {
+            noteFailure(false, *query);
+            return nullptr;
+        }
+    }
+    for (const auto &binding : bindings)
+        query->bindValue(binding.first, binding.second);
+    return query;
+}
+
+bool DatabaseManager::executeBound(QSqlQuery *query)
+{
+    if (!query)
+        return false;
+    const bool executed = query->exec();
+    noteFailure(executed, *query);
+    return executed;
+}
+
+bool DatabaseManager::execute(const QString &statement, const Bindings &bindings)
+{
+    std::optional<QSqlQuery> fresh;
+    return executeBound(bound(fresh, statement, bindings));
+}
+
 bool DatabaseManager::runText(QSqlQuery &query, const QString &statement)
 {
     if (!db.isOpen() || writeFailed)
@@ -704,9 +898,10 @@ bool DatabaseManager::endWrite(bool result)
 
 bool DatabaseManager::runCount(const QString &statement, const Bindings &bindings, int *count)
 {
-    QSqlQuery query;
-    const bool executed = run(query, statement, bindings);
-    *count = executed && query.next() ? query.value(0).toInt() : 0;
+    std::optional<QSqlQuery> fresh;
+    QSqlQuery *query = bound(fresh, statement, bindings);
+    const bool executed = executeBound(query);
+    *count = executed && query->next() ? query->value(0).toInt() : 0;
     return executed;
 }
 
@@ -719,17 +914,19 @@ int DatabaseManager::count(const QString &statement, const Bindings &bindings)
 
 int DatabaseManager::firstId(const QString &statement, const Bindings &bindings)
 {
-    QSqlQuery query;
-    if (run(query, statement, bindings) && query.next())
-        return query.value(0).toInt();
+    std::optional<QSqlQuery> fresh;
+    QSqlQuery *query = bound(fresh, statement, bindings);
+    if (executeBound(query) && query->next())
+        return query->value(0).toInt();
     return 0;
 }
 
 QString DatabaseManager::firstText(const QString &statement, const Bindings &bindings)
 {
-    QSqlQuery query;
-    if (run(query, statement, bindings) && query.next())
-        return query.value(0).toString();
+    std::optional<QSqlQuery> fresh;
+    QSqlQuery *query = bound(fresh, statement, bindings);
+    if (executeBound(query) && query->next())
+        return query->value(0).toString();
     return QString();
 }
 
@@ -897,35 +1094,25 @@ bool DatabaseManager::AddItem(Items *t)
     const int known =
         count(QStringLiteral("SELECT COUNT(ItemName) FROM Items WHERE ItemName=:IName and CategoryName = :id"), item);
     if (known > 0) {
-        int frequency = 0;
-        {
-            QSqlQuery query;
-            if (run(query,
-                    QStringLiteral("select UseFrequency from Items where ItemName=:IName and CategoryName = :id "),
-                    item) &&
-                query.next())
-                frequency = query.value(0).toInt();
-        }
+        const int frequency = firstId(
+            QStringLiteral("select UseFrequency from Items where ItemName=:IName and CategoryName = :id "), item);
         // The record's own frequency and CategoryID play no part: each use
         // counts one, and the row keeps the category number it was made with.
-        QSqlQuery query;
-        return run(query,
-                   QStringLiteral("UPDATE Items SET UseFrequency = :fval, LastPrice= :lastP where ItemName=:IName and "
-                                  "CategoryName = :id"),
-                   item +
-                       Bindings { { QStringLiteral(":fval"), intValue(frequency + 1) },
-                                  { QStringLiteral(":lastP"), floatValue(t->LastPrice) } });
+        return execute(
+            QStringLiteral("UPDATE Items SET UseFrequency = :fval, LastPrice= :lastP where ItemName=:IName and "
+                           "CategoryName = :id"),
+            item +
+                Bindings { { QStringLiteral(":fval"), intValue(frequency + 1) },
+                           { QStringLiteral(":lastP"), floatValue(t->LastPrice) } });
     }
     const int categoryId = GetCategoryID(t->CategoryName);
-    QSqlQuery query;
-    return run(query,
-               QStringLiteral("INSERT INTO Items (ItemName,CategoryName,CategoryID,LastPrice,UseFrequency) VALUES "
-                              "(:IName,:CatName,:CatID,:LPrice,:UseFreq);"),
-               { { QStringLiteral(":IName"), textValue(t->ItemName) },
-                 { QStringLiteral(":CatName"), textValue(t->CategoryName) },
-                 { QStringLiteral(":CatID"), intValue(categoryId) },
-                 { QStringLiteral(":LPrice"), floatValue(t->LastPrice) },
-                 { QStringLiteral(":UseFreq"), intValue(1) } });
+    return execute(QStringLiteral("INSERT INTO Items (ItemName,CategoryName,CategoryID,LastPrice,UseFrequency) VALUES "
+                                  "(:IName,:CatName,:CatID,:LPrice,:UseFreq);"),
+                   { { QStringLiteral(":IName"), textValue(t->ItemName) },
+                     { QStringLiteral(":CatName"), textValue(t->CategoryName) },
+                     { QStringLiteral(":CatID"), intValue(categoryId) },
+                     { QStringLiteral(":LPrice"), floatValue(t->LastPrice) },
+                     { QStringLiteral(":UseFreq"), intValue(1) } });
 }
 
 bool DatabaseManager::EditItem(Items *old, Items *newItem)
@@ -1075,14 +1262,12 @@ bool DatabaseManager::AddHistoricLocation(HistoricLocation *loc)
                               placeKey(*loc));
     if (present != 0)
         return true;
-    QSqlQuery query;
-    return run(query,
-               QStringLiteral("INSERT INTO HistoricLocation "
-                              "(LocationName,LocationLongitude,LocationLatitude,ReverseGeoLocation,CoordinateText) "
-                              "VALUES (:LocName,:loclong,:loclat,:RevGeo, :CoorTex);"),
-               placeKey(*loc) +
-                   Bindings { { QStringLiteral(":RevGeo"), textValue(loc->ReverseGeoLocation) },
-                              { QStringLiteral(":CoorTex"), textValue(loc->CoordinateText) } });
+    return execute(QStringLiteral("INSERT INTO HistoricLocation "
+                                  "(LocationName,LocationLongitude,LocationLatitude,ReverseGeoLocation,CoordinateText) "
+                                  "VALUES (:LocName,:loclong,:loclat,:RevGeo, :CoorTex);"),
+                   placeKey(*loc) +
+                       Bindings { { QStringLiteral(":RevGeo"), textValue(loc->ReverseGeoLocation) },
+                                  { QStringLiteral(":CoorTex"), textValue(loc->CoordinateText) } });
 }
 
 bool DatabaseManager::EditHistoricLocation(HistoricLocation *OldLoc, HistoricLocation *NewLoc)
@@ -1176,10 +1361,13 @@ bool DatabaseManager::writeEntry(const Entry *enteredEntry)
     item.ItemName = entry.ItemName;
     item.CategoryName = entry.CategoryName;
     item.LastPrice = entry.Price;
-    item.CategoryID = GetCategoryID(entry.CategoryName);
+    // One lookup serves the item and the entry: nothing in between writes
+    // to the category table.
+    const int categoryId = GetCategoryID(entry.CategoryName);
+    item.CategoryID = categoryId;
     item.UseFrequency = 1;
     entry.ItemID = AddItem(&item) ? GetItemID(entry.ItemName, entry.CategoryName) : 0;
-    entry.CategoryID = GetCategoryID(entry.CategoryName);
+    entry.CategoryID = categoryId;
 
     if (entry.EnableGeoLoc) {
         HistoricLocation place;
@@ -1198,24 +1386,22 @@ bool DatabaseManager::writeEntry(const Entry *enteredEntry)
         entry.GeoLocLongit = place.LocationLongitude;
     }
 
-    QSqlQuery query;
-    return run(query,
-               QStringLiteral("INSERT INTO Entry "
-                              "(ItemName,CategoryName,CategoryID,TransactDateTime,Price,LocationText,EnableGeoLoc,"
-                              "GeoLocID,GeoLocLongit,GeoLocLatit,ItemID) VALUES "
-                              "(:ItName,:CatName,:CatID,:TransDate,:pri,:LocTex,:EnabGeo,:GLocID,:LocLong,:LocLat,:"
-                              "ItID)"),
-               { { QStringLiteral(":ItName"), textValue(entry.ItemName) },
-                 { QStringLiteral(":CatName"), textValue(entry.CategoryName) },
-                 { QStringLiteral(":CatID"), intValue(entry.CategoryID) },
-                 { QStringLiteral(":TransDate"), dateTimeValue(entry.TransactDateTime) },
-                 { QStringLiteral(":pri"), floatValue(entry.Price) },
-                 { QStringLiteral(":LocTex"), textValue(entry.LocationText) },
-                 { QStringLiteral(":EnabGeo"), boolValue(entry.EnableGeoLoc) },
-                 { QStringLiteral(":GLocID"), intValue(entry.GeoLocID) },
-                 { QStringLiteral(":LocLong"), floatValue(entry.GeoLocLongit) },
-                 { QStringLiteral(":LocLat"), floatValue(entry.GeoLocLatit) },
-                 { QStringLiteral(":ItID"), intValue(entry.ItemID) } });
+    return execute(QStringLiteral("INSERT INTO Entry "
+                                  "(ItemName,CategoryName,CategoryID,TransactDateTime,Price,LocationText,EnableGeoLoc,"
+                                  "GeoLocID,GeoLocLongit,GeoLocLatit,ItemID) VALUES "
+                                  "(:ItName,:CatName,:CatID,:TransDate,:pri,:LocTex,:EnabGeo,:GLocID,:LocLong,:LocLat,:"
+                                  "ItID)"),
+                   { { QStringLiteral(":ItName"), textValue(entry.ItemName) },
+                     { QStringLiteral(":CatName"), textValue(entry.CategoryName) },
+                     { QStringLiteral(":CatID"), intValue(entry.CategoryID) },
+                     { QStringLiteral(":TransDate"), dateTimeValue(entry.TransactDateTime) },
+                     { QStringLiteral(":pri"), floatValue(entry.Price) },
+                     { QStringLiteral(":LocTex"), textValue(entry.LocationText) },
+                     { QStringLiteral(":EnabGeo"), boolValue(entry.EnableGeoLoc) },
+                     { QStringLiteral(":GLocID"), intValue(entry.GeoLocID) },
+                     { QStringLiteral(":LocLong"), floatValue(entry.GeoLocLongit) },
+                     { QStringLiteral(":LocLat"), floatValue(entry.GeoLocLatit) },
+                     { QStringLiteral(":ItID"), intValue(entry.ItemID) } });
 }
 
 bool DatabaseManager::DeleteEntry(Entry *ent)

@@ -5,12 +5,15 @@
 #include <QObject>
 #include <QPair>
 #include <QSqlDatabase>
+#include <QSqlQuery>
 #include <QString>
 #include <QVariant>
 
+#include <functional>
+#include <optional>
+#include <unordered_map>
 #include <utility>
 
-class QSqlQuery;
 class QSqlTableModel;
 
 // Plain records, one per table row, field for field in column order. Records
@@ -314,12 +317,34 @@ public:
     // keeps edits until they are submitted; it belongs to `parent`. Null
     // when the store has no connection (a refused store).
     QSqlTableModel *createTableModel(const QString &table, QObject *parent);
-    // Writes the edits of every model in turn, each waiting only briefly for
-    // a file that another program holds locked, so that a locked Save fails
-    // soon rather than once per model after the store's usual wait. True
-    // when no model holds edits afterwards; one that could not write them
-    // keeps them and tells why in lastError().
-    bool submitAll(const QList<QSqlTableModel *> &models);
+
+    // What a write transaction is for, which decides how it runs.
+    enum class WriteKind {
+        // A page's Save: the lock is waited for only briefly, so that a file
+        // another program holds does not freeze the page.
+        Edits,
+        // Many AddEntry calls at once: the store's usual wait for the lock.
+        Import,
+    };
+    // Runs `work` inside one transaction on the store's connection: what it
+    // wrote is stored when it returns true, nothing at all when it returns
+    // false or the file cannot take the writes. The write lock is taken
+    // before `work` starts, so a file held by another program fails here
+    // rather than half-way. True when the transaction was committed; else
+    // *failure (when given) holds SQLite's reason, unless `work` itself
+    // returned false, whose reason is its own to give.
+    bool runInTransaction(WriteKind kind, const std::function<bool()> &work, QString *failure = nullptr);
+
+    // Copies the database as it stands at one moment, page for page, into
+    // `destination`, a file that is new or empty; the copy opens as the same
+    // database. Other parts of the program may hold statements open on the
+    // store's connection meanwhile (not so where lists are read through
+    // Qt's driver, see usesSqliteHandle(): the copy is then VACUUM INTO's). `progress` (when given) hears how many
+    // pages are copied of how many, and stops the copy by returning false.
+    // False with SQLite's reason in *failure (when given) when no complete
+    // copy was made; the destination is then left to the caller to remove.
+    using Progress = std::function<bool(qint64 done, qint64 total)>;
+    bool backUpTo(const QString &destination, const Progress &progress = {}, QString *failure = nullptr);
 
 private:
     bool setupDatabase(QString dbname);
@@ -360,6 +385,16 @@ private:
     // default connection, prepared and bound. When the connection is not open
     // nothing is built at all, so an unopened store fails silently.
     bool run(QSqlQuery &query, const QString &statement, const Bindings &bindings = {});
+    // A bound statement ready to execute, for the helpers that read at most
+    // its first row: inside runInTransaction() the query kept for its text,
+    // prepared once; otherwise `fresh`, prepared now. Null when it cannot be
+    // prepared. A caller reads what it needs before the same text runs again.
+    QSqlQuery *bound(std::optional<QSqlQuery> &fresh, const QString &statement, const Bindings &bindings);
+    // Executes what bound() gave (false for null), noting a failure of the
+    // file as run() does.
+    bool executeBound(QSqlQuery *query);
+    // Runs a bound statement whose rows nobody reads.
+    bool execute(const QString &statement, const Bindings &bindings);
     // Runs a finished statement text as it is, without binding anything.
     bool runText(QSqlQuery &query, const QString &statement);
     // Runs a count statement; *count is column 0 of the first row, or 0.
@@ -378,10 +413,21 @@ private:
     QList<Record *> recordList(const QString &tableCountStatement, const QString &statement, const Bindings &bindings,
                                Read read);
 
+    bool indexItemsForImport();
+    void forgetPreparedStatements();
+
     QSqlDatabase db;
     QString fileName;
     QString lastOpenError;
     bool handleUsable = false;
     bool writing = false;
     bool writeFailed = false;
+    // Inside a transaction, the queries of the statements run so far, by
+    // statement text: an import runs the same dozen statements for every
+    // entry, and preparing them is most of the cost of each. A prepared
+    // query holds its statement open, so they are let go before the
+    // transaction ends; outside one every statement is prepared afresh and
+    // none keeps the file's read lock between calls.
+    std::unordered_map<QString, QSqlQuery> preparedStatements;
+    bool inTransaction = false;
 };

@@ -6,10 +6,14 @@
 #include "look.h"
 #include "notice.h"
 
+#include <QAction>
 #include <QHeaderView>
 #include <QItemSelectionModel>
 #include <QSqlError>
 #include <QSqlTableModel>
+
+#include <algorithm>
+#include <tuple>
 
 namespace {
 
@@ -26,6 +30,57 @@ enum EntryColumn {
     ItemIDColumn = 11,
 };
 
+int entrySNo(const QSqlTableModel *model, int row)
+{
+    return model->index(row, SNoColumn).data().toInt();
+}
+
+// What one table model holds unsaved, by SNo: its edited cells and the
+// entries marked for deletion. A model marks each row as written as it
+// writes it, and a rollback does not undo that mark: without these, a Save
+// that failed half-way would leave the model believing part of it stored.
+struct PendingEdits
+{
+    QSqlTableModel *model = nullptr;
+    QList<std::tuple<int, int, QVariant>> cells;
+    QSet<int> deleted;
+
+    PendingEdits(QSqlTableModel *model, const QSet<int> &deleted) : model(model), deleted(deleted)
+    {
+        if (!model->isDirty())
+            return;
+        for (int row = 0; row < model->rowCount(); ++row) {
+            const int sno = entrySNo(model, row);
+            if (deleted.contains(sno))
+                continue;
+            for (int column = 0; column < model->columnCount(); ++column) {
+                const QModelIndex index = model->index(row, column);
+                if (model->isDirty(index))
+                    cells.append({ sno, column, index.data(Qt::EditRole) });
+            }
+        }
+    }
+
+    // Reads the stored rows again and makes the same edits and marks.
+    void restore() const
+    {
+        model->select();
+        while (model->canFetchMore())
+            model->fetchMore();
+        QHash<int, int> rowOf;
+        for (int row = 0; row < model->rowCount(); ++row)
+            rowOf.insert(entrySNo(model, row), row);
+        for (const auto &[sno, column, value] : cells) {
+            if (rowOf.contains(sno))
+                model->setData(model->index(rowOf.value(sno), column), value);
+        }
+        for (const int sno : deleted) {
+            if (rowOf.contains(sno))
+                model->removeRow(rowOf.value(sno));
+        }
+    }
+};
+
 } // namespace
 
 OptionsWidget::OptionsWidget(QPointer<DatabaseManager> dbManager, QWidget *parent)
@@ -39,6 +94,17 @@ OptionsWidget::OptionsWidget(QPointer<DatabaseManager> dbManager, QWidget *paren
                                                        new EntryDateTimeDelegate(ui->tableViewEditEntries));
     ui->tableViewEditEntries->setItemDelegateForColumn(PriceColumn, new EntryPriceDelegate(ui->tableViewEditEntries));
     connect(ui->pushButtonSaveChanges, &QPushButton::clicked, this, &OptionsWidget::saveEntryEdits);
+    connect(ui->pushButtonCancelChanges, &QPushButton::clicked, this, &OptionsWidget::cancelEntryEdits);
+
+    // The Delete key (while the table, not a cell's editor, has the focus)
+    // and the table's context menu mark the selected rows for deletion.
+    auto *deleteEntry = new QAction(tr("Delete Entry"), ui->tableViewEditEntries);
+    deleteEntry->setObjectName(QStringLiteral("actionDeleteEntry"));
+    deleteEntry->setShortcut(QKeySequence::Delete);
+    deleteEntry->setShortcutContext(Qt::WidgetShortcut);
+    connect(deleteEntry, &QAction::triggered, this, &OptionsWidget::markSelectedEntriesForDeletion);
+    ui->tableViewEditEntries->addAction(deleteEntry);
+    ui->tableViewEditEntries->setContextMenuPolicy(Qt::ActionsContextMenu);
 
     // Switching to the first tab fills the old-name list through the slot;
     // the direct call fills it once more, so a new page lists every category
@@ -161,6 +227,11 @@ void OptionsWidget::ShowEditEntriesDetails()
     if (!model)
         return;
     QItemSelectionModel *oldSelection = ui->tableViewEditEntries->selectionModel();
+    // Rows hidden for the model shown before would hide rows of this one.
+    if (QAbstractItemModel *shown = ui->tableViewEditEntries->model()) {
+        for (int row = 0; row < shown->rowCount(); ++row)
+            ui->tableViewEditEntries->setRowHidden(row, false);
+    }
     ui->tableViewEditEntries->setModel(model);
     delete oldSelection;
 
@@ -168,30 +239,102 @@ void OptionsWidget::ShowEditEntriesDetails()
                         GeoLocLongitColumn, GeoLocLatitColumn, ItemIDColumn })
         ui->tableViewEditEntries->hideColumn(column);
     ui->tableViewEditEntries->horizontalHeader()->resizeSections(QHeaderView::Stretch);
+}
 
-    connect(ui->pushButtonCancelChanges, &QPushButton::clicked, model, &QSqlTableModel::revertAll);
+bool OptionsWidget::hasUnsavedEntryChanges() const
+{
+    const QList<QSqlTableModel *> models = entryModels();
+    return std::any_of(models.cbegin(), models.cend(), [](const QSqlTableModel *model) { return model->isDirty(); });
+}
+
+QList<QSqlTableModel *> OptionsWidget::entryModels() const
+{
+    return findChildren<QSqlTableModel *>(QString(), Qt::FindDirectChildrenOnly);
+}
+
+void OptionsWidget::markSelectedEntriesForDeletion()
+{
+    auto *model = qobject_cast<QSqlTableModel *>(ui->tableViewEditEntries->model());
+    if (!model)
+        return;
+    QSet<int> rows;
+    for (const QModelIndex &index : ui->tableViewEditEntries->selectionModel()->selectedIndexes())
+        rows.insert(index.row());
+    for (const int row : rows) {
+        if (ui->tableViewEditEntries->isRowHidden(row))
+            continue;
+        // The model keeps the row until Save and gives it back at Cancel.
+        markedEntries[model].insert(entrySNo(model, row));
+        model->removeRow(row);
+    }
+    hideMarkedRows();
+}
+
+void OptionsWidget::hideMarkedRows()
+{
+    QTableView *view = ui->tableViewEditEntries;
+    auto *model = qobject_cast<QSqlTableModel *>(view->model());
+    if (!model)
+        return;
+    const QSet<int> marked = markedEntries.value(model);
+    for (int row = 0; row < model->rowCount(); ++row) {
+        const bool hidden = !marked.isEmpty() && marked.contains(entrySNo(model, row));
+        if (view->isRowHidden(row) != hidden)
+            view->setRowHidden(row, hidden);
+    }
+}
+
+void OptionsWidget::cancelEntryEdits()
+{
+    for (QSqlTableModel *model : entryModels())
+        model->revertAll();
+    markedEntries.clear();
+    hideMarkedRows();
 }
 
 void OptionsWidget::saveEntryEdits()
 {
-    const QList<QSqlTableModel *> models = findChildren<QSqlTableModel *>(QString(), Qt::FindDirectChildrenOnly);
-    if (!dbManager || models.isEmpty() || dbManager->submitAll(models))
+    // One transaction for the edits and deletions of every model the page
+    // made: either all of them are stored, or none is.
+    const QList<QSqlTableModel *> models = entryModels();
+    if (!dbManager || !hasUnsavedEntryChanges())
         return;
+    QList<PendingEdits> pending;
+    for (QSqlTableModel *model : models)
+        pending.append(PendingEdits(model, markedEntries.value(model)));
 
-    // A model still holding edits after Save could not write them (the file
-    // locked by another program, a full disk). The edits stay in the table so
-    // that a later Save can store them, but the user must not believe they
-    // are saved.
+    bool submitted = false;
     QString reason;
-    for (const QSqlTableModel *model : models) {
-        if (model->isDirty()) {
-            reason = model->lastError().text().trimmed();
-            break;
-        }
+    const bool saved = dbManager->runInTransaction(
+        DatabaseManager::WriteKind::Edits,
+        [&] {
+            submitted = true;
+            for (QSqlTableModel *model : models) {
+                if (!model->submitAll()) {
+                    reason = model->lastError().text();
+                    return false;
+                }
+            }
+            return true;
+        },
+        &reason);
+    if (saved) {
+        markedEntries.clear();
+        hideMarkedRows();
+        return;
     }
+
+    // Nothing was stored (the file locked by another program, a full disk).
+    // The edits and marks stay in the table so that a later Save can store
+    // them, but the user must not believe they are saved.
+    if (submitted) {
+        for (const PendingEdits &edits : pending)
+            edits.restore();
+    }
+    hideMarkedRows();
     QString text = tr("Your changes to the entries could not be saved.");
-    if (!reason.isEmpty())
-        text += QStringLiteral("\n\n") + reason;
+    if (!reason.trimmed().isEmpty())
+        text += QStringLiteral("\n\n") + reason.trimmed();
     text +=
         QStringLiteral("\n\n") + tr("They are still in the table: press Save to try again, or Cancel to drop them.");
     Notice::warn(text);

@@ -1,10 +1,14 @@
 #pragma once
 
+#include <QHash>
+#include <QList>
 #include <QPointer>
+#include <QSet>
 #include <QString>
 #include <QWidget>
 
 class DatabaseManager;
+class QSqlTableModel;
 
 namespace Ui {
 class OptionsWidget;
@@ -12,7 +16,9 @@ class OptionsWidget;
 
 // The options page: adds and renames categories, switches the spending mode
 // of this page, and edits the stored entries in a table saved or reverted as
-// a batch. The store is borrowed, never owned.
+// a batch; rows marked for deletion (Delete key, "Delete Entry") are hidden
+// until Save removes them or Cancel brings them back. The store is
+// borrowed, never owned.
 class OptionsWidget : public QWidget
 {
     Q_OBJECT
@@ -21,6 +27,9 @@ class OptionsWidget : public QWidget
 public:
     explicit OptionsWidget(QPointer<DatabaseManager> dbManager, QWidget *parent = nullptr);
     ~OptionsWidget() override;
+
+    // Whether the entries table holds edits or deletions not yet saved.
+    bool hasUnsavedEntryChanges() const;
 
 private slots:
     void on_pushButtonChangeMode_clicked();
@@ -33,8 +42,14 @@ private:
     void ShowSwitchModeDetails();
     void ShowEditEntriesDetails();
     void saveEntryEdits();
+    void cancelEntryEdits();
+    void markSelectedEntriesForDeletion();
+    QList<QSqlTableModel *> entryModels() const;
+    void hideMarkedRows();
 
     Ui::OptionsWidget *ui;
     QPointer<DatabaseManager> dbManager;
     QString currentMode;
+    // The entries each table model has marked for deletion, by SNo.
+    QHash<QSqlTableModel *, QSet<int>> markedEntries;
 };

@@ -191,8 +191,19 @@ private slots:
     void aStoreAskedForAnotherFileWhileOneLivesIsRefusedAndChangesNothing();
     void theLastStoreToGoClosesTheConnectionSoTheNextOpensItsOwnHome();
     void tableModelsShowAndEditTheStoredRowsUntilSubmitted();
-    void aLockedFileFailsASubmissionSoonAndLeavesTheEditsForLater();
+    void aLockedFileFailsAnEditsTransactionSoonBeforeItsWorkRuns();
     void theStoreRunsWithoutAnyGuiLibrary();
+
+    // Transactions and backups
+    void aTransactionStoresEverythingItsWorkWrote();
+    void aTransactionWhoseWorkFailsStoresNothing();
+    void aCommitThatCannotGetTheFileStoresNothingAndSaysWhy();
+    void anImportTransactionIndexesTheCatalogueOnlyWhileItRuns();
+    void anImportTransactionBesideAnUnfinishedReadRunsWithoutTheIndex();
+    void statementsRepeatedInATransactionGiveTheSameResultsAsOutside();
+    void aBackupWhileAModelHoldsAStatementOpenEqualsTheFile();
+    void aCancelledBackupSaysSoAndCopiesNothingMore();
+    void aBackupEqualsTheFileWithOrWithoutTheSqliteHandle();
 
     // Storage forms
     void theStoreWritesDatesBooleansAndFloatsInTheirStorageForms();
@@ -739,13 +750,13 @@ void tst_DatabaseManager::tableModelsShowAndEditTheStoredRowsUntilSubmitted()
     RawDatabase raw(home->databasePath());
     QCOMPARE(raw.scalar(QStringLiteral("select ItemName from Entry where SNo = 1")).toString(),
              QStringLiteral("Coffee"));
-    QVERIFY(store->submitAll({ model.get() }));
+    QVERIFY(store->runInTransaction(DatabaseManager::WriteKind::Edits, [&] { return model->submitAll(); }));
     QCOMPARE(raw.scalar(QStringLiteral("select ItemName from Entry where SNo = 1")).toString(),
              QStringLiteral("Espresso"));
     QVERIFY(!model->isDirty());
 }
 
-void tst_DatabaseManager::aLockedFileFailsASubmissionSoonAndLeavesTheEditsForLater()
+void tst_DatabaseManager::aLockedFileFailsAnEditsTransactionSoonBeforeItsWorkRuns()
 {
     auto store = startStore();
     addSampleEntries(*store);
@@ -759,17 +770,26 @@ void tst_DatabaseManager::aLockedFileFailsASubmissionSoonAndLeavesTheEditsForLat
     QVERIFY(raw.exec(QStringLiteral("BEGIN EXCLUSIVE")));
     QElapsedTimer submitting;
     submitting.start();
-    QVERIFY(!store->submitAll({ model.get() }));
-    // A submission waits far less than the store's own wait, which is back
-    // in force afterwards.
+    bool ran = false;
+    QString failure;
+    QVERIFY(!store->runInTransaction(
+        DatabaseManager::WriteKind::Edits,
+        [&] {
+            ran = true;
+            return model->submitAll();
+        },
+        &failure));
+    // The write lock is taken first, so the models are never reached; a
+    // page's Save waits far less than the store's own wait, which is back in
+    // force afterwards.
+    QVERIFY(!ran);
     QVERIFY2(submitting.elapsed() < 2500, qPrintable(QString::number(submitting.elapsed())));
     QCOMPARE(connectionBusyTimeout(), 5000);
+    QVERIFY2(failure.contains(QStringLiteral("database is locked")), qPrintable(failure));
     QVERIFY(model->isDirty());
-    QVERIFY2(model->lastError().text().contains(QStringLiteral("database is locked")),
-             qPrintable(model->lastError().text()));
     QVERIFY(raw.exec(QStringLiteral("ROLLBACK")));
 
-    QVERIFY(store->submitAll({ model.get() }));
+    QVERIFY(store->runInTransaction(DatabaseManager::WriteKind::Edits, [&] { return model->submitAll(); }));
     QVERIFY(!model->isDirty());
     QCOMPARE(raw.scalar(QStringLiteral("select Price from Entry where SNo = 1")).toFloat(), 7.25f);
     QCOMPARE(raw.scalar(QStringLiteral("select Price from Entry where SNo = 2")).toFloat(), 8.5f);
@@ -782,8 +802,243 @@ void tst_DatabaseManager::theStoreRunsWithoutAnyGuiLibrary()
     addSampleEntries(*store);
     QCOMPARE(owned(store->GetAllEntries()).size(), 5);
     std::unique_ptr<QSqlTableModel> model(store->createTableModel(QStringLiteral("Entry"), nullptr));
-    QVERIFY(store->submitAll({ model.get() }));
+    QVERIFY(store->runInTransaction(DatabaseManager::WriteKind::Edits, [&] { return model->submitAll(); }));
+    QVERIFY(store->backUpTo(home->filePath(QStringLiteral("copy.db"))));
     QCOMPARE(loadedGuiLibraries(), QStringList());
+}
+
+// Transactions and backups
+
+void tst_DatabaseManager::aTransactionStoresEverythingItsWorkWrote()
+{
+    auto store = startStore();
+    QVERIFY(store->runInTransaction(DatabaseManager::WriteKind::Import, [&] {
+        Entry first = makeEntry(QStringLiteral("Coffee"), QStringLiteral("Drinks"), at(2026, 1, 10, 8, 0), 3.0f);
+        Entry second = makeEntry(QStringLiteral("Coffee"), QStringLiteral("Drinks"), at(2026, 1, 11, 8, 0), 3.5f);
+        return store->AddCategory(QStringLiteral("Pets")) && store->AddEntry(&first) && store->AddEntry(&second);
+    }));
+    RawDatabase raw(home->databasePath());
+    QCOMPARE(raw.scalar(QStringLiteral("select count(*) from Entry")).toInt(), 2);
+    QCOMPARE(raw.rows(QStringLiteral("select ItemName, UseFrequency, LastPrice from Items")),
+             QList<QVariantList>({ { QStringLiteral("Coffee"), 2, 3.5 } }));
+    QCOMPARE(raw.scalar(QStringLiteral("select count(*) from Category where CategoryName = 'Pets'")).toInt(), 1);
+    // Nothing of the transaction's own making stays in the file.
+    QCOMPARE(raw.scalar(QStringLiteral("select count(*) from sqlite_master where type = 'index' and sql is not null"))
+                 .toInt(),
+             0);
+}
+
+void tst_DatabaseManager::aTransactionWhoseWorkFailsStoresNothing()
+{
+    auto store = startStore();
+    addSampleEntries(*store);
+    RawDatabase raw(home->databasePath());
+    const QStringList before = raw.dumpTables();
+    QString failure = QStringLiteral("the work's own reason");
+    QVERIFY(!store->runInTransaction(
+        DatabaseManager::WriteKind::Import,
+        [&] {
+            Entry entry = makeEntry(QStringLiteral("Cake"), QStringLiteral("Sweets"), at(2026, 4, 1), 6.0f,
+                                    QStringLiteral("Bakery"), true, 10.0f, 20.0f);
+            return store->AddCategory(QStringLiteral("Sweets")) && store->AddEntry(&entry) && false;
+        },
+        &failure));
+    QCOMPARE(failure, QStringLiteral("the work's own reason"));
+    QCOMPARE(raw.dumpTables(), before);
+    // The store goes on as before, outside any transaction.
+    Entry after = makeEntry(QStringLiteral("Tea"), QStringLiteral("Drinks"), at(2026, 4, 2), 1.0f);
+    QVERIFY(store->AddEntry(&after));
+    QCOMPARE(raw.scalar(QStringLiteral("select count(*) from Entry")).toInt(), 6);
+}
+
+void tst_DatabaseManager::aCommitThatCannotGetTheFileStoresNothingAndSaysWhy()
+{
+    auto store = startStore();
+    addSampleEntries(*store);
+    RawDatabase raw(home->databasePath());
+    const QStringList before = raw.dumpTables();
+    // Another program in the middle of reading: the store may write its
+    // journal, but not put the changes into the file.
+    QVERIFY(raw.exec(QStringLiteral("BEGIN")));
+    QCOMPARE(raw.scalar(QStringLiteral("select count(*) from Entry")).toInt(), 5);
+    QString failure;
+    QVERIFY(!store->runInTransaction(
+        DatabaseManager::WriteKind::Edits,
+        [&] {
+            Entry entry = makeEntry(QStringLiteral("Cake"), QStringLiteral("Food"), at(2026, 4, 1), 6.0f);
+            return store->AddEntry(&entry);
+        },
+        &failure));
+    QVERIFY2(failure.contains(QStringLiteral("database is locked")), qPrintable(failure));
+    QVERIFY(raw.exec(QStringLiteral("COMMIT")));
+    QCOMPARE(raw.dumpTables(), before);
+    QCOMPARE(store->GetTotalNumberOfEntries(), 5);
+}
+
+void tst_DatabaseManager::anImportTransactionIndexesTheCatalogueOnlyWhileItRuns()
+{
+    auto store = startStore();
+    // Indexes of our own making: the ones SQLite makes for UNIQUE columns
+    // have no statement.
+    const QString indexes = QStringLiteral("select count(*) from sqlite_master where type = 'index' and tbl_name = "
+                                           "'Items' and sql is not null");
+    int during = -1;
+    QVERIFY(store->runInTransaction(DatabaseManager::WriteKind::Import, [&] {
+        QSqlQuery query(QSqlDatabase::database());
+        during = query.exec(indexes) && query.next() ? query.value(0).toInt() : -1;
+        return true;
+    }));
+    QCOMPARE(during, 1);
+    QVERIFY(store->runInTransaction(DatabaseManager::WriteKind::Edits, [&] {
+        QSqlQuery query(QSqlDatabase::database());
+        during = query.exec(indexes) && query.next() ? query.value(0).toInt() : -1;
+        return true;
+    }));
+    QCOMPARE(during, 0);
+    RawDatabase raw(home->databasePath());
+    QCOMPARE(raw.scalar(indexes).toInt(), 0);
+    QCOMPARE(raw.scalar(QStringLiteral("PRAGMA integrity_check")).toString(), QStringLiteral("ok"));
+}
+
+void tst_DatabaseManager::anImportTransactionBesideAnUnfinishedReadRunsWithoutTheIndex()
+{
+    auto store = startStore();
+    // More rows than a table model reads at first: its statement stays open.
+    QVERIFY(store->runInTransaction(DatabaseManager::WriteKind::Import, [&] {
+        for (int i = 0; i < 600; ++i) {
+            Entry entry = makeEntry(QStringLiteral("Item %1").arg(i % 7), QStringLiteral("Food"),
+                                    at(2026, 1, 1).addSecs(i * 60), 1.0f + i);
+            if (!store->AddEntry(&entry))
+                return false;
+        }
+        return true;
+    }));
+    std::unique_ptr<QSqlTableModel> model(store->createTableModel(QStringLiteral("Entry"), nullptr));
+    QVERIFY(model->canFetchMore());
+
+    int during = -1;
+    QVERIFY(store->runInTransaction(DatabaseManager::WriteKind::Import, [&] {
+        QSqlQuery query(QSqlDatabase::database());
+        during = query.exec(QStringLiteral("select count(*) from sqlite_master where type = 'index' and tbl_name = "
+                                           "'Items' and sql is not null")) &&
+                query.next()
+            ? query.value(0).toInt()
+            : -1;
+        Entry entry = makeEntry(QStringLiteral("Item 3"), QStringLiteral("Food"), at(2026, 6, 1), 2.0f);
+        return store->AddEntry(&entry);
+    }));
+    QCOMPARE(during, 0);
+    QCOMPARE(store->GetTotalNumberOfEntries(), 601);
+    // The model goes on reading the rows it had not fetched yet.
+    while (model->canFetchMore())
+        model->fetchMore();
+    QVERIFY2(model->rowCount() >= 600, qPrintable(QString::number(model->rowCount())));
+}
+
+void tst_DatabaseManager::statementsRepeatedInATransactionGiveTheSameResultsAsOutside()
+{
+    // The same entries, once one by one and once in a transaction that
+    // prepares each statement once: the two files hold the same rows.
+    const auto addAll = [](DatabaseManager &store) {
+        for (int i = 0; i < 40; ++i) {
+            Entry entry =
+                makeEntry(QStringLiteral("Item %1").arg(i % 5),
+                          i % 2 ? QStringLiteral("Food") : QStringLiteral("Unknown"), at(2026, 1, 1).addDays(i),
+                          1.5f * i, QStringLiteral("Place %1").arg(i % 3), i % 3 == 0, 10.0f + i % 3, 20.0f);
+            if (!store.AddEntry(&entry))
+                return false;
+        }
+        return true;
+    };
+    QStringList outside;
+    {
+        auto store = startStore();
+        QVERIFY(addAll(*store));
+        RawDatabase raw(home->databasePath());
+        outside = raw.dumpTables();
+    }
+    home.reset();
+    home = std::make_unique<TempHome>();
+    auto store = startStore();
+    QVERIFY(store->runInTransaction(DatabaseManager::WriteKind::Import, [&] { return addAll(*store); }));
+    RawDatabase raw(home->databasePath());
+    QCOMPARE(raw.dumpTables(), outside);
+    // Five items in two categories, each pair used four times.
+    QCOMPARE(raw.scalar(QStringLiteral("select count(*) from Items")).toInt(), 10);
+    QCOMPARE(raw.scalar(QStringLiteral("select min(UseFrequency) from Items")).toInt(), 4);
+}
+
+void tst_DatabaseManager::aBackupWhileAModelHoldsAStatementOpenEqualsTheFile()
+{
+    auto store = startStore();
+    QVERIFY(store->runInTransaction(DatabaseManager::WriteKind::Import, [&] {
+        for (int i = 0; i < 700; ++i) {
+            Entry entry =
+                makeEntry(QStringLiteral("Item %1").arg(i % 11), QStringLiteral("Food"),
+                          at(2026, 1, 1).addSecs(i * 600), 0.5f + i, QStringLiteral("Shop"), i % 2, 1.0f, 2.0f);
+            if (!store->AddEntry(&entry))
+                return false;
+        }
+        return true;
+    }));
+    // A page's table model that has read only its first rows keeps its
+    // statement open on the store's connection.
+    std::unique_ptr<QSqlTableModel> model(store->createTableModel(QStringLiteral("Entry"), nullptr));
+    QVERIFY(model->canFetchMore());
+
+    const QString copy = home->filePath(QStringLiteral("copy.db"));
+    QList<qint64> steps;
+    QString failure;
+    QVERIFY2(store->backUpTo(
+                 copy,
+                 [&](qint64 done, qint64 total) {
+                     steps.append(done);
+                     return done <= total;
+                 },
+                 &failure),
+             qPrintable(failure));
+    QVERIFY(!steps.isEmpty());
+
+    RawDatabase source(home->databasePath());
+    RawDatabase backup(copy);
+    QCOMPARE(backup.scalar(QStringLiteral("PRAGMA integrity_check")).toString(), QStringLiteral("ok"));
+    QCOMPARE(backup.dumpTables(), source.dumpTables());
+    QCOMPARE(backup.scalar(QStringLiteral("select count(*) from Entry")).toInt(), 700);
+    QCOMPARE(model->rowCount(), 256);
+}
+
+void tst_DatabaseManager::aBackupEqualsTheFileWithOrWithoutTheSqliteHandle()
+{
+    // Run twice by ctest: on the handle, and through Qt's driver alone.
+    auto store = startStore();
+    addSampleEntries(*store);
+    const QString copy = home->filePath(QStringLiteral("copy.db"));
+    QString failure;
+    QList<qint64> told;
+    QVERIFY2(store->backUpTo(
+                 copy,
+                 [&](qint64 done, qint64 total) {
+                     told.append(total - done);
+                     return true;
+                 },
+                 &failure),
+             qPrintable(failure));
+    QCOMPARE(told.constLast(), 0);
+    RawDatabase backup(copy);
+    QCOMPARE(backup.scalar(QStringLiteral("PRAGMA integrity_check")).toString(), QStringLiteral("ok"));
+    RawDatabase source(home->databasePath());
+    QCOMPARE(backup.dumpTables(), source.dumpTables());
+    QCOMPARE(backup.scalar(QStringLiteral("select count(*) from Entry")).toInt(), 5);
+}
+
+void tst_DatabaseManager::aCancelledBackupSaysSoAndCopiesNothingMore()
+{
+    auto store = startStore();
+    addSampleEntries(*store);
+    QString failure;
+    QVERIFY(!store->backUpTo(
+        home->filePath(QStringLiteral("copy.db")), [](qint64, qint64) { return false; }, &failure));
+    QCOMPARE(failure, QStringLiteral("The backup was cancelled."));
 }
 
 // Storage forms

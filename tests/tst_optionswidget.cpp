@@ -15,6 +15,7 @@
 #include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMenu>
 #include <QPointer>
 #include <QPushButton>
 #include <QRegularExpression>
@@ -26,6 +27,7 @@
 #include <QTabWidget>
 #include <QTableView>
 #include <QTextDocument>
+#include <QTimer>
 #include <QtTest>
 
 namespace {
@@ -201,6 +203,15 @@ private slots:
     void aFailedSaveIsReportedOnceAndKeepsTheEditsForALaterSave();
     void theStoreKeepsWorkingAfterTheEntriesTab();
     void anUnreadableFileLeavesTheTableEmptyAndSilent();
+
+    // Deleting entries
+    void theDeleteKeyHidesTheSelectedRowsAndSaveRemovesExactlyThoseEntries();
+    void theContextMenuOffersDeleteEntryForTheRowUnderThePointer();
+    void cancelBringsMarkedRowsBackAndDeletesNothing();
+    void theDeleteKeyInACellsEditorDeletesTextNotTheRow();
+    void aLockedFileOnSaveStoresNothingAndKeepsTheMarksAndEdits();
+    void aSaveRefusedAtItsCommitGivesBackEveryEditAndMark();
+    void rowsMarkedBeforeTheTableWasReloadedAreDeletedBySaveToo();
 
     // The main window
     void optionsShowsThePageOnStackedPage2();
@@ -1170,6 +1181,259 @@ void TestOptionsWidget::anUnreadableFileLeavesTheTableEmptyAndSilent()
     QVERIFY(answerer.seen().isEmpty());
     QVERIFY(answerer.errors().isEmpty());
     QCOMPARE(QFile(home.databasePath()).size(), 4096);
+}
+
+// Deleting entries
+
+namespace {
+
+// Four entries, and a page on its entries tab.
+struct DeletionFixture
+{
+    Fixture f;
+    QList<int> snos;
+    OptionsWidget page { &f.store };
+
+    DeletionFixture()
+    {
+        const QStringList items = { QStringLiteral("Bread"), QStringLiteral("Coffee"), QStringLiteral("Cake"),
+                                    QStringLiteral("Tea") };
+        for (int i = 0; i < items.size(); ++i)
+            snos.append(f.raw.insertEntry(items.at(i), QStringLiteral("Food"),
+                                          QDateTime(QDate(2026, 3, 1 + i), QTime(8, 0)), 1.5 + i));
+        page.show();
+        tabs(page)->setCurrentIndex(EntriesTab);
+    }
+
+    QTableView *view() const { return entriesView(page); }
+    QSqlTableModel *model() const { return entriesModel(page); }
+
+    QList<int> storedSNos()
+    {
+        QList<int> stored;
+        for (const QVariantList &row : f.raw.rows(QStringLiteral("SELECT SNo FROM Entry ORDER BY SNo")))
+            stored.append(row.at(0).toInt());
+        return stored;
+    }
+
+    QList<bool> hiddenRows() const
+    {
+        QList<bool> hidden;
+        for (int row = 0; row < model()->rowCount(); ++row)
+            hidden.append(view()->isRowHidden(row));
+        return hidden;
+    }
+
+    void select(std::initializer_list<int> rows)
+    {
+        view()->clearSelection();
+        for (int row : rows)
+            view()->selectionModel()->select(model()->index(row, ItemNameColumn),
+                                             QItemSelectionModel::Select | QItemSelectionModel::Rows);
+    }
+
+    void pressDelete()
+    {
+        view()->setFocus();
+        QTest::keyClick(view(), Qt::Key_Delete);
+    }
+};
+
+} // namespace
+
+void TestOptionsWidget::theDeleteKeyHidesTheSelectedRowsAndSaveRemovesExactlyThoseEntries()
+{
+    DeletionFixture d;
+    QVERIFY(QTest::qWaitForWindowExposed(&d.page));
+    const QList<QVariantList> items = d.f.raw.rows(QStringLiteral("SELECT * FROM Items ORDER BY SNo"));
+    d.select({ 1, 2 });
+    d.pressDelete();
+    QCOMPARE(d.hiddenRows(), QList<bool>({ false, true, true, false }));
+    // Nothing leaves the file before Save.
+    QCOMPARE(d.storedSNos(), d.snos);
+
+    MessageBoxAnswerer answerer;
+    child<QPushButton>(d.page, "pushButtonSaveChanges")->click();
+    QCoreApplication::processEvents();
+    QVERIFY(answerer.seen().isEmpty());
+    QCOMPARE(d.storedSNos(), QList<int>({ d.snos.at(0), d.snos.at(3) }));
+    QCOMPARE(d.model()->rowCount(), 2);
+    QCOMPARE(d.hiddenRows(), QList<bool>({ false, false }));
+    QCOMPARE(d.model()->index(1, ItemNameColumn).data().toString(), QStringLiteral("Tea"));
+    // The catalogue counts what was entered, deleted or not.
+    QCOMPARE(d.f.raw.rows(QStringLiteral("SELECT * FROM Items ORDER BY SNo")), items);
+    d.page.close();
+}
+
+void TestOptionsWidget::theContextMenuOffersDeleteEntryForTheRowUnderThePointer()
+{
+    DeletionFixture d;
+    QVERIFY(QTest::qWaitForWindowExposed(&d.page));
+    QTableView *view = d.view();
+    QCOMPARE(view->contextMenuPolicy(), Qt::ActionsContextMenu);
+
+    QStringList offered;
+    QTimer::singleShot(0, [&offered] {
+        auto *menu = qobject_cast<QMenu *>(QApplication::activePopupWidget());
+        if (!menu)
+            return;
+        for (const QAction *action : menu->actions())
+            offered.append(action->text());
+        QTest::keyClick(menu, Qt::Key_Down);
+        QTest::keyClick(menu, Qt::Key_Return);
+    });
+    // A right click selects the row under the pointer, then opens the menu.
+    const QRect cell = view->visualRect(d.model()->index(2, ItemNameColumn));
+    QTest::mouseClick(view->viewport(), Qt::RightButton, {}, cell.center());
+    QContextMenuEvent event(QContextMenuEvent::Mouse, cell.center(), view->viewport()->mapToGlobal(cell.center()));
+    QCoreApplication::sendEvent(view->viewport(), &event);
+
+    QCOMPARE(offered, QStringList { QStringLiteral("Delete Entry") });
+    QCOMPARE(d.hiddenRows(), QList<bool>({ false, false, true, false }));
+    child<QPushButton>(d.page, "pushButtonSaveChanges")->click();
+    QCOMPARE(d.storedSNos(), QList<int>({ d.snos.at(0), d.snos.at(1), d.snos.at(3) }));
+    d.page.close();
+}
+
+void TestOptionsWidget::cancelBringsMarkedRowsBackAndDeletesNothing()
+{
+    DeletionFixture d;
+    QVERIFY(QTest::qWaitForWindowExposed(&d.page));
+    QWidget *editor = openEditor(d.view(), 3, PriceColumn);
+    typeInto(editor, QStringLiteral("8"));
+    commit(editor);
+    QTRY_VERIFY(d.model()->isDirty());
+    d.select({ 0, 3 });
+    d.pressDelete();
+    QCOMPARE(d.hiddenRows(), QList<bool>({ true, false, false, true }));
+
+    child<QPushButton>(d.page, "pushButtonCancelChanges")->click();
+    QCOMPARE(d.hiddenRows(), QList<bool>({ false, false, false, false }));
+    QVERIFY(!d.model()->isDirty());
+    QCOMPARE(d.model()->index(3, PriceColumn).data().toDouble(), 4.5);
+
+    child<QPushButton>(d.page, "pushButtonSaveChanges")->click();
+    QCOMPARE(d.storedSNos(), d.snos);
+    QCOMPARE(entryPrice(d.f.raw, d.snos.at(3)), 4.5);
+    d.page.close();
+}
+
+void TestOptionsWidget::theDeleteKeyInACellsEditorDeletesTextNotTheRow()
+{
+    DeletionFixture d;
+    QVERIFY(QTest::qWaitForWindowExposed(&d.page));
+    auto *editor = qobject_cast<QLineEdit *>(openEditor(d.view(), 1, ItemNameColumn));
+    QVERIFY(editor);
+    editor->setFocus();
+    editor->setCursorPosition(0);
+    QTest::keyClick(editor, Qt::Key_Delete);
+    QCOMPARE(editor->text(), QStringLiteral("offee"));
+    QCOMPARE(d.hiddenRows(), QList<bool>({ false, false, false, false }));
+    d.page.close();
+}
+
+void TestOptionsWidget::aLockedFileOnSaveStoresNothingAndKeepsTheMarksAndEdits()
+{
+    DeletionFixture d;
+    QVERIFY(QTest::qWaitForWindowExposed(&d.page));
+    QWidget *editor = openEditor(d.view(), 0, PriceColumn);
+    typeInto(editor, QStringLiteral("7.25"));
+    commit(editor);
+    QTRY_COMPARE(d.model()->index(0, PriceColumn).data().toDouble(), 7.25);
+    d.select({ 1, 2 });
+    d.pressDelete();
+    const QStringList before = d.f.raw.dumpTables();
+
+    // Another program holds the file.
+    RawDatabase other(d.f.home.databasePath());
+    QVERIFY(other.exec(QStringLiteral("BEGIN EXCLUSIVE")));
+    MessageBoxAnswerer answerer;
+    answerer.answer(QMessageBox::Ok);
+    child<QPushButton>(d.page, "pushButtonSaveChanges")->click();
+    QCOMPARE(answerer.seen().size(), 1);
+    const SeenMessageBox &box = answerer.seen().constFirst();
+    QVERIFY2(box.text.startsWith(unsavedText), qPrintable(box.text));
+    QVERIFY2(box.text.contains(QStringLiteral("database is locked")), qPrintable(box.text));
+    VERIFY_BOX_SHAPE(box, BoxKind::Warning);
+    QVERIFY(other.exec(QStringLiteral("ROLLBACK")));
+
+    QCOMPARE(d.f.raw.dumpTables(), before);
+    QCOMPARE(d.hiddenRows(), QList<bool>({ false, true, true, false }));
+    QCOMPARE(d.model()->index(0, PriceColumn).data().toDouble(), 7.25);
+
+    // Once the file is free, the same Save stores all of it.
+    child<QPushButton>(d.page, "pushButtonSaveChanges")->click();
+    QCOMPARE(answerer.seen().size(), 1);
+    QCOMPARE(d.storedSNos(), QList<int>({ d.snos.at(0), d.snos.at(3) }));
+    QCOMPARE(entryPrice(d.f.raw, d.snos.at(0)), 7.25);
+    d.page.close();
+}
+
+void TestOptionsWidget::aSaveRefusedAtItsCommitGivesBackEveryEditAndMark()
+{
+    DeletionFixture d;
+    QVERIFY(QTest::qWaitForWindowExposed(&d.page));
+    // Two visits: two models, and the first one's edit is written before
+    // the second's.
+    QWidget *editor = openEditor(d.view(), 3, ItemNameColumn);
+    typeInto(editor, QStringLiteral("Green tea"));
+    commit(editor);
+    QTRY_VERIFY(d.model()->isDirty());
+    tabs(d.page)->setCurrentIndex(CategoryTab);
+    tabs(d.page)->setCurrentIndex(EntriesTab);
+    editor = openEditor(d.view(), 0, PriceColumn);
+    typeInto(editor, QStringLiteral("6.5"));
+    commit(editor);
+    QTRY_VERIFY(d.model()->isDirty());
+    d.select({ 2 });
+    d.pressDelete();
+    const QStringList before = d.f.raw.dumpTables();
+
+    // Another program is in the middle of reading: the writes go into the
+    // journal, but the commit cannot put them into the file.
+    RawDatabase reader(d.f.home.databasePath());
+    QVERIFY(reader.exec(QStringLiteral("BEGIN")));
+    QCOMPARE(reader.scalar(QStringLiteral("SELECT COUNT(*) FROM Entry")).toInt(), 4);
+    MessageBoxAnswerer answerer;
+    answerer.answer(QMessageBox::Ok);
+    child<QPushButton>(d.page, "pushButtonSaveChanges")->click();
+    QCOMPARE(answerer.seen().size(), 1);
+    QVERIFY2(answerer.seen().constFirst().text.contains(QStringLiteral("database is locked")),
+             qPrintable(answerer.seen().constFirst().text));
+    QVERIFY(reader.exec(QStringLiteral("COMMIT")));
+    QCOMPARE(d.f.raw.dumpTables(), before);
+
+    // Both models hold their edits again, and the mark stands.
+    const QList<QSqlTableModel *> models = d.page.findChildren<QSqlTableModel *>();
+    QCOMPARE(models.size(), 2);
+    for (QSqlTableModel *model : models)
+        QVERIFY(model->isDirty());
+    QCOMPARE(d.hiddenRows(), QList<bool>({ false, false, true, false }));
+    QCOMPARE(d.model()->index(0, PriceColumn).data().toDouble(), 6.5);
+
+    child<QPushButton>(d.page, "pushButtonSaveChanges")->click();
+    QCOMPARE(answerer.seen().size(), 1);
+    QCOMPARE(d.storedSNos(), QList<int>({ d.snos.at(0), d.snos.at(1), d.snos.at(3) }));
+    QCOMPARE(entryPrice(d.f.raw, d.snos.at(0)), 6.5);
+    QCOMPARE(entryValue(d.f.raw, d.snos.at(3), "ItemName"), QStringLiteral("Green tea"));
+    d.page.close();
+}
+
+void TestOptionsWidget::rowsMarkedBeforeTheTableWasReloadedAreDeletedBySaveToo()
+{
+    DeletionFixture d;
+    QVERIFY(QTest::qWaitForWindowExposed(&d.page));
+    d.select({ 0 });
+    d.pressDelete();
+    tabs(d.page)->setCurrentIndex(ModeTab);
+    tabs(d.page)->setCurrentIndex(EntriesTab);
+    // The new table shows every stored row.
+    QCOMPARE(d.hiddenRows(), QList<bool>({ false, false, false, false }));
+    QVERIFY(d.page.hasUnsavedEntryChanges());
+    child<QPushButton>(d.page, "pushButtonSaveChanges")->click();
+    QCOMPARE(d.storedSNos(), QList<int>({ d.snos.at(1), d.snos.at(2), d.snos.at(3) }));
+    QVERIFY(!d.page.hasUnsavedEntryChanges());
+    d.page.close();
 }
 
 void TestOptionsWidget::optionsShowsThePageOnStackedPage2()
