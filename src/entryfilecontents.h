@@ -1,0 +1,67 @@
+#pragma once
+
+#include "databasemanager.h"
+
+#include <QByteArrayView>
+#include <QDate>
+#include <QList>
+#include <QString>
+#include <QStringList>
+
+// What an exchange file (CSV or QIF) holds, as its reader made it out from
+// the file's bytes alone: the entries it would add, with the line each
+// begins on; the records it leaves out on purpose; and the problems that
+// refuse the file as a whole. Nothing here touches the database.
+class EntryFileContents
+{
+public:
+    struct LineEntry
+    {
+        int line = 0;
+        Entry entry;
+    };
+    // Line 0 stands for the file as a whole.
+    struct Problem
+    {
+        int line = 0;
+        QString text;
+    };
+
+    QList<LineEntry> entries;
+    QList<Problem> problems;
+
+    // QIF records that are not expenses, and records of sections that hold no
+    // transactions (accounts, categories, investments).
+    int skippedIncome = 0;
+    int skippedTransfers = 0;
+    int skippedOtherSections = 0;
+
+    // Set by the QIF reader when some date reads differently with the day or
+    // the month first and no date of the file decides which: the first such
+    // date as written, its line, and the two dates it can be. The file was
+    // read with the order asked for (month first unless told otherwise).
+    QString openDate;
+    int openDateLine = 0;
+    QDate openDateMonthFirst;
+    QDate openDateDayFirst;
+
+    // A file with any problem writes nothing.
+    bool isAcceptable() const { return problems.isEmpty(); }
+    int skipped() const;
+
+    void addProblem(int line, const QString &text);
+    // Refuses bytes that are not text: a NUL byte anywhere, or, when
+    // `utf8Only`, bytes that are not UTF-8. The problem names the line.
+    // True when the bytes are text.
+    bool acceptText(QByteArrayView bytes, bool utf8Only);
+    // The line (from 1) that the byte at `offset` stands on; LF, CRLF and a
+    // lone CR each end a line.
+    static int lineAt(QByteArrayView bytes, qsizetype offset);
+
+    // "skipped 34 (income 30, transfers 4)", or "skipped 0".
+    QString skippedSummary() const;
+    // The problems, one a line as "line 7: text", or "FILE:7: text" when
+    // `fileName` is given (a whole-file problem without its line), at most
+    // `limit` of them, then one line that counts the rest.
+    QStringList problemLines(const QString &fileName = QString(), int limit = 20) const;
+};
