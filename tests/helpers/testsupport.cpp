@@ -107,3 +107,15 @@ bool liftDatabaseFileLimit()
     QSqlQuery query(QSqlDatabase::database());
     return query.exec(QStringLiteral("PRAGMA max_page_count = 1073741823"));
 }
+
+QByteArray readFile(const QString &path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("(unreadable)");
+}
+
+bool writeFile(const QString &path, const QByteArray &bytes)
+{
+    QFile file(path);
+    return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size();
+}

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QByteArray>
 #include <QList>
 #include <QPair>
 #include <QString>
@@ -40,3 +41,7 @@ QList<QPair<QString, QString>> hostileTexts();
 bool limitDatabaseFile();
 int fillDatabaseFile(DatabaseManager &store);
 bool liftDatabaseFileLimit();
+
+// A whole file's bytes, or "(unreadable)"; and a file written whole.
+QByteArray readFile(const QString &path);
+bool writeFile(const QString &path, const QByteArray &bytes);

@@ -1,0 +1,114 @@
+#include "entryimport.h"
+
+#include "csvformat.h"
+
+#include <QCoreApplication>
+#include <QFile>
+#include <QSet>
+
+#include <algorithm>
+#include <numeric>
+
+namespace {
+
+QString tr(const char *text)
+{
+    return QCoreApplication::translate("EntryImport", text);
+}
+
+// Ten years of entries is a few megabytes; a file far larger is no export
+// of entries, and is not read into memory.
+const qint64 largestFile = qint64(256) * 1024 * 1024;
+
+} // namespace
+
+EntryFileContents EntryImport::read(const QString &fileName, QifFormat::DateOrder openDateOrder)
+{
+    EntryFileContents contents;
+    const bool csv = CsvFormat::matches(fileName);
+    if (!csv && !QifFormat::matches(fileName)) {
+        contents.addProblem(0, tr("%1 is neither a .csv nor a .qif file").arg(fileName));
+        return contents;
+    }
+    QFile file(fileName);
+    if (!file.open(QIODevice::ReadOnly)) {
+        contents.addProblem(0, tr("%1 cannot be read: %2").arg(fileName, file.errorString()));
+        return contents;
+    }
+    if (file.size() > largestFile) {
+        contents.addProblem(0, tr("%1 is too large to be a file of entries").arg(fileName));
+        return contents;
+    }
+    const QByteArray bytes = file.readAll();
+    if (file.error() != QFileDevice::NoError) {
+        contents.addProblem(0, tr("%1 cannot be read: %2").arg(fileName, file.errorString()));
+        return contents;
+    }
+    return csv ? CsvFormat::read(bytes) : QifFormat::read(bytes, openDateOrder);
+}
+
+EntryImport::Outcome EntryImport::write(DatabaseManager &store, const QList<EntryFileContents::LineEntry> &entries,
+                                        const DatabaseManager::Progress &progress)
+{
+    Outcome outcome;
+    QList<qsizetype> order(entries.size());
+    std::iota(order.begin(), order.end(), 0);
+    std::stable_sort(order.begin(), order.end(), [&entries](qsizetype a, qsizetype b) {
+        return entries.at(a).entry.TransactDateTime < entries.at(b).entry.TransactDateTime;
+    });
+
+    QSet<QString> known;
+    for (const Category *category : owned(store.GetAllCategories()))
+        known.insert(category->CategoryName);
+    QStringList missing;
+    for (qsizetype i : order) {
+        const QString &name = entries.at(i).entry.CategoryName;
+        if (!known.contains(name)) {
+            known.insert(name);
+            missing.append(name);
+        }
+    }
+
+    const qsizetype total = entries.size();
+    bool cancelled = false;
+    QString failure;
+    const bool written = store.runInTransaction(
+        DatabaseManager::WriteKind::Import,
+        [&] {
+            for (const QString &name : missing) {
+                if (!store.AddCategory(name)) {
+                    failure = tr("the category \"%1\" could not be added to the database").arg(name);
+                    return false;
+                }
+            }
+            qsizetype done = 0;
+            for (qsizetype i : order) {
+                Entry entry = entries.at(i).entry;
+                if (!store.AddEntry(&entry)) {
+                    failure = tr("the entry of line %1 could not be added to the database").arg(entries.at(i).line);
+                    return false;
+                }
+                ++done;
+                if (progress && (done % 256 == 0 || done == total) && !progress(done, total)) {
+                    cancelled = true;
+                    return false;
+                }
+            }
+            return true;
+        },
+        &failure);
+    if (written) {
+        outcome.written = true;
+        outcome.added = int(total);
+    } else {
+        outcome.failure = cancelled ? tr("the import was cancelled") : failure;
+    }
+    return outcome;
+}
+
+QString EntryImport::summary(const QString &fileName, const EntryFileContents &contents, int added)
+{
+    if (added == 1)
+        return tr("Imported 1 entry from %1; %2").arg(fileName, contents.skippedSummary());
+    return tr("Imported %1 entries from %2; %3").arg(QString::number(added), fileName, contents.skippedSummary());
+}

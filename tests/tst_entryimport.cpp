@@ -1,0 +1,357 @@
+// Bringing a file's entries into the store: all or nothing, oldest first,
+// through AddEntry, with the categories the file needs.
+#include "databasemanager.h"
+#include "entryexport.h"
+#include "entryimport.h"
+
+#include "rawdatabase.h"
+#include "temphome.h"
+#include "sampleentries.h"
+#include "testsupport.h"
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <memory>
+
+namespace {
+
+// The fields a CSV file carries, one line per entry in GetAllEntries order.
+QStringList storedFields(DatabaseManager &store)
+{
+    QStringList lines;
+    for (const Entry *entry : owned(store.GetAllEntries()))
+        lines.append(
+            QStringLiteral("%1|%2|%3|%4|%5|%6|%7|%8")
+                .arg(entry->TransactDateTime.toString(Qt::ISODate), entry->ItemName, entry->CategoryName)
+                .arg(double(entry->Price), 0, 'g', 9)
+                .arg(entry->LocationText, entry->EnableGeoLoc ? QStringLiteral("true") : QStringLiteral("false"))
+                .arg(double(entry->GeoLocLongit), 0, 'g', 9)
+                .arg(double(entry->GeoLocLatit), 0, 'g', 9));
+    return lines;
+}
+
+const QByteArray header = "Date,Item,Category,Amount,Place,GeoLocation,Longitude,Latitude\r\n";
+
+} // namespace
+
+class TestEntryImport : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+
+    void aCsvExportImportedIntoAnEmptyHomeGivesTheSameEntries();
+    void entriesAreAddedOldestFirstSoEachItemKeepsItsNewestPrice();
+    void entriesOfTheSameMomentKeepTheFileOrder();
+    void categoriesTheStoreLacksAreAddedOnceBeforeTheEntries();
+    void geolocatedEntriesRememberTheirPlacesAsTheNewEntryPageDoes();
+    void importingTheSameFileTwiceAddsItsEntriesTwice();
+    void anEntryRefusedHalfWayUndoesTheWholeImport();
+    void aCancelledImportWritesNothing();
+    void progressIsToldInStepsUpToTheTotal();
+    void aQifFileIsReadByItsSuffixWithTheDateOrderAsked();
+    void aBadLineAmongAThousandIsFoundBeforeAnythingIsWritten();
+    void aFileThatCannotBeReadIsAProblemOfTheWholeFile_data();
+    void aFileThatCannotBeReadIsAProblemOfTheWholeFile();
+    void theSummaryCountsTheAddedAndTheSkipped();
+
+private:
+    std::unique_ptr<TempHome> home;
+    std::unique_ptr<DatabaseManager> store;
+};
+
+void TestEntryImport::init()
+{
+    home = std::make_unique<TempHome>();
+    QVERIFY(home->isValid());
+    store = std::make_unique<DatabaseManager>(nullptr);
+    QVERIFY(store->isUsable());
+}
+
+void TestEntryImport::cleanup()
+{
+    store.reset();
+    home.reset();
+}
+
+void TestEntryImport::aCsvExportImportedIntoAnEmptyHomeGivesTheSameEntries()
+{
+    const QList<Entry> entries = {
+        makeEntry(at(2026, 1, 2, 3, 4, 5), QStringLiteral("Comma, inside"), QStringLiteral("Food"), 0.1f,
+                  QStringLiteral("Say \"cheese\""), true, -122.4194f, -37.8136f),
+        makeEntry(at(2026, 1, 3), QStringLiteral("=SUM(A1:A9)"), QStringLiteral("-Refunds"), 12.75f,
+                  QStringLiteral("Two\r\nlines\nhere"), false, 103.0f, 1.3f),
+        makeEntry(at(2026, 1, 4, 23, 59, 59), QStringLiteral("'quoted"), QStringLiteral("'Apostrophe"), 1234567.0f,
+                  QStringLiteral("@home"), true, -0.5f, 51.4779f),
+        makeEntry(at(2026, 1, 5, 12), QStringLiteral("Хлеб 面包 خبز"), QStringLiteral("Nourriture élémentaire"), 2.5f,
+                  QStringLiteral("Café Zürich"), false, 103.0f, 1.3f),
+        makeEntry(at(2026, 1, 6, 7, 30), QStringLiteral("Coffee"), QStringLiteral("Drinks"), 3.2f, QStringLiteral(""),
+                  true, 0.0f, 0.0f),
+    };
+    for (Entry entry : entries)
+        QVERIFY(store->AddEntry(&entry));
+    const QStringList before = storedFields(*store);
+    QCOMPARE(before.size(), entries.size());
+
+    // A file outside both homes.
+    QTemporaryDir exchange;
+    const QString file = exchange.filePath(QStringLiteral("entries.csv"));
+    QVERIFY(EntryExport::write(*store, file).written);
+
+    // Another user, another home.
+    store.reset();
+    home.reset();
+    home = std::make_unique<TempHome>();
+    store = std::make_unique<DatabaseManager>(nullptr);
+    const EntryFileContents contents = EntryImport::read(file);
+    QCOMPARE(contents.problemLines(), QStringList());
+    const EntryImport::Outcome outcome = EntryImport::write(*store, contents.entries);
+    QVERIFY2(outcome.written, qPrintable(outcome.failure));
+    QCOMPARE(outcome.added, 5);
+    QCOMPARE(storedFields(*store), before);
+
+    // The categories the new home lacked, in the order of their first entry.
+    RawDatabase raw(home->databasePath());
+    QCOMPARE(raw.rows(QStringLiteral("select CategoryName from Category where SNo > 37 order by SNo")),
+             QList<QVariantList>({ { QStringLiteral("-Refunds") },
+                                   { QStringLiteral("'Apostrophe") },
+                                   { QStringLiteral("Nourriture élémentaire") } }));
+}
+
+void TestEntryImport::entriesAreAddedOldestFirstSoEachItemKeepsItsNewestPrice()
+{
+    // Newest first, as the program exports.
+    const QString file = home->filePath(QStringLiteral("prices.csv"));
+    QVERIFY(writeFile(file,
+                      header +
+                          "2026-03-03T09:00:00,Coffee,Drinks,3.5,,false,0,0\r\n"
+                          "2026-03-02T09:00:00,Tea,Drinks,1.5,,false,0,0\r\n"
+                          "2026-03-01T09:00:00,Coffee,Drinks,2.5,,false,0,0\r\n"));
+    const EntryFileContents contents = EntryImport::read(file);
+    QVERIFY(EntryImport::write(*store, contents.entries).written);
+
+    RawDatabase raw(home->databasePath());
+    QCOMPARE(raw.rows(QStringLiteral("select SNo, ItemName, Price from Entry order by SNo")),
+             QList<QVariantList>({ { 1, QStringLiteral("Coffee"), 2.5 },
+                                   { 2, QStringLiteral("Tea"), 1.5 },
+                                   { 3, QStringLiteral("Coffee"), 3.5 } }));
+    QCOMPARE(raw.rows(QStringLiteral("select ItemName, LastPrice, UseFrequency from Items order by SNo")),
+             QList<QVariantList>({ { QStringLiteral("Coffee"), 3.5, 2 }, { QStringLiteral("Tea"), 1.5, 1 } }));
+}
+
+void TestEntryImport::entriesOfTheSameMomentKeepTheFileOrder()
+{
+    const QString file = home->filePath(QStringLiteral("ties.csv"));
+    QVERIFY(writeFile(file,
+                      header +
+                          "2026-03-01,B,Food,2,,false,0,0\r\n"
+                          "2026-03-02,Later,Food,9,,false,0,0\r\n"
+                          "2026-03-01,A,Food,1,,false,0,0\r\n"
+                          "2026-03-01,C,Food,3,,false,0,0\r\n"));
+    QVERIFY(EntryImport::write(*store, EntryImport::read(file).entries).written);
+    RawDatabase raw(home->databasePath());
+    QCOMPARE(raw.rows(QStringLiteral("select ItemName from Entry order by SNo")),
+             QList<QVariantList>({ { QStringLiteral("B") },
+                                   { QStringLiteral("A") },
+                                   { QStringLiteral("C") },
+                                   { QStringLiteral("Later") } }));
+}
+
+void TestEntryImport::categoriesTheStoreLacksAreAddedOnceBeforeTheEntries()
+{
+    const QString file = home->filePath(QStringLiteral("pets.csv"));
+    QVERIFY(writeFile(file,
+                      header +
+                          "2026-03-02,Kibble,Pets,20,,false,0,0\r\n"
+                          "2026-03-01,Toy,Pets,5,,false,0,0\r\n"
+                          "2026-03-03,Bread,Food,2,,false,0,0\r\n"
+                          "2026-03-04,Seeds,Garden,4,,false,0,0\r\n"));
+    QVERIFY(EntryImport::write(*store, EntryImport::read(file).entries).written);
+    RawDatabase raw(home->databasePath());
+    // Added in the order their first entry is written, after the 37 defaults.
+    QCOMPARE(raw.rows(QStringLiteral("select SNo, CategoryName from Category where SNo > 37 order by SNo")),
+             QList<QVariantList>({ { 38, QStringLiteral("Pets") }, { 39, QStringLiteral("Garden") } }));
+    // So every entry and catalogue row carries its category's number.
+    QCOMPARE(raw.rows(QStringLiteral("select ItemName, CategoryID from Entry order by SNo")),
+             QList<QVariantList>({ { QStringLiteral("Toy"), 38 },
+                                   { QStringLiteral("Kibble"), 38 },
+                                   { QStringLiteral("Bread"), 1 },
+                                   { QStringLiteral("Seeds"), 39 } }));
+    QCOMPARE(raw.scalar(QStringLiteral("select count(*) from Items where CategoryID = 0")).toInt(), 0);
+}
+
+void TestEntryImport::geolocatedEntriesRememberTheirPlacesAsTheNewEntryPageDoes()
+{
+    const QString file = home->filePath(QStringLiteral("places.csv"));
+    QVERIFY(writeFile(file,
+                      header +
+                          "2026-03-02,Tea,Drinks,2,Harbour,true,-3.5,40.25\r\n"
+                          "2026-03-01,Cake,Food,4,Harbour,true,-3.5,40.25\r\n"
+                          "2026-03-03,Bread,Food,1,Market,false,103,1.3\r\n"));
+    QVERIFY(EntryImport::write(*store, EntryImport::read(file).entries).written);
+    RawDatabase raw(home->databasePath());
+    QCOMPARE(raw.rows(QStringLiteral("select SNo, LocationName, LocationLongitude, LocationLatitude, CoordinateText "
+                                     "from HistoricLocation")),
+             QList<QVariantList>({ { 1, QStringLiteral("Harbour"), -3.5, 40.25, QStringLiteral("-3.5-40.25") } }));
+    QCOMPARE(raw.rows(QStringLiteral("select ItemName, GeoLocID, GeoLocLongit, GeoLocLatit from Entry order by SNo")),
+             QList<QVariantList>({ { QStringLiteral("Cake"), 1, -3.5, 40.25 },
+                                   { QStringLiteral("Tea"), 1, -3.5, 40.25 },
+                                   { QStringLiteral("Bread"), 0, 103.0, double(1.3f) } }));
+}
+
+void TestEntryImport::importingTheSameFileTwiceAddsItsEntriesTwice()
+{
+    const QString file = home->filePath(QStringLiteral("twice.csv"));
+    QVERIFY(writeFile(file, header + "2026-03-01,Tea,Drinks,2,,false,0,0\r\n"));
+    for (int round = 0; round < 2; ++round) {
+        const EntryImport::Outcome outcome = EntryImport::write(*store, EntryImport::read(file).entries);
+        QVERIFY(outcome.written);
+        QCOMPARE(outcome.added, 1);
+    }
+    RawDatabase raw(home->databasePath());
+    QCOMPARE(raw.scalar(QStringLiteral("select count(*) from Entry where ItemName = 'Tea'")).toInt(), 2);
+    QCOMPARE(raw.scalar(QStringLiteral("select UseFrequency from Items where ItemName = 'Tea'")).toInt(), 2);
+}
+
+void TestEntryImport::anEntryRefusedHalfWayUndoesTheWholeImport()
+{
+    Entry existing = makeEntry(at(2026, 1, 1), QStringLiteral("Bread"), QStringLiteral("Food"), 2.0f,
+                               QStringLiteral("Market"), true, 5.0f, 6.0f);
+    QVERIFY(store->AddEntry(&existing));
+    RawDatabase raw(home->databasePath());
+    // The file refuses one entry row, as a full disk or a damaged file would
+    // refuse some write in the middle.
+    QVERIFY(raw.exec(QStringLiteral("CREATE TRIGGER refuse BEFORE INSERT ON Entry WHEN NEW.ItemName = 'Poison' "
+                                    "BEGIN SELECT RAISE(ABORT, 'refused'); END")));
+    const QStringList before = raw.dumpTables();
+
+    const QString file = home->filePath(QStringLiteral("poison.csv"));
+    QVERIFY(writeFile(file,
+                      header +
+                          "2026-03-05,Late,Pets,5,Zoo,true,1,2\r\n"
+                          "2026-03-03,Poison,Garden,3,,false,0,0\r\n"
+                          "2026-03-01,Bread,Food,1,Market,true,5,6\r\n"
+                          "2026-03-02,Early,Pets,2,Farm,true,3,4\r\n"));
+    const EntryFileContents contents = EntryImport::read(file);
+    QCOMPARE(contents.problemLines(), QStringList());
+    const EntryImport::Outcome outcome = EntryImport::write(*store, contents.entries);
+    QVERIFY(!outcome.written);
+    QCOMPARE(outcome.added, 0);
+    QCOMPARE(outcome.failure, QStringLiteral("the entry of line 3 could not be added to the database"));
+    // Neither the entries written before it, nor their catalogue rows,
+    // places or categories stay.
+    QCOMPARE(raw.dumpTables(), before);
+    QCOMPARE(store->GetTotalNumberOfEntries(), 1);
+}
+
+void TestEntryImport::aCancelledImportWritesNothing()
+{
+    RawDatabase raw(home->databasePath());
+    const QStringList before = raw.dumpTables();
+    QList<EntryFileContents::LineEntry> entries;
+    for (int i = 0; i < 700; ++i)
+        entries.append({ i + 2,
+                         makeEntry(at(2026, 1, 1).addSecs(i * 60), QStringLiteral("Item %1").arg(i % 9),
+                                   QStringLiteral("New %1").arg(i % 3), 1.0f + i) });
+    QList<qint64> told;
+    const EntryImport::Outcome outcome = EntryImport::write(*store, entries, [&](qint64 done, qint64 total) {
+        told.append(total);
+        return done < 512;
+    });
+    QVERIFY(!outcome.written);
+    QCOMPARE(outcome.failure, QStringLiteral("the import was cancelled"));
+    QCOMPARE(told, QList<qint64>({ 700, 700 }));
+    QCOMPARE(raw.dumpTables(), before);
+}
+
+void TestEntryImport::progressIsToldInStepsUpToTheTotal()
+{
+    QList<EntryFileContents::LineEntry> entries;
+    for (int i = 0; i < 600; ++i)
+        entries.append(
+            { i + 2, makeEntry(at(2026, 1, 1).addSecs(i), QStringLiteral("Tea"), QStringLiteral("Drinks"), 1.0f) });
+    QList<QPair<qint64, qint64>> told;
+    const EntryImport::Outcome outcome = EntryImport::write(*store, entries, [&](qint64 done, qint64 total) {
+        told.append({ done, total });
+        return true;
+    });
+    QVERIFY(outcome.written);
+    QCOMPARE(outcome.added, 600);
+    QCOMPARE(told, (QList<QPair<qint64, qint64>>({ { 256, 600 }, { 512, 600 }, { 600, 600 } })));
+    QCOMPARE(store->GetTotalNumberOfEntries(), 600);
+}
+
+void TestEntryImport::aQifFileIsReadByItsSuffixWithTheDateOrderAsked()
+{
+    const QString file = home->filePath(QStringLiteral("BANK.QIF"));
+    QVERIFY(writeFile(file, "!Type:Bank\r\nD03/04/2024\r\nT-1,234.50\r\nPShop\r\nMRadio\r\nLElectronics\r\n^\r\n"));
+    const EntryFileContents monthFirst = EntryImport::read(file);
+    QCOMPARE(monthFirst.problemLines(), QStringList());
+    QCOMPARE(monthFirst.openDate, QStringLiteral("03/04/2024"));
+    QCOMPARE(monthFirst.entries.constFirst().entry.TransactDateTime.date(), QDate(2024, 3, 4));
+    const EntryFileContents dayFirst = EntryImport::read(file, QifFormat::DateOrder::DayFirst);
+    QCOMPARE(dayFirst.entries.constFirst().entry.TransactDateTime.date(), QDate(2024, 4, 3));
+
+    QVERIFY(EntryImport::write(*store, dayFirst.entries).written);
+    QCOMPARE(storedFields(*store),
+             QStringList { QStringLiteral("2024-04-03T00:00:00|Radio|Electronics|1234.5|Shop|"
+                                          "false|0|0") });
+}
+
+void TestEntryImport::aBadLineAmongAThousandIsFoundBeforeAnythingIsWritten()
+{
+    QByteArray bytes = header;
+    for (int line = 2; line <= 1000; ++line) {
+        const QByteArray date =
+            line == 7 ? "2026-02-30" : QDate(2025, 1, 1).addDays(line).toString(Qt::ISODate).toLatin1();
+        bytes += date + ",Item,Food,1.5,,false,0,0\r\n";
+    }
+    const QString file = home->filePath(QStringLiteral("thousand.csv"));
+    QVERIFY(writeFile(file, bytes));
+    const EntryFileContents contents = EntryImport::read(file);
+    QCOMPARE(contents.problemLines(),
+             QStringList { QStringLiteral("line 7: the date \"2026-02-30\" is not of the form yyyy-MM-ddTHH:mm:ss") });
+    QCOMPARE(contents.entries.size(), 998);
+}
+
+void TestEntryImport::aFileThatCannotBeReadIsAProblemOfTheWholeFile_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QString>("problem");
+    QTest::newRow("missing") << QStringLiteral("missing.csv")
+                             << QStringLiteral("%1 cannot be read: No such file or directory");
+    QTest::newRow("a directory") << QStringLiteral("folder.qif") << QStringLiteral("%1 cannot be read: ");
+    QTest::newRow("another suffix") << QStringLiteral("entries.txt")
+                                    << QStringLiteral("%1 is neither a .csv nor a .qif file");
+}
+
+void TestEntryImport::aFileThatCannotBeReadIsAProblemOfTheWholeFile()
+{
+    QFETCH(QString, name);
+    QFETCH(QString, problem);
+    QVERIFY(QDir(home->path()).mkdir(QStringLiteral("folder.qif")));
+    QVERIFY(writeFile(home->filePath(QStringLiteral("entries.txt")), header));
+    const QString path = home->filePath(name);
+    const QStringList problems = EntryImport::read(path).problemLines();
+    QCOMPARE(problems.size(), 1);
+    QVERIFY2(problems.constFirst().startsWith(problem.arg(path)), qPrintable(problems.constFirst()));
+}
+
+void TestEntryImport::theSummaryCountsTheAddedAndTheSkipped()
+{
+    EntryFileContents contents;
+    contents.skippedIncome = 30;
+    contents.skippedTransfers = 4;
+    QCOMPARE(EntryImport::summary(QStringLiteral("/x/bank.qif"), contents, 1200),
+             QStringLiteral("Imported 1200 entries from /x/bank.qif; skipped 34 (income 30, transfers 4)"));
+    QCOMPARE(EntryImport::summary(QStringLiteral("one.csv"), EntryFileContents(), 1),
+             QStringLiteral("Imported 1 entry from one.csv; skipped 0"));
+}
+
+QTEST_GUILESS_MAIN(TestEntryImport)
+#include "tst_entryimport.moc"
