@@ -1,9 +1,71 @@
 #include "commandline.h"
 
+#include "backup.h"
+#include "csvformat.h"
+#include "databasemanager.h"
+#include "entryexport.h"
+#include "entryimport.h"
+#include "qifformat.h"
+
 #include <QCommandLineParser>
 #include <QCoreApplication>
 #include <QFileInfo>
 #include <QTextStream>
+
+namespace {
+
+QString tr(const char *text)
+{
+    return QCoreApplication::translate("CommandLine", text);
+}
+
+int exportEntries(DatabaseManager &store, const QString &fileName, QTextStream &out, QTextStream &err)
+{
+    const EntryExport::Outcome outcome = EntryExport::write(store, fileName);
+    if (!outcome.written) {
+        err << tr("Nothing was exported: %1").arg(outcome.failure) << '\n';
+        return CommandLine::Refused;
+    }
+    out << EntryExport::summary(fileName, outcome.exported) << '\n';
+    return CommandLine::Success;
+}
+
+int importEntries(DatabaseManager &store, const QString &fileName, QifFormat::DateOrder order, QTextStream &out,
+                  QTextStream &err)
+{
+    const EntryFileContents contents = EntryImport::read(fileName, order);
+    if (!contents.isAcceptable()) {
+        for (const QString &line : contents.problemLines(fileName))
+            err << line << '\n';
+        err << tr("Nothing was imported from %1.").arg(fileName) << '\n';
+        return CommandLine::Refused;
+    }
+    const EntryImport::Outcome outcome = EntryImport::write(store, contents.entries);
+    if (!outcome.written) {
+        err << tr("Nothing was imported from %1: %2").arg(fileName, outcome.failure) << '\n';
+        return CommandLine::Refused;
+    }
+    out << EntryImport::summary(fileName, contents, outcome.added) << '\n';
+    return CommandLine::Success;
+}
+
+int backUp(DatabaseManager &store, const QString &fileName, bool force, QTextStream &out, QTextStream &err)
+{
+    if (QFileInfo::exists(fileName) && !force) {
+        err << tr("%1 already exists; add --force to replace it.").arg(fileName) << '\n';
+        return CommandLine::Refused;
+    }
+    const Backup::Outcome outcome =
+        Backup::write(store, fileName, force ? Backup::Existing::Replace : Backup::Existing::Keep);
+    if (!outcome.written) {
+        err << tr("No backup was written: %1").arg(outcome.failure) << '\n';
+        return CommandLine::Refused;
+    }
+    out << tr("Backed up %1 to %2").arg(store.databaseFileName(), fileName) << '\n';
+    return CommandLine::Success;
+}
+
+} // namespace
 
 bool CommandLine::wanted(int argc)
 {
@@ -14,9 +76,27 @@ int CommandLine::run(const QStringList &arguments)
 {
     QCommandLineParser parser;
     parser.setApplicationDescription(
-        QStringLiteral("Ledgerly keeps track of what you spend. Started without arguments, it opens its window."));
+        tr("Ledgerly keeps track of what you spend. Started without arguments, it opens its window.\n"
+           "\n"
+           "Commands, on the database %1:\n"
+           "  export FILE   Writes every entry into FILE, as CSV or QIF by its name (.csv, .qif).\n"
+           "  import FILE   Adds the entries of a CSV or QIF file; a file with any problem adds none.\n"
+           "  backup FILE   Writes a copy of the database into FILE.\n"
+           "\n"
+           "Exit status: 0 when done, 1 when the data or a file is refused, 2 for a usage error.")
+            .arg(DatabaseManager::defaultFileName()));
+    parser.addPositionalArgument(QStringLiteral("command"), tr("export, import or backup"),
+                                 QStringLiteral("[command FILE]"));
     const QCommandLineOption help = parser.addHelpOption();
     const QCommandLineOption version = parser.addVersionOption();
+    const QCommandLineOption dateOrder(
+        QStringLiteral("date-order"),
+        tr("import: whether QIF dates that the file leaves open put the month (mdy, the default) or the day "
+           "(dmy) first."),
+        QStringLiteral("mdy|dmy"));
+    const QCommandLineOption force(QStringLiteral("force"), tr("backup: replace FILE when it exists."));
+    parser.addOption(dateOrder);
+    parser.addOption(force);
 
     // parse() rather than process(): process() ends the program itself, with
     // its own exit status, where a usage error here exits with UsageError.
@@ -24,7 +104,7 @@ int CommandLine::run(const QStringList &arguments)
     QTextStream err(stderr);
     const QString program = arguments.isEmpty() ? QString() : QFileInfo(arguments.first()).fileName();
     const auto usageError = [&](const QString &message) {
-        err << message << '\n' << QStringLiteral("Try \"%1 --help\" for more information.").arg(program) << '\n';
+        err << message << '\n' << tr("Try \"%1 --help\" for more information.").arg(program) << '\n';
         return UsageError;
     };
 
@@ -39,8 +119,45 @@ int CommandLine::run(const QStringList &arguments)
         out << QCoreApplication::applicationName() << ' ' << QCoreApplication::applicationVersion() << '\n';
         return Success;
     }
+
     const QStringList positional = parser.positionalArguments();
-    if (!positional.isEmpty())
-        return usageError(QStringLiteral("Unknown command \"%1\".").arg(positional.first()));
-    return usageError(QStringLiteral("Nothing to do."));
+    if (positional.isEmpty())
+        return usageError(tr("Nothing to do."));
+    const QString command = positional.first();
+    const QStringList commands = { QStringLiteral("export"), QStringLiteral("import"), QStringLiteral("backup") };
+    if (!commands.contains(command))
+        return usageError(tr("Unknown command \"%1\".").arg(command));
+    if (positional.size() != 2)
+        return usageError(tr("%1 takes one FILE.").arg(command));
+    if (parser.isSet(dateOrder) && command != QLatin1String("import"))
+        return usageError(tr("--date-order goes with import only."));
+    if (parser.isSet(force) && command != QLatin1String("backup"))
+        return usageError(tr("--force goes with backup only."));
+    QifFormat::DateOrder order = QifFormat::DateOrder::MonthFirst;
+    if (parser.isSet(dateOrder)) {
+        const QString value = parser.value(dateOrder);
+        if (value == QLatin1String("dmy"))
+            order = QifFormat::DateOrder::DayFirst;
+        else if (value != QLatin1String("mdy"))
+            return usageError(tr("--date-order is mdy or dmy, not \"%1\".").arg(value));
+    }
+    const QString fileName = positional.at(1);
+    if (command != QLatin1String("backup") && !CsvFormat::matches(fileName) && !QifFormat::matches(fileName))
+        return usageError(tr("%1 names no .csv or .qif file.").arg(fileName));
+
+    // The program's own store, as the window opens it: a new home gets the
+    // file with its tables and default rows.
+    DatabaseManager store(nullptr);
+    if (!store.isUsable()) {
+        // The store has asked the application to quit, as it always does on
+        // a file it cannot open; no event loop runs here, so the request
+        // has no further effect.
+        err << tr("The database %1 cannot be opened: %2").arg(store.databaseFileName(), store.openError()) << '\n';
+        return Refused;
+    }
+    if (command == QLatin1String("export"))
+        return exportEntries(store, fileName, out, err);
+    if (command == QLatin1String("import"))
+        return importEntries(store, fileName, order, out, err);
+    return backUp(store, fileName, parser.isSet(force), out, err);
 }

@@ -1,5 +1,13 @@
 // The program's command line, run as a user runs it: the real binary, in a
-// terminal without any display.
+// terminal without any display, on a home of its own.
+#include "databasemanager.h"
+
+#include "rawdatabase.h"
+#include "temphome.h"
+#include "testsupport.h"
+
+#include <QDir>
+#include <QFile>
 #include <QProcess>
 #include <QTest>
 
@@ -12,24 +20,29 @@ struct Run
     QString err;
 };
 
-// With QT_QPA_PLATFORM=xcb and no DISPLAY, a program that started its GUI
-// would abort at once: every answer here proves that none was started.
-Run runLedgerly(const QStringList &arguments)
+// Without QT_QPA_PLATFORM and without DISPLAY or WAYLAND_DISPLAY, a program
+// that started its GUI would abort at once (Qt would try X11 and find no
+// display): every answer here proves that none was started.
+Run runLedgerly(const QStringList &arguments, const QString &home = QString())
 {
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.remove(QStringLiteral("DISPLAY"));
-    environment.remove(QStringLiteral("WAYLAND_DISPLAY"));
-    environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("xcb"));
+    for (const char *name : { "QT_QPA_PLATFORM", "DISPLAY", "WAYLAND_DISPLAY" })
+        environment.remove(QString::fromLatin1(name));
+    if (!home.isEmpty())
+        environment.insert(QStringLiteral("HOME"), home);
     QProcess process;
     process.setProcessEnvironment(environment);
     process.start(QStringLiteral(LEDGERLY_PROGRAM), arguments);
     Run result;
-    if (process.waitForFinished(60000) && process.exitStatus() == QProcess::NormalExit)
+    if (process.waitForFinished(120000) && process.exitStatus() == QProcess::NormalExit)
         result.exitCode = process.exitCode();
     result.out = QString::fromUtf8(process.readAllStandardOutput());
     result.err = QString::fromUtf8(process.readAllStandardError());
     return result;
 }
+
+const QString tryHelp = QStringLiteral("Try \"ledgerly --help\" for more information.\n");
+const QByteArray csvHeader = "Date,Item,Category,Amount,Place,GeoLocation,Longitude,Latitude\r\n";
 
 } // namespace
 
@@ -38,13 +51,77 @@ class TestCommandLine : public QObject
     Q_OBJECT
 
 private slots:
+    void init();
+    void cleanup();
+
     void versionPrintsTheNameAndTheProjectVersion_data();
     void versionPrintsTheNameAndTheProjectVersion();
-    void helpListsTheOptions_data();
-    void helpListsTheOptions();
-    void anUnknownOptionIsAUsageError();
-    void anUnknownCommandIsAUsageError();
+    void helpListsTheCommandsAndOptions_data();
+    void helpListsTheCommandsAndOptions();
+    void usageErrorsExitWith2AndTouchNothing_data();
+    void usageErrorsExitWith2AndTouchNothing();
+
+    void exportWritesEveryEntryAsCsvAndSaysHowMany();
+    void exportWritesQifByTheFileName();
+    void exportOnANewHomeMakesTheDatabaseAndExportsNothing();
+    void anExportThatCannotBeWrittenExitsWith1();
+
+    void importAddsTheEntriesAndSaysWhatItSkipped();
+    void aBadDateOnLine7Of1000ImportsNothingAndNamesLine7();
+    void aFileThatIsRefusedImportsNothing_data();
+    void aFileThatIsRefusedImportsNothing();
+    void dateOrderDecidesDatesTheFileLeavesOpen_data();
+    void dateOrderDecidesDatesTheFileLeavesOpen();
+
+    void backupWritesACopyThatOpensWithTheSameRows();
+    void backupKeepsAnExistingFileUnlessForced();
+
+    void anUnusableDatabaseIsReportedWithExitStatus1();
+
+private:
+    // The home's database with two entries and a category of its own.
+    void setUpDatabase();
+
+    std::unique_ptr<TempHome> home;
 };
+
+void TestCommandLine::init()
+{
+    home = std::make_unique<TempHome>();
+    QVERIFY(home->isValid());
+}
+
+void TestCommandLine::cleanup()
+{
+    home.reset();
+}
+
+void TestCommandLine::setUpDatabase()
+{
+    {
+        DatabaseManager store(nullptr);
+        QVERIFY(store.AddCategory(QStringLiteral("Pets")));
+        Entry first;
+        first.TransactDateTime = QDateTime(QDate(2026, 3, 1), QTime(9, 30));
+        first.ItemName = QStringLiteral("Kibble, large");
+        first.CategoryName = QStringLiteral("Pets");
+        first.Price = 12.75f;
+        first.LocationText = QStringLiteral("Pet Shop");
+        first.EnableGeoLoc = true;
+        first.GeoLocLongit = -3.5f;
+        first.GeoLocLatit = 40.25f;
+        Entry second;
+        second.TransactDateTime = QDateTime(QDate(2026, 3, 2), QTime(18, 0));
+        second.ItemName = QStringLiteral("Bread");
+        second.CategoryName = QStringLiteral("Food");
+        second.Price = 0.1f;
+        second.LocationText = QStringLiteral("Bakery");
+        second.GeoLocLongit = 103.0f;
+        second.GeoLocLatit = 1.3f;
+        QVERIFY(store.AddEntry(&first));
+        QVERIFY(store.AddEntry(&second));
+    }
+}
 
 void TestCommandLine::versionPrintsTheNameAndTheProjectVersion_data()
 {
@@ -56,13 +133,15 @@ void TestCommandLine::versionPrintsTheNameAndTheProjectVersion_data()
 void TestCommandLine::versionPrintsTheNameAndTheProjectVersion()
 {
     QFETCH(QString, option);
-    const Run run = runLedgerly({ option });
+    const Run run = runLedgerly({ option }, home->path());
     QCOMPARE(run.err, QString());
     QCOMPARE(run.exitCode, 0);
     QCOMPARE(run.out, QStringLiteral("Ledgerly " LEDGERLY_PROJECT_VERSION "\n"));
+    // Answering needs no database.
+    QVERIFY(!QFile::exists(home->databasePath()));
 }
 
-void TestCommandLine::helpListsTheOptions_data()
+void TestCommandLine::helpListsTheCommandsAndOptions_data()
 {
     QTest::addColumn<QString>("option");
     QTest::newRow("long") << QStringLiteral("--help");
@@ -70,33 +149,308 @@ void TestCommandLine::helpListsTheOptions_data()
     QTest::newRow("all") << QStringLiteral("--help-all");
 }
 
-void TestCommandLine::helpListsTheOptions()
+void TestCommandLine::helpListsTheCommandsAndOptions()
 {
     QFETCH(QString, option);
-    const Run run = runLedgerly({ option });
+    const Run run = runLedgerly({ option }, home->path());
     QCOMPARE(run.err, QString());
     QCOMPARE(run.exitCode, 0);
-    QVERIFY2(run.out.startsWith(QStringLiteral("Usage: " LEDGERLY_PROGRAM " [options]\n")), qPrintable(run.out));
+    QVERIFY2(run.out.startsWith(QStringLiteral("Usage: " LEDGERLY_PROGRAM " [options] [command FILE]\n")),
+             qPrintable(run.out));
     QVERIFY2(run.out.contains(QLatin1String("Started without arguments, it opens its window.")), qPrintable(run.out));
-    QVERIFY2(run.out.contains(QLatin1String("\n  -h, --help ")), qPrintable(run.out));
-    QVERIFY2(run.out.contains(QLatin1String("\n  -v, --version ")), qPrintable(run.out));
+    for (const QString &line :
+         { QStringLiteral("Commands, on the database %1/ledgerlydatabase.db:").arg(home->path()),
+           QStringLiteral("  export FILE   Writes every entry into FILE, as CSV or QIF by its name (.csv, .qif)."),
+           QStringLiteral("  import FILE   Adds the entries of a CSV or QIF file; a file with any problem adds none."),
+           QStringLiteral("  backup FILE   Writes a copy of the database into FILE."),
+           QStringLiteral("Exit status: 0 when done, 1 when the data or a file is refused, 2 for a usage error.") })
+        QVERIFY2(run.out.contains(QLatin1Char('\n') + line + QLatin1Char('\n')), qPrintable(line));
+    for (const char *option :
+         { "\n  -h, --help ", "\n  -v, --version ", "\n  --date-order <mdy|dmy> ", "\n  --force " })
+        QVERIFY2(run.out.contains(QLatin1String(option)), option);
+    QVERIFY(!QFile::exists(home->databasePath()));
 }
 
-void TestCommandLine::anUnknownOptionIsAUsageError()
+void TestCommandLine::usageErrorsExitWith2AndTouchNothing_data()
 {
-    const Run run = runLedgerly({ QStringLiteral("--frobnicate") });
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<QString>("message");
+    QTest::newRow("unknown option") << QStringList { "--frobnicate" } << QStringLiteral("Unknown option 'frobnicate'.");
+    QTest::newRow("unknown command") << QStringList { "frobnicate", "now" }
+                                     << QStringLiteral("Unknown command \"frobnicate\".");
+    QTest::newRow("an option alone") << QStringList { "--force" } << QStringLiteral("Nothing to do.");
+    QTest::newRow("export without a file") << QStringList { "export" } << QStringLiteral("export takes one FILE.");
+    QTest::newRow("import with two files")
+        << QStringList { "import", "a.csv", "b.csv" } << QStringLiteral("import takes one FILE.");
+    QTest::newRow("export to another format")
+        << QStringList { "export", "out.xlsx" } << QStringLiteral("out.xlsx names no .csv or .qif file.");
+    QTest::newRow("import of another format")
+        << QStringList { "import", "bank.ofx" } << QStringLiteral("bank.ofx names no .csv or .qif file.");
+    QTest::newRow("date order of another kind") << QStringList { "import", "bank.qif", "--date-order", "ymd" }
+                                                << QStringLiteral("--date-order is mdy or dmy, not \"ymd\".");
+    QTest::newRow("date order without a value") << QStringList { "import", "bank.qif", "--date-order" }
+                                                << QStringLiteral("Missing value after '--date-order'.");
+    QTest::newRow("date order with export") << QStringList { "export", "out.qif", "--date-order", "dmy" }
+                                            << QStringLiteral("--date-order goes with import only.");
+    QTest::newRow("force with import") << QStringList { "import", "in.csv", "--force" }
+                                       << QStringLiteral("--force goes with backup only.");
+}
+
+void TestCommandLine::usageErrorsExitWith2AndTouchNothing()
+{
+    QFETCH(QStringList, arguments);
+    QFETCH(QString, message);
+    const Run run = runLedgerly(arguments, home->path());
     QCOMPARE(run.exitCode, 2);
     QCOMPARE(run.out, QString());
-    QCOMPARE(run.err, QStringLiteral("Unknown option 'frobnicate'.\nTry \"ledgerly --help\" for more information.\n"));
+    QCOMPARE(run.err, message + QLatin1Char('\n') + tryHelp);
+    // Not even the database was made.
+    QCOMPARE(QDir(home->path()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden), QStringList());
 }
 
-void TestCommandLine::anUnknownCommandIsAUsageError()
+void TestCommandLine::exportWritesEveryEntryAsCsvAndSaysHowMany()
 {
-    const Run run = runLedgerly({ QStringLiteral("frobnicate"), QStringLiteral("now") });
-    QCOMPARE(run.exitCode, 2);
+    setUpDatabase();
+    const QString file = home->filePath(QStringLiteral("out.csv"));
+    const Run run = runLedgerly({ QStringLiteral("export"), file }, home->path());
+    QCOMPARE(run.err, QString());
+    QCOMPARE(run.exitCode, 0);
+    QCOMPARE(run.out, QStringLiteral("Exported 2 entries to %1\n").arg(file));
+    QCOMPARE(readFile(file),
+             csvHeader +
+                 "2026-03-02T18:00:00,Bread,Food,0.1,Bakery,false,103,1.3\r\n"
+                 "2026-03-01T09:30:00,\"Kibble, large\",Pets,12.75,Pet Shop,true,-3.5,40.25\r\n");
+}
+
+void TestCommandLine::exportWritesQifByTheFileName()
+{
+    setUpDatabase();
+    // A name relative to the current directory is reported as given.
+    const QString previous = QDir::currentPath();
+    QDir::setCurrent(home->path());
+    const Run run = runLedgerly({ QStringLiteral("export"), QStringLiteral("Out.QIF") }, home->path());
+    QDir::setCurrent(previous);
+    QCOMPARE(run.err, QString());
+    QCOMPARE(run.exitCode, 0);
+    QCOMPARE(run.out, QStringLiteral("Exported 2 entries to Out.QIF\n"));
+    QCOMPARE(readFile(home->filePath(QStringLiteral("Out.QIF"))),
+             QByteArray("!Type:Cash\r\n"
+                        "D03/02/2026\r\nT-0.1\r\nPBakery\r\nMBread\r\nLFood\r\n^\r\n"
+                        "D03/01/2026\r\nT-12.75\r\nPPet Shop\r\nMKibble, large\r\nLPets\r\n^\r\n"));
+}
+
+void TestCommandLine::exportOnANewHomeMakesTheDatabaseAndExportsNothing()
+{
+    const QString file = home->filePath(QStringLiteral("out.csv"));
+    const Run run = runLedgerly({ QStringLiteral("export"), file }, home->path());
+    QCOMPARE(run.err, QString());
+    QCOMPARE(run.exitCode, 0);
+    QCOMPARE(run.out, QStringLiteral("Exported 0 entries to %1\n").arg(file));
+    QCOMPARE(readFile(file), csvHeader);
+    RawDatabase raw(home->databasePath());
+    QCOMPARE(raw.scalar(QStringLiteral("select count(*) from Category")).toInt(), 37);
+    QCOMPARE(raw.scalar(QStringLiteral("select count(*) from Mode")).toInt(), 3);
+}
+
+void TestCommandLine::anExportThatCannotBeWrittenExitsWith1()
+{
+    setUpDatabase();
+    const QString file = home->filePath(QStringLiteral("missing/out.csv"));
+    const Run run = runLedgerly({ QStringLiteral("export"), file }, home->path());
+    QCOMPARE(run.exitCode, 1);
+    QCOMPARE(run.out, QString());
+    QVERIFY2(run.err.startsWith(QStringLiteral("Nothing was exported: %1 cannot be written: ").arg(file)),
+             qPrintable(run.err));
+    QVERIFY(run.err.endsWith(QLatin1Char('\n')));
+    QCOMPARE(run.err.count(QLatin1Char('\n')), 1);
+}
+
+void TestCommandLine::importAddsTheEntriesAndSaysWhatItSkipped()
+{
+    setUpDatabase();
+    const QString file = home->filePath(QStringLiteral("bank.qif"));
+    QVERIFY(writeFile(file,
+                      "!Type:Bank\r\nD03/15/2026\r\nT-1,250.00\r\nPGarage\r\nMTyres\r\nLAuto:Tyres\r\n^\r\n"
+                      "D03/16/2026\r\nT2,000.00\r\nPEmployer\r\n^\r\n"
+                      "D03/17/2026\r\nT-300\r\nL[Savings]\r\n^\r\n"
+                      "D03/18/2026\r\nT-4.5\r\nPCafe\r\nLFood\r\n^\r\n"));
+    const Run run = runLedgerly({ QStringLiteral("import"), file }, home->path());
+    QCOMPARE(run.err, QString());
+    QCOMPARE(run.exitCode, 0);
+    QCOMPARE(run.out, QStringLiteral("Imported 2 entries from %1; skipped 2 (income 1, transfers 1)\n").arg(file));
+
+    RawDatabase raw(home->databasePath());
+    QCOMPARE(raw.rows(QStringLiteral("select ItemName, CategoryName, TransactDateTime, Price, LocationText from Entry "
+                                     "where SNo > 2 order by SNo")),
+             QList<QVariantList>({ { QStringLiteral("Tyres"), QStringLiteral("Auto:Tyres"),
+                                     QStringLiteral("2026-03-15T00:00:00"), 1250.0, QStringLiteral("Garage") },
+                                   { QStringLiteral("Cafe"), QStringLiteral("Food"),
+                                     QStringLiteral("2026-03-18T00:00:00"), 4.5, QStringLiteral("Cafe") } }));
+    QCOMPARE(raw.scalar(QStringLiteral("select count(*) from Category where CategoryName = 'Auto:Tyres'")).toInt(), 1);
+}
+
+void TestCommandLine::aBadDateOnLine7Of1000ImportsNothingAndNamesLine7()
+{
+    setUpDatabase();
+    QByteArray bytes = csvHeader;
+    for (int line = 2; line <= 1000; ++line) {
+        const QByteArray date =
+            line == 7 ? QByteArray("2026-02-30") : QDate(2024, 1, 1).addDays(line).toString(Qt::ISODate).toLatin1();
+        bytes += date + ",Item " + QByteArray::number(line % 10) + ",Food,1.5,Shop,false,0,0\r\n";
+    }
+    const QString file = home->filePath(QStringLiteral("thousand.csv"));
+    QVERIFY(writeFile(file, bytes));
+    RawDatabase raw(home->databasePath());
+    const QStringList before = raw.dumpTables();
+
+    const Run run = runLedgerly({ QStringLiteral("import"), file }, home->path());
+    QCOMPARE(run.exitCode, 1);
     QCOMPARE(run.out, QString());
     QCOMPARE(run.err,
-             QStringLiteral("Unknown command \"frobnicate\".\nTry \"ledgerly --help\" for more information.\n"));
+             QStringLiteral("%1:7: the date \"2026-02-30\" is not of the form yyyy-MM-ddTHH:mm:ss\n"
+                            "Nothing was imported from %1.\n")
+                 .arg(file));
+    QCOMPARE(raw.dumpTables(), before);
+    QCOMPARE(raw.scalar(QStringLiteral("select count(*) from Entry")).toInt(), 2);
+    QCOMPARE(raw.scalar(QStringLiteral("select count(*) from Items")).toInt(), 2);
+}
+
+void TestCommandLine::aFileThatIsRefusedImportsNothing_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QByteArray>("bytes");
+    QTest::addColumn<QString>("problems");
+    QTest::newRow("empty CSV") << QStringLiteral("empty.csv") << QByteArray()
+                               << QStringLiteral("%1:1: the file is empty; its first line must name the columns\n");
+    QTest::newRow("empty QIF") << QStringLiteral("empty.qif") << QByteArray()
+                               << QStringLiteral("%1:1: the file is empty\n");
+    QTest::newRow("truncated CSV") << QStringLiteral("cut.csv")
+                                   << QByteArray(csvHeader + "2026-01-01,A,Food,1,,false,0,0\r\n2026-01-02,\"B")
+                                   << QStringLiteral("%1:3: a field in double quotes starts here and never ends\n");
+    QTest::newRow("truncated QIF") << QStringLiteral("cut.qif")
+                                   << QByteArray("!Type:Bank\r\nD01/02/2026\r\nT-1\r\n^\r\nD01/03/2026\r\nT-")
+                                   << QStringLiteral("%1:5: the record that starts here does not end with ^: the file "
+                                                     "may be cut short\n");
+    QByteArray binary(3000, '\0');
+    for (int i = 1; i < binary.size(); ++i)
+        binary[i] = char((i * 37 + 11) % 256);
+    QTest::newRow("binary") << QStringLiteral("photo.csv") << binary
+                            << QStringLiteral("%1:1: a NUL byte: this is not a text file\n");
+    QTest::newRow("CSV without Amount") << QStringLiteral("noamount.csv")
+                                        << QByteArray("Date,Item,Category,Place\r\n2026-01-01,A,Food,Shop\r\n")
+                                        << QStringLiteral("%1:1: the first line names no Amount column\n");
+    QByteArray many = csvHeader;
+    for (int line = 2; line <= 31; ++line)
+        many += "2026-01-01,A,Food,x,,false,0,0\r\n";
+    QString manyProblems;
+    for (int line = 2; line <= 21; ++line)
+        manyProblems += QStringLiteral("%1:") + QString::number(line) +
+            QStringLiteral(": the amount \"x\" is not a number Ledgerly can keep\n");
+    manyProblems += QStringLiteral("and 10 more problems\n");
+    QTest::newRow("thirty bad lines") << QStringLiteral("many.csv") << many << manyProblems;
+}
+
+void TestCommandLine::aFileThatIsRefusedImportsNothing()
+{
+    QFETCH(QString, name);
+    QFETCH(QByteArray, bytes);
+    QFETCH(QString, problems);
+    setUpDatabase();
+    const QString file = home->filePath(name);
+    QVERIFY(writeFile(file, bytes));
+    RawDatabase raw(home->databasePath());
+    const QStringList before = raw.dumpTables();
+
+    const Run run = runLedgerly({ QStringLiteral("import"), file }, home->path());
+    QCOMPARE(run.exitCode, 1);
+    QCOMPARE(run.out, QString());
+    QCOMPARE(run.err,
+             QString(problems).replace(QLatin1String("%1"), file) +
+                 QStringLiteral("Nothing was imported from %1.\n").arg(file));
+    QCOMPARE(raw.dumpTables(), before);
+}
+
+void TestCommandLine::dateOrderDecidesDatesTheFileLeavesOpen_data()
+{
+    QTest::addColumn<QStringList>("options");
+    QTest::addColumn<QString>("stored");
+    QTest::newRow("month first by default") << QStringList() << QStringLiteral("2026-03-04T00:00:00");
+    QTest::newRow("mdy") << QStringList { "--date-order", "mdy" } << QStringLiteral("2026-03-04T00:00:00");
+    QTest::newRow("dmy") << QStringList { "--date-order", "dmy" } << QStringLiteral("2026-04-03T00:00:00");
+    QTest::newRow("dmy, written with =") << QStringList { "--date-order=dmy" } << QStringLiteral("2026-04-03T00:00:00");
+}
+
+void TestCommandLine::dateOrderDecidesDatesTheFileLeavesOpen()
+{
+    QFETCH(QStringList, options);
+    QFETCH(QString, stored);
+    const QString file = home->filePath(QStringLiteral("open.qif"));
+    QVERIFY(writeFile(file, "!Type:Cash\r\nD03/04/2026\r\nT-2\r\nMTea\r\nLDrinks\r\n^\r\n"));
+    const Run run = runLedgerly(QStringList { QStringLiteral("import"), file } + options, home->path());
+    QCOMPARE(run.err, QString());
+    QCOMPARE(run.exitCode, 0);
+    QCOMPARE(run.out, QStringLiteral("Imported 1 entry from %1; skipped 0\n").arg(file));
+    RawDatabase raw(home->databasePath());
+    QCOMPARE(raw.scalar(QStringLiteral("select TransactDateTime from Entry")).toString(), stored);
+}
+
+void TestCommandLine::backupWritesACopyThatOpensWithTheSameRows()
+{
+    setUpDatabase();
+    const QString file = home->filePath(QStringLiteral("copy.db"));
+    const Run run = runLedgerly({ QStringLiteral("backup"), file }, home->path());
+    QCOMPARE(run.err, QString());
+    QCOMPARE(run.exitCode, 0);
+    QCOMPARE(run.out, QStringLiteral("Backed up %1 to %2\n").arg(home->databasePath(), file));
+    RawDatabase copy(file);
+    QCOMPARE(copy.scalar(QStringLiteral("PRAGMA integrity_check")).toString(), QStringLiteral("ok"));
+    QCOMPARE(copy.dumpTables(), RawDatabase(home->databasePath()).dumpTables());
+    QCOMPARE(copy.scalar(QStringLiteral("select count(*) from Entry")).toInt(), 2);
+}
+
+void TestCommandLine::backupKeepsAnExistingFileUnlessForced()
+{
+    setUpDatabase();
+    const QString file = home->filePath(QStringLiteral("copy.db"));
+    QVERIFY(writeFile(file, "last week's copy"));
+    Run run = runLedgerly({ QStringLiteral("backup"), file }, home->path());
+    QCOMPARE(run.exitCode, 1);
+    QCOMPARE(run.out, QString());
+    QCOMPARE(run.err, QStringLiteral("%1 already exists; add --force to replace it.\n").arg(file));
+    QCOMPARE(readFile(file), QByteArray("last week's copy"));
+
+    run = runLedgerly({ QStringLiteral("backup"), QStringLiteral("--force"), file }, home->path());
+    QCOMPARE(run.err, QString());
+    QCOMPARE(run.exitCode, 0);
+    QCOMPARE(run.out, QStringLiteral("Backed up %1 to %2\n").arg(home->databasePath(), file));
+    QCOMPARE(RawDatabase(file).dumpTables(), RawDatabase(home->databasePath()).dumpTables());
+
+    // The database itself is no place for a copy, --force or not.
+    const QByteArray database = readFile(home->databasePath());
+    run = runLedgerly({ QStringLiteral("backup"), QStringLiteral("--force"), home->databasePath() }, home->path());
+    QCOMPARE(run.exitCode, 1);
+    QCOMPARE(run.err, QStringLiteral("No backup was written: %1 is the database itself\n").arg(home->databasePath()));
+    QCOMPARE(readFile(home->databasePath()), database);
+}
+
+void TestCommandLine::anUnusableDatabaseIsReportedWithExitStatus1()
+{
+    QByteArray noise(8192, '\0');
+    for (int i = 0; i < noise.size(); ++i)
+        noise[i] = char((i * 7919 + 13) % 251);
+    QVERIFY(writeFile(home->databasePath(), noise));
+    const QString file = home->filePath(QStringLiteral("out.csv"));
+    for (const QString &command : { QStringLiteral("export"), QStringLiteral("import"), QStringLiteral("backup") }) {
+        const Run run = runLedgerly({ command, file }, home->path());
+        QCOMPARE(run.exitCode, 1);
+        QCOMPARE(run.out, QString());
+        QVERIFY2(run.err.startsWith(QStringLiteral("The database %1 cannot be opened: ").arg(home->databasePath())),
+                 qPrintable(run.err));
+        QVERIFY2(run.err.contains(QStringLiteral("file is not a database")), qPrintable(run.err));
+        QCOMPARE(run.err.count(QLatin1Char('\n')), 1);
+        QCOMPARE(readFile(home->databasePath()), noise);
+        QVERIFY(!QFile::exists(file));
+    }
 }
 
 QTEST_GUILESS_MAIN(TestCommandLine)
