@@ -2,18 +2,26 @@
 #include "ui_mainwindow.h"
 
 #include "addentrywidget.h"
+#include "backup.h"
+#include "csvformat.h"
 #include "databasemanager.h"
+#include "entryexport.h"
+#include "entryimport.h"
+#include "format.h"
 #include "historywidget.h"
 #include "look.h"
 #include "notice.h"
 #include "optionswidget.h"
+#include "qifformat.h"
 #include "settings.h"
 
 #include <QCloseEvent>
+#include <QDir>
 #include <QGridLayout>
 #include <QGuiApplication>
 #include <QMessageBox>
 #include <QPointer>
+#include <QProgressDialog>
 #include <QScreen>
 
 namespace {
@@ -22,6 +30,32 @@ QMargins marginsAround(const QRect &inner, const QSize &outer)
 {
     return QMargins(inner.left(), inner.top(), outer.width() - inner.right() - 1, outer.height() - inner.bottom() - 1);
 }
+
+// A progress dialog for work that may take a while: it shows only once the
+// work has run about 0.3 s (or promises to), and its Cancel stops the work.
+// Without a parent, as every dialog of the program (see Look), and modal,
+// so that nothing else touches the database meanwhile.
+class Progress
+{
+public:
+    explicit Progress(const QString &label) : dialog(label, QCoreApplication::translate("MainWindow", "Cancel"), 0, 100)
+    {
+        dialog.setWindowModality(Qt::ApplicationModal);
+        dialog.setMinimumDuration(300);
+        dialog.setValue(0);
+    }
+
+    DatabaseManager::Progress reporter()
+    {
+        return [this](qint64 done, qint64 total) {
+            dialog.setValue(total > 0 ? int(done * 100 / total) : 100);
+            return !dialog.wasCanceled();
+        };
+    }
+
+private:
+    QProgressDialog dialog;
+};
 
 } // namespace
 
@@ -37,6 +71,16 @@ MainWindow::MainWindow(QWidget *parent) : QMainWindow(parent), ui(new Ui::MainWi
     dbManager = new DatabaseManager(this);
     if (dbManager->GetTotalNumberOfEntries() > 0)
         IsEntryPresentInDatabase = true;
+
+    if (dbManager->isUsable()) {
+        // Never in the way of the program: a failure is told once the window
+        // is on screen.
+        const Backup::Outcome daily = Backup::writeAutomatic(*dbManager, Backup::automaticDirectory());
+        if (!daily.written && !daily.failure.isEmpty()) {
+            automaticBackupFailure = daily.failure;
+            QMetaObject::invokeMethod(this, &MainWindow::reportAutomaticBackupFailure, Qt::QueuedConnection);
+        }
+    }
 
     setUpPageArea();
     connectMenuBar();
@@ -137,6 +181,13 @@ void MainWindow::connectMenuBar()
     // Without a parent, as every box of the program: inside the window it
     // would take the black pages' style sheet.
     connect(ui->actionAboutQt, &QAction::triggered, this, [] { QMessageBox::aboutQt(nullptr); });
+
+    connect(ui->actionImport, &QAction::triggered, this, &MainWindow::importEntries);
+    connect(ui->actionExport, &QAction::triggered, this, &MainWindow::exportEntries);
+    connect(ui->actionBackUp, &QAction::triggered, this, &MainWindow::backUpDatabase);
+    // Without a database there is nothing to bring in, take out or copy.
+    for (QAction *command : { ui->actionImport, ui->actionExport, ui->actionBackUp })
+        command->setEnabled(dbManager->isUsable());
 }
 
 void MainWindow::restoreWindowGeometry()
@@ -188,6 +239,144 @@ void MainWindow::reportUnusableDatabase()
     Notice::warn(tr("Ledgerly could not open its database file %1.\n\n%2\n\n"
                     "Nothing can be recorded or shown in this session. The file has not been changed.")
                      .arg(dbManager->databaseFileName(), dbManager->openError()));
+}
+
+void MainWindow::reportAutomaticBackupFailure()
+{
+    Notice::warn(tr("Ledgerly could not write today's backup of your database into %1.\n\n%2\n\n"
+                    "Your entries are as they were. Ledgerly tries again at its next start.")
+                     .arg(Backup::automaticDirectory(), automaticBackupFailure));
+}
+
+QString MainWindow::chooseFile(QFileDialog::AcceptMode mode, const QString &title, const QStringList &nameFilters,
+                               const QString &suggested)
+{
+    QFileDialog dialog(nullptr, title);
+    dialog.setWindowModality(Qt::ApplicationModal);
+    dialog.setAcceptMode(mode);
+    dialog.setFileMode(mode == QFileDialog::AcceptOpen ? QFileDialog::ExistingFile : QFileDialog::AnyFile);
+    dialog.setNameFilters(nameFilters);
+    dialog.setDirectory(QFileInfo(suggested).absolutePath());
+    if (mode == QFileDialog::AcceptSave) {
+        // A name typed without its suffix gets that of the chosen filter
+        // ("*.csv" gives csv); the dialog asks before replacing a file.
+        const auto suffixOf = [](const QString &filter) {
+            const qsizetype star = filter.indexOf(QLatin1String("*."));
+            return star < 0 ? QString()
+                            : filter.mid(star + 2).section(QLatin1Char(')'), 0, 0).section(QLatin1Char(' '), 0, 0);
+        };
+        dialog.setDefaultSuffix(suffixOf(nameFilters.value(0)));
+        connect(&dialog, &QFileDialog::filterSelected, &dialog,
+                [&dialog, suffixOf](const QString &filter) { dialog.setDefaultSuffix(suffixOf(filter)); });
+        dialog.selectFile(QFileInfo(suggested).fileName());
+    }
+    if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty())
+        return QString();
+    return dialog.selectedFiles().constFirst();
+}
+
+void MainWindow::importEntries()
+{
+    const QString fileName = chooseFile(QFileDialog::AcceptOpen, tr("Import Entries"),
+                                        { tr("CSV and QIF files (*.csv *.qif *.CSV *.QIF)"), tr("All files (*)") },
+                                        QDir::homePath() + QLatin1Char('/'));
+    if (fileName.isEmpty())
+        return;
+
+    EntryFileContents contents = EntryImport::read(fileName);
+    if (contents.isAcceptable() && !contents.openDate.isEmpty()) {
+        const Notice::Choice order = Notice::choose(
+            tr("The dates in %1 can be read two ways: %2 (line %3) is %4 with the month first, or %5 with the day "
+               "first.\n\nWhich comes first in this file?")
+                .arg(fileName, contents.openDate, QString::number(contents.openDateLine),
+                     Format::date(contents.openDateMonthFirst), Format::date(contents.openDateDayFirst)),
+            tr("Month First"), tr("Day First"));
+        if (order == Notice::Choice::Neither)
+            return;
+        if (order == Notice::Choice::Second)
+            contents = EntryImport::read(fileName, QifFormat::DateOrder::DayFirst);
+    }
+    if (!contents.isAcceptable()) {
+        Notice::warn(tr("Nothing was imported from %1: it cannot be read as it is.\n\n%2")
+                         .arg(fileName, contents.problemLines().join(QLatin1Char('\n'))));
+        return;
+    }
+
+    EntryImport::Outcome outcome;
+    {
+        Progress progress(tr("Importing entries…"));
+        outcome = EntryImport::write(*dbManager, contents.entries, progress.reporter());
+    }
+    if (!outcome.written) {
+        Notice::warn(tr("Nothing was imported from %1: %2.").arg(fileName, outcome.failure));
+        return;
+    }
+    if (outcome.added > 0) {
+        IsEntryPresentInDatabase = true;
+        rebuildDataPageAfterImport();
+    }
+    Notice::inform(EntryImport::summary(fileName, contents, outcome.added) + QStringLiteral(".\n\n") +
+                   tr("Importing the same file again would add its entries a second time."));
+}
+
+void MainWindow::rebuildDataPageAfterImport()
+{
+    // Only a page on screen shows what is now out of date: a hidden one is
+    // never shown again, the menu makes a fresh page every time. The
+    // new-entry page keeps what the user is typing; the options page keeps
+    // its unsaved edits, if it holds any.
+    if (ui->stackedWidget->currentIndex() != 2)
+        return;
+    QWidget *page = ui->scrollArea_2->widget();
+    if (qobject_cast<HistoryWidget *>(page)) {
+        showDataPage(new HistoryWidget(QPointer<DatabaseManager>(dbManager), this));
+    } else if (auto *options = qobject_cast<OptionsWidget *>(page)) {
+        if (!options->hasUnsavedEntryChanges())
+            showDataPage(new OptionsWidget(QPointer<DatabaseManager>(dbManager), this));
+    }
+}
+
+void MainWindow::exportEntries()
+{
+    const QString fileName =
+        chooseFile(QFileDialog::AcceptSave, tr("Export Entries"), { tr("CSV files (*.csv)"), tr("QIF files (*.qif)") },
+                   QDir::home().filePath(QStringLiteral("ledgerly-entries.csv")));
+    if (fileName.isEmpty())
+        return;
+    if (!CsvFormat::matches(fileName) && !QifFormat::matches(fileName)) {
+        Notice::warn(tr("Nothing was exported: %1 names no .csv or .qif file.").arg(fileName));
+        return;
+    }
+    EntryExport::Outcome outcome;
+    {
+        Progress progress(tr("Exporting entries…"));
+        outcome = EntryExport::write(*dbManager, fileName, progress.reporter());
+    }
+    if (!outcome.written) {
+        Notice::warn(tr("Nothing was exported: %1.").arg(outcome.failure));
+        return;
+    }
+    Notice::inform(EntryExport::summary(fileName, outcome.exported) + QLatin1Char('.'));
+}
+
+void MainWindow::backUpDatabase()
+{
+    const QString fileName = chooseFile(
+        QFileDialog::AcceptSave, tr("Back Up Database"), { tr("Ledgerly databases (*.db)") },
+        QDir::home().filePath(QStringLiteral("ledgerly-backup-%1.db").arg(QDate::currentDate().toString(Qt::ISODate))));
+    if (fileName.isEmpty())
+        return;
+    Backup::Outcome outcome;
+    {
+        Progress progress(tr("Backing up the database…"));
+        // The file dialog has asked before an existing file is replaced.
+        outcome = Backup::write(*dbManager, fileName, Backup::Existing::Replace, progress.reporter());
+    }
+    if (!outcome.written) {
+        Notice::warn(tr("No backup was written: %1.").arg(outcome.failure));
+        return;
+    }
+    Notice::inform(tr("The database was backed up to %1.").arg(fileName));
 }
 
 void MainWindow::on_pushButtonNewEntry_clicked()

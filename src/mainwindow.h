@@ -1,8 +1,11 @@
 #pragma once
 
+#include <QFileDialog>
 #include <QList>
 #include <QMainWindow>
 #include <QRect>
+#include <QString>
+#include <QStringList>
 
 class DatabaseManager;
 
@@ -12,7 +15,8 @@ class MainWindow;
 
 // The one top-level window: a fixed menu column, a menu bar, and a stacked
 // page area whose third page hosts the data page of the moment. The page
-// area follows the window's size. Owns the store.
+// area follows the window's size. Owns the store, writes its daily backup
+// at start-up, and runs the File menu's import, export and backup.
 class MainWindow : public QMainWindow
 {
     Q_OBJECT
@@ -45,8 +49,18 @@ private:
     void saveWindowGeometry() const;
     void showDataPage(QWidget *page);
     void reportUnusableDatabase();
+    void reportAutomaticBackupFailure();
+
+    void importEntries();
+    void exportEntries();
+    void backUpDatabase();
+    void rebuildDataPageAfterImport();
+    // Asks for a file in a dialog of its own; empty when the user cancels.
+    QString chooseFile(QFileDialog::AcceptMode mode, const QString &title, const QStringList &nameFilters,
+                       const QString &suggested);
 
     Ui::MainWindow *ui;
     DatabaseManager *dbManager;
     bool IsEntryPresentInDatabase;
+    QString automaticBackupFailure;
 };

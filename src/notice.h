@@ -15,4 +15,10 @@ public:
     // A confirmation with Save and Discard, Save the default, no icon. Only
     // Save is a yes; Discard and closing the box are a no.
     static bool confirm(const QString &text);
+
+    enum class Choice { First, Second, Neither };
+    // A question with two answers and Cancel: the buttons Yes, No and Cancel
+    // carry the texts `first`, `second` and "Cancel"; the first answer is
+    // the default. Cancel and closing the box are Neither.
+    static Choice choose(const QString &text, const QString &first, const QString &second);
 };

@@ -1,4 +1,5 @@
 #include "addentrywidget.h"
+#include "backup.h"
 #include "databasemanager.h"
 #include "historywidget.h"
 #include "look.h"
@@ -6,6 +7,7 @@
 #include "optionswidget.h"
 
 #include "contrast.h"
+#include "filedialoganswerer.h"
 #include "mainwindowfixture.h"
 #include "messageboxanswerer.h"
 #include "rawdatabase.h"
@@ -25,13 +27,17 @@
 #include <QLineEdit>
 #include <QMenu>
 #include <QMenuBar>
+#include <QPointer>
+#include <QProgressDialog>
 #include <QPushButton>
 #include <QScopeGuard>
 #include <QScrollArea>
 #include <QScrollBar>
 #include <QSettings>
+#include <QSqlTableModel>
 #include <QStackedWidget>
 #include <QTabWidget>
+#include <QTableView>
 #include <QTableWidget>
 #include <QTemporaryDir>
 #include <QtTest>
@@ -155,6 +161,24 @@ private slots:
 
     void unreadableHomeIsReportedOnce();
     void fileThatIsNotADatabaseIsReportedAndLeftUntouched();
+
+    // Import, export and backups
+    void exportWritesTheChosenCsvFileAndSaysHowManyEntries();
+    void exportTakesTheSuffixOfTheChosenFilter();
+    void exportRefusesANameOfAnotherFormat();
+    void cancellingTheFileDialogDoesNothing();
+    void importAddsAFilesEntriesAndSaysWhatItSkipped();
+    void importAsksWhichComesFirstWhenTheFileLeavesItOpen_data();
+    void importAsksWhichComesFirstWhenTheFileLeavesItOpen();
+    void aRefusedFileImportsNothingAndShowsItsProblems();
+    void anImportCancelledFromItsProgressDialogWritesNothing();
+    void aHistoryPageOnScreenIsReplacedAfterAnImport();
+    void anOptionsPageWithUnsavedEditsStaysAfterAnImport();
+    void backUpWritesACopyOfTheOpenDatabase();
+    void backUpAsksBeforeReplacingAFile();
+    void theFirstStartWritesTheDailyBackup();
+    void aDailyBackupThatCannotBeWrittenIsReportedOnceTheWindowIsShown();
+    void withoutADatabaseTheFileCommandsAreOff();
 
 private:
     // Points the settings at a fresh configuration directory, as a start
@@ -770,11 +794,11 @@ void TestMainWindow::everyMenuCommandHasItsNameTextShortcutAndState_data()
     QTest::addColumn<QKeySequence>("shortcut");
     QTest::addColumn<bool>("enabled");
     QTest::newRow("import") << QByteArray("actionImport") << QStringLiteral("Import Entries…") << QKeySequence()
-                            << false;
+                            << true;
     QTest::newRow("export") << QByteArray("actionExport") << QStringLiteral("Export Entries…") << QKeySequence()
-                            << false;
+                            << true;
     QTest::newRow("back up") << QByteArray("actionBackUp") << QStringLiteral("Back Up Database…") << QKeySequence()
-                             << false;
+                             << true;
     QTest::newRow("quit") << QByteArray("actionQuit") << QStringLiteral("Quit") << QKeySequence(QKeySequence::Quit)
                           << true;
     QTest::newRow("home") << QByteArray("actionHome") << QStringLiteral("Home") << QKeySequence() << true;
@@ -985,8 +1009,10 @@ void TestMainWindow::menusShowLightCommandsAndHighlightTheOneUnderThePointer()
         QVERIFY(contrastRatio(groundColour(highlighted, area), groundColour(shot, area)) >= 2.0);
         QVERIFY(drawnContrast(highlighted, area) >= 4.5);
     }
-    // The commands still to come are visibly there, and visibly disabled.
+    // A disabled command (as the file commands are without a database) is
+    // visibly there, and visibly disabled.
     QMenu *file = window.menuBar()->actions().constFirst()->menu();
+    action(window, "actionImport")->setEnabled(false);
     const QImage shot = file->grab().toImage();
     const QRect import = file->actionGeometry(action(window, "actionImport"));
     const QRect quit = file->actionGeometry(action(window, "actionQuit"));
@@ -1235,6 +1261,439 @@ void TestMainWindow::fileThatIsNotADatabaseIsReportedAndLeftUntouched()
     QFile file(f.home.databasePath());
     QVERIFY(file.open(QIODevice::ReadOnly));
     QCOMPARE(file.readAll(), noise);
+}
+
+// Import, export and backups
+
+namespace {
+
+const QByteArray csvHeader = "Date,Item,Category,Amount,Place,GeoLocation,Longitude,Latitude\r\n";
+
+void addTwoEntries(MainWindowFixture &f)
+{
+    f.addEntry(QStringLiteral("Coffee"), QStringLiteral("Drinks"), QDateTime(QDate(2026, 11, 15), QTime(8, 30)), 2.5);
+    f.addEntry(QStringLiteral("Bread, rye"), QStringLiteral("Food"), QDateTime(QDate(2026, 11, 14), QTime(18, 0)),
+               3.25);
+}
+
+// Runs a File command: its file dialog is answered by choosing `file`
+// (after `nameFilter`, when given), the boxes that follow with `answers`.
+struct FileCommand
+{
+    FileDialogAnswerer dialogs;
+    MessageBoxAnswerer boxes;
+
+    void run(const MainWindow &window, const char *name, const QString &file,
+             std::initializer_list<QMessageBox::StandardButton> answers = { QMessageBox::Ok },
+             const QString &nameFilter = QString())
+    {
+        dialogs.choose(file, nameFilter);
+        boxes.answer(answers);
+        action(window, name)->trigger();
+    }
+};
+
+} // namespace
+
+void TestMainWindow::exportWritesTheChosenCsvFileAndSaysHowManyEntries()
+{
+    MainWindowFixture f;
+    addTwoEntries(f);
+    QVERIFY(f.show());
+    const QString file = f.home.filePath(QStringLiteral("mine.csv"));
+    FileCommand command;
+    command.run(f.window(), "actionExport", file);
+
+    QCOMPARE(command.dialogs.errors(), QStringList());
+    QCOMPARE(command.dialogs.seen().size(), 1);
+    const SeenFileDialog &dialog = command.dialogs.seen().constFirst();
+    QCOMPARE(dialog.title, QStringLiteral("Export Entries"));
+    QCOMPARE(dialog.acceptMode, QFileDialog::AcceptSave);
+    QCOMPARE(dialog.nameFilters,
+             QStringList({ QStringLiteral("CSV files (*.csv)"), QStringLiteral("QIF files (*.qif)") }));
+    QCOMPARE(dialog.directory, f.home.path());
+    QCOMPARE(dialog.suggestedName, QStringLiteral("ledgerly-entries.csv"));
+    // Without a parent, so that it keeps the desktop's colours.
+    QVERIFY(!dialog.hasParent);
+    QVERIFY(dialog.modal);
+
+    QCOMPARE(command.boxes.texts(), QStringList { QStringLiteral("Exported 2 entries to %1.").arg(file) });
+    VERIFY_BOX_SHAPE(command.boxes.seen().constFirst(), BoxKind::Information);
+    QCOMPARE(readFile(file),
+             csvHeader +
+                 "2026-11-15T08:30:00,Coffee,Drinks,2.5,Somewhere,false,103,1.3\r\n"
+                 "2026-11-14T18:00:00,\"Bread, rye\",Food,3.25,Somewhere,false,103,1.3\r\n");
+}
+
+void TestMainWindow::exportTakesTheSuffixOfTheChosenFilter()
+{
+    MainWindowFixture f;
+    addTwoEntries(f);
+    QVERIFY(f.show());
+    FileCommand command;
+    command.run(f.window(), "actionExport", QStringLiteral("mine"), { QMessageBox::Ok },
+                QStringLiteral("QIF files (*.qif)"));
+
+    const QString file = f.home.filePath(QStringLiteral("mine.qif"));
+    QCOMPARE(command.boxes.texts(), QStringList { QStringLiteral("Exported 2 entries to %1.").arg(file) });
+    QCOMPARE(readFile(file),
+             QByteArray("!Type:Cash\r\n"
+                        "D11/15/2026\r\nT-2.5\r\nPSomewhere\r\nMCoffee\r\nLDrinks\r\n^\r\n"
+                        "D11/14/2026\r\nT-3.25\r\nPSomewhere\r\nMBread, rye\r\nLFood\r\n^\r\n"));
+}
+
+void TestMainWindow::exportRefusesANameOfAnotherFormat()
+{
+    MainWindowFixture f;
+    addTwoEntries(f);
+    QVERIFY(f.show());
+    const QString file = f.home.filePath(QStringLiteral("mine.txt"));
+    FileCommand command;
+    command.run(f.window(), "actionExport", file);
+    QCOMPARE(command.boxes.texts(),
+             QStringList { QStringLiteral("Nothing was exported: %1 names no .csv or .qif file.").arg(file) });
+    VERIFY_BOX_SHAPE(command.boxes.seen().constFirst(), BoxKind::Warning);
+    QVERIFY(!QFile::exists(file));
+}
+
+void TestMainWindow::cancellingTheFileDialogDoesNothing()
+{
+    MainWindowFixture f;
+    addTwoEntries(f);
+    QVERIFY(f.show());
+    const QStringList before = RawDatabase(f.home.databasePath()).dumpTables();
+    const QStringList files = QDir(f.home.path()).entryList(QDir::Files);
+    FileDialogAnswerer dialogs;
+    MessageBoxAnswerer boxes;
+    for (const char *command : { "actionExport", "actionImport", "actionBackUp" }) {
+        dialogs.cancel();
+        action(f.window(), command)->trigger();
+    }
+    QCOMPARE(dialogs.seen().size(), 3);
+    QCOMPARE(dialogs.errors(), QStringList());
+    QVERIFY(boxes.seen().isEmpty());
+    QCOMPARE(QDir(f.home.path()).entryList(QDir::Files), files);
+    QCOMPARE(RawDatabase(f.home.databasePath()).dumpTables(), before);
+}
+
+void TestMainWindow::importAddsAFilesEntriesAndSaysWhatItSkipped()
+{
+    MainWindowFixture f;
+    addTwoEntries(f);
+    QVERIFY(f.show());
+    const QString file = f.home.filePath(QStringLiteral("bank.qif"));
+    QVERIFY(writeFile(file,
+                      "!Account\r\nNChecking\r\nTBank\r\n^\r\n!Type:Bank\r\n"
+                      "D11/20/2026\r\nT-1,200.00\r\nPLandlord\r\nMRent\r\nLHousing:Rent\r\n^\r\n"
+                      "D11/21/2026\r\nT3,000.00\r\nPEmployer\r\n^\r\n"));
+    FileCommand command;
+    command.run(f.window(), "actionImport", file);
+
+    QCOMPARE(command.dialogs.seen().size(), 1);
+    QCOMPARE(command.dialogs.seen().constFirst().title, QStringLiteral("Import Entries"));
+    QCOMPARE(command.dialogs.seen().constFirst().acceptMode, QFileDialog::AcceptOpen);
+    QVERIFY(!command.dialogs.seen().constFirst().hasParent);
+    QCOMPARE(command.boxes.texts(),
+             QStringList { QStringLiteral("Imported 1 entry from %1; skipped 2 (income 1, other sections 1).\n\n"
+                                          "Importing the same file again would add its entries a second time.")
+                               .arg(file) });
+    VERIFY_BOX_SHAPE(command.boxes.seen().constFirst(), BoxKind::Information);
+    RawDatabase raw(f.home.databasePath());
+    QCOMPARE(
+        raw.rows(QStringLiteral("select ItemName, CategoryName, Price, TransactDateTime from Entry where SNo = 3")),
+        QList<QVariantList>({ { QStringLiteral("Rent"), QStringLiteral("Housing:Rent"), 1200.0,
+                                QStringLiteral("2026-11-20T00:00:00") } }));
+}
+
+void TestMainWindow::importAsksWhichComesFirstWhenTheFileLeavesItOpen_data()
+{
+    QTest::addColumn<int>("answer");
+    QTest::addColumn<QString>("stored");
+    QTest::newRow("month first") << int(QMessageBox::Yes) << QStringLiteral("2026-03-04T00:00:00");
+    QTest::newRow("day first") << int(QMessageBox::No) << QStringLiteral("2026-04-03T00:00:00");
+    QTest::newRow("cancel") << int(QMessageBox::Cancel) << QString();
+}
+
+void TestMainWindow::importAsksWhichComesFirstWhenTheFileLeavesItOpen()
+{
+    QFETCH(int, answer);
+    QFETCH(QString, stored);
+    MainWindowFixture f;
+    QVERIFY(f.show());
+    const QString file = f.home.filePath(QStringLiteral("open.qif"));
+    QVERIFY(writeFile(file,
+                      "!Type:Cash\r\nD05/05/2026\r\nT-1\r\nMSame either way\r\n^\r\n"
+                      "D03/04/2026\r\nT-2\r\nMTea\r\n^\r\n"));
+    FileDialogAnswerer dialogs;
+    dialogs.choose(file);
+    MessageBoxAnswerer boxes;
+    boxes.answer(QMessageBox::StandardButton(answer));
+    if (!stored.isEmpty())
+        boxes.answer(QMessageBox::Ok);
+    action(f.window(), "actionImport")->trigger();
+
+    QCOMPARE(boxes.errors(), QStringList());
+    const SeenMessageBox &question = boxes.seen().constFirst();
+    QCOMPARE(question.text,
+             QStringLiteral("The dates in %1 can be read two ways: 03/04/2026 (line 6) is Wed Mar 4 2026 "
+                            "with the month first, or Fri Apr 3 2026 with the day first.\n\n"
+                            "Which comes first in this file?")
+                 .arg(file));
+    QCOMPARE(question.buttons, QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel);
+    QCOMPARE(question.defaultButton, QMessageBox::Yes);
+    QVERIFY(!question.hasParent);
+    RawDatabase raw(f.home.databasePath());
+    if (stored.isEmpty()) {
+        QCOMPARE(boxes.seen().size(), 1);
+        QCOMPARE(raw.scalar(QStringLiteral("select count(*) from Entry")).toInt(), 0);
+    } else {
+        QCOMPARE(boxes.seen().size(), 2);
+        QCOMPARE(raw.scalar(QStringLiteral("select TransactDateTime from Entry where ItemName = 'Tea'")).toString(),
+                 stored);
+    }
+}
+
+void TestMainWindow::aRefusedFileImportsNothingAndShowsItsProblems()
+{
+    MainWindowFixture f;
+    addTwoEntries(f);
+    QVERIFY(f.show());
+    QByteArray bytes = csvHeader;
+    for (int line = 2; line <= 1000; ++line) {
+        const QByteArray date =
+            line == 7 ? QByteArray("07/03/2026") : QDate(2024, 1, 1).addDays(line).toString(Qt::ISODate).toLatin1();
+        bytes += date + ",Item,Food,1.5,Shop,false,0,0\r\n";
+    }
+    const QString file = f.home.filePath(QStringLiteral("thousand.csv"));
+    QVERIFY(writeFile(file, bytes));
+    RawDatabase raw(f.home.databasePath());
+    const QStringList before = raw.dumpTables();
+
+    FileCommand command;
+    command.run(f.window(), "actionImport", file);
+    QCOMPARE(command.boxes.texts(),
+             QStringList { QStringLiteral("Nothing was imported from %1: it cannot be read as it is.\n\n"
+                                          "line 7: the date \"07/03/2026\" is not of the form "
+                                          "yyyy-MM-ddTHH:mm:ss")
+                               .arg(file) });
+    VERIFY_BOX_SHAPE(command.boxes.seen().constFirst(), BoxKind::Warning);
+    QCOMPARE(raw.dumpTables(), before);
+}
+
+void TestMainWindow::anImportCancelledFromItsProgressDialogWritesNothing()
+{
+    MainWindowFixture f;
+    addTwoEntries(f);
+    QVERIFY(f.show());
+    // Enough entries that the work takes longer than the dialog waits.
+    QByteArray bytes = csvHeader;
+    for (int i = 0; i < 20000; ++i)
+        bytes += QDateTime(QDate(2020, 1, 1), QTime()).addSecs(i * 600).toString(Qt::ISODate).toLatin1() + ",Item " +
+            QByteArray::number(i % 50) + ",Category " + QByteArray::number(i % 7) + ",1.5,Shop,false,0,0\r\n";
+    const QString file = f.home.filePath(QStringLiteral("big.csv"));
+    QVERIFY(writeFile(file, bytes));
+    RawDatabase raw(f.home.databasePath());
+    const QStringList before = raw.dumpTables();
+
+    QString label;
+    bool progressParentless = false;
+    QTimer canceller;
+    canceller.setInterval(5);
+    connect(&canceller, &QTimer::timeout, [&] {
+        for (QWidget *widget : QApplication::topLevelWidgets()) {
+            auto *progress = qobject_cast<QProgressDialog *>(widget);
+            if (progress && progress->isVisible() && !progress->wasCanceled()) {
+                label = progress->labelText();
+                progressParentless = progress->parentWidget() == nullptr;
+                progress->cancel();
+            }
+        }
+    });
+    canceller.start();
+    FileCommand command;
+    command.run(f.window(), "actionImport", file);
+    canceller.stop();
+
+    QCOMPARE(label, QStringLiteral("Importing entries…"));
+    QVERIFY(progressParentless);
+    QCOMPARE(command.boxes.texts(),
+             QStringList { QStringLiteral("Nothing was imported from %1: the import was cancelled.").arg(file) });
+    QCOMPARE(raw.dumpTables(), before);
+}
+
+void TestMainWindow::aHistoryPageOnScreenIsReplacedAfterAnImport()
+{
+    MainWindowFixture f;
+    addTwoEntries(f);
+    QVERIFY(f.show());
+    f.click("pushButtonHistory");
+    QPointer<QWidget> shown = f.page();
+    QVERIFY(qobject_cast<HistoryWidget *>(shown));
+    QCOMPARE(child<QTableWidget>(*shown, "tableWidgetAllEntries")->rowCount(), 2);
+
+    const QString file = f.home.filePath(QStringLiteral("more.csv"));
+    QVERIFY(writeFile(file, csvHeader + "2026-11-16T10:00:00,Tea,Drinks,1.5,Kiosk,false,0,0\r\n"));
+    FileCommand command;
+    command.run(f.window(), "actionImport", file);
+    QCOMPARE(command.boxes.seen().size(), 1);
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+
+    QVERIFY(shown.isNull());
+    auto *fresh = qobject_cast<HistoryWidget *>(f.page());
+    QVERIFY(fresh);
+    QCOMPARE(f.stack()->currentIndex(), 2);
+    QCOMPARE(child<QTableWidget>(*fresh, "tableWidgetAllEntries")->rowCount(), 3);
+}
+
+void TestMainWindow::anOptionsPageWithUnsavedEditsStaysAfterAnImport()
+{
+    MainWindowFixture f;
+    addTwoEntries(f);
+    QVERIFY(f.show());
+    f.click("pushButtonOptions");
+    auto *options = qobject_cast<OptionsWidget *>(f.page());
+    QVERIFY(options);
+    child<QTabWidget>(*options, "tabWidgetOptionsContainer")->setCurrentIndex(2);
+    auto *model = qobject_cast<QSqlTableModel *>(child<QTableView>(*options, "tableViewEditEntries")->model());
+    QVERIFY(model->setData(model->index(0, 5), 9.5f));
+    QVERIFY(options->hasUnsavedEntryChanges());
+
+    const QString file = f.home.filePath(QStringLiteral("more.csv"));
+    QVERIFY(writeFile(file, csvHeader + "2026-11-16T10:00:00,Tea,Drinks,1.5,Kiosk,false,0,0\r\n"));
+    FileCommand command;
+    command.run(f.window(), "actionImport", file);
+    QCOMPARE(command.boxes.seen().size(), 1);
+    QCOMPARE(f.page(), options);
+    QCOMPARE(model->index(0, 5).data().toDouble(), 9.5);
+
+    // Without edits, it is made afresh.
+    child<QPushButton>(*options, "pushButtonCancelChanges")->click();
+    QPointer<QWidget> unchanged = options;
+    command.dialogs.choose(file);
+    command.boxes.answer(QMessageBox::Ok);
+    action(f.window(), "actionImport")->trigger();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    QVERIFY(unchanged.isNull());
+    QVERIFY(qobject_cast<OptionsWidget *>(f.page()));
+}
+
+void TestMainWindow::backUpWritesACopyOfTheOpenDatabase()
+{
+    MainWindowFixture f;
+    addTwoEntries(f);
+    QVERIFY(f.show());
+    // The options page's table holds the file open meanwhile.
+    f.click("pushButtonOptions");
+    child<QTabWidget>(*f.page(), "tabWidgetOptionsContainer")->setCurrentIndex(2);
+    const QString file = f.home.filePath(QStringLiteral("copy.db"));
+    FileCommand command;
+    command.run(f.window(), "actionBackUp", file);
+
+    const SeenFileDialog &dialog = command.dialogs.seen().constFirst();
+    QCOMPARE(dialog.title, QStringLiteral("Back Up Database"));
+    QCOMPARE(dialog.nameFilters, QStringList { QStringLiteral("Ledgerly databases (*.db)") });
+    QCOMPARE(dialog.suggestedName,
+             QStringLiteral("ledgerly-backup-%1.db").arg(QDate::currentDate().toString(Qt::ISODate)));
+    QCOMPARE(command.boxes.texts(), QStringList { QStringLiteral("The database was backed up to %1.").arg(file) });
+    RawDatabase copy(file);
+    QCOMPARE(copy.scalar(QStringLiteral("PRAGMA integrity_check")).toString(), QStringLiteral("ok"));
+    QCOMPARE(copy.dumpTables(), RawDatabase(f.home.databasePath()).dumpTables());
+}
+
+void TestMainWindow::backUpAsksBeforeReplacingAFile()
+{
+    MainWindowFixture f;
+    addTwoEntries(f);
+    QVERIFY(f.show());
+    const QString file = f.home.filePath(QStringLiteral("copy.db"));
+    QVERIFY(writeFile(file, "an older copy"));
+
+    // Told no, the dialog stays; then cancelled.
+    FileDialogAnswerer dialogs;
+    dialogs.choose(file);
+    dialogs.cancel();
+    MessageBoxAnswerer boxes;
+    boxes.answer(QMessageBox::No);
+    action(f.window(), "actionBackUp")->trigger();
+    QCOMPARE(boxes.seen().size(), 1);
+    QVERIFY2(boxes.seen().constFirst().text.contains(QStringLiteral("copy.db")), qPrintable(boxes.texts().join(' ')));
+    QCOMPARE(dialogs.seen().size(), 2);
+    QCOMPARE(readFile(file), QByteArray("an older copy"));
+
+    // Told yes, the copy replaces it.
+    boxes.clear();
+    dialogs.choose(file);
+    boxes.answer({ QMessageBox::Yes, QMessageBox::Ok });
+    action(f.window(), "actionBackUp")->trigger();
+    QCOMPARE(boxes.seen().size(), 2);
+    QCOMPARE(boxes.seen().at(1).text, QStringLiteral("The database was backed up to %1.").arg(file));
+    QCOMPARE(RawDatabase(file).dumpTables(), RawDatabase(f.home.databasePath()).dumpTables());
+}
+
+void TestMainWindow::theFirstStartWritesTheDailyBackup()
+{
+    MainWindowFixture f;
+    addTwoEntries(f);
+    const QString directory = Backup::automaticDirectory();
+    QVERIFY(directory.startsWith(f.home.path()));
+    MessageBoxAnswerer boxes;
+    f.window();
+    runPendingEventsAndClearQuit();
+    QVERIFY(boxes.seen().isEmpty());
+    const QStringList backups = QDir(directory).entryList(QDir::Files);
+    QCOMPARE(backups.size(), 1);
+    QVERIFY2(backups.constFirst().startsWith(
+                 QStringLiteral("ledgerlydatabase-%1-").arg(QDate::currentDate().toString(Qt::ISODate))),
+             qPrintable(backups.constFirst()));
+    QCOMPARE(RawDatabase(QDir(directory).filePath(backups.constFirst())).dumpTables(),
+             RawDatabase(f.home.databasePath()).dumpTables());
+
+    // The next start on the same day writes none.
+    f.restart();
+    runPendingEventsAndClearQuit();
+    QCOMPARE(QDir(directory).entryList(QDir::Files), backups);
+}
+
+void TestMainWindow::aDailyBackupThatCannotBeWrittenIsReportedOnceTheWindowIsShown()
+{
+    MainWindowFixture f;
+    addTwoEntries(f);
+    // A file stands where the backups' directory would be made.
+    const QString directory = Backup::automaticDirectory();
+    QVERIFY(QDir().mkpath(QFileInfo(directory).absolutePath()));
+    QVERIFY(writeFile(directory, "in the way"));
+
+    MessageBoxAnswerer boxes;
+    boxes.answer(QMessageBox::Ok);
+    bool shownFirst = false;
+    QTimer::singleShot(0, [&] { shownFirst = f.window().isVisible() && boxes.seen().isEmpty(); });
+    QVERIFY(f.show());
+    runPendingEventsAndClearQuit();
+    QVERIFY(shownFirst);
+    QCOMPARE(boxes.texts(),
+             QStringList { QStringLiteral("Ledgerly could not write today's backup of your database into %1.\n\n"
+                                          "The directory %1 cannot be made.\n\n"
+                                          "Your entries are as they were. Ledgerly tries again at its next start.")
+                               .arg(directory) });
+    VERIFY_BOX_SHAPE(boxes.seen().constFirst(), BoxKind::Warning);
+    // The program goes on.
+    f.click("pushButtonHistory");
+    QVERIFY(qobject_cast<HistoryWidget *>(f.page()));
+    QCOMPARE(boxes.seen().size(), 1);
+}
+
+void TestMainWindow::withoutADatabaseTheFileCommandsAreOff()
+{
+    MainWindowFixture f;
+    QVERIFY(writeFile(f.home.databasePath(), QByteArray(4096, 'x')));
+    MessageBoxAnswerer boxes;
+    boxes.answer(QMessageBox::Ok);
+    f.window();
+    runPendingEventsAndClearQuit();
+    QCOMPARE(boxes.seen().size(), 1);
+    for (const char *command : { "actionImport", "actionExport", "actionBackUp" })
+        QVERIFY2(!action(f.window(), command)->isEnabled(), command);
+    QVERIFY(!QDir(Backup::automaticDirectory()).exists());
 }
 
 QTEST_MAIN(TestMainWindow)
