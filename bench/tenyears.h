@@ -29,11 +29,14 @@ inline long peakResidentKb()
     return usage.ru_maxrss;
 }
 
-// The median of `runs` timings of `work`, in milliseconds.
-inline double medianMs(int runs, const std::function<void()> &work)
+// The median of `runs` timings of `work`, in milliseconds; `prepare`, when
+// given, runs before each, untimed.
+inline double medianMs(int runs, const std::function<void()> &work, const std::function<void()> &prepare = {})
 {
     std::vector<double> times;
     for (int i = 0; i < runs; ++i) {
+        if (prepare)
+            prepare();
         QElapsedTimer timer;
         timer.start();
         work();
