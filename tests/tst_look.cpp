@@ -1,3 +1,6 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// Copyright 2026 The Ledgerly developers
+
 #include "look.h"
 
 #include "notice.h"
@@ -138,11 +141,14 @@ void TestLook::applicationIconOffersEverySizeOfTheIconThemeSharply()
                                     QSize(64, 64), QSize(128, 128), QSize(256, 256) };
     QCOMPARE(icon.availableSizes(), expected);
     // Each size is its own drawing, not another one scaled: the 16-pixel
-    // picture is the bundled 16-pixel file, pixel for pixel.
+    // picture is the bundled 16-pixel file, pixel for pixel. A pixmap holds
+    // premultiplied colours, so the two are compared in that form: turning
+    // the pixmap's back into plain ARGB would round its half-transparent
+    // edges by one step on some processors and not on others.
     for (const QSize &size : expected) {
-        const QImage drawn = icon.pixmap(size).toImage().convertToFormat(QImage::Format_ARGB32);
+        const QImage drawn = icon.pixmap(size).toImage().convertToFormat(QImage::Format_ARGB32_Premultiplied);
         const QImage file = QImage(QStringLiteral(":/Images/icon/ledgerly-%1.png").arg(size.width()))
-                                .convertToFormat(QImage::Format_ARGB32);
+                                .convertToFormat(QImage::Format_ARGB32_Premultiplied);
         QCOMPARE(drawn.size(), size);
         QVERIFY2(drawn == file, qPrintable(QString::number(size.width())));
     }
