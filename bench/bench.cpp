@@ -1,3 +1,6 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// Copyright 2026 The Ledgerly developers
+
 // Times the store's read paths on homes of 1,000, 10,000 and 50,000 entries
 // (ten years across all 37 categories) against the same rows read with the
 // plain SQLite C API, and reports the peak resident memory.

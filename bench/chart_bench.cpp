@@ -1,3 +1,6 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// Copyright 2026 The Ledgerly developers
+
 // Times the two chart widgets on ten years of daily data: a 3,650-point graph
 // with as many distinct values and a 37-slice pie, each rendered at the sizes
 // the history page gives them, and the graph saved as PNG.

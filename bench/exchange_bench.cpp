@@ -1,3 +1,6 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// Copyright 2026 The Ledgerly developers
+
 // Times export (CSV and QIF), import of CSV lines and backups at 50,000
 // entries (ten years across all 37 categories), each against a floor made
 // with the plain SQLite C API (and a plain file copy for the backup), and

@@ -1,3 +1,6 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// Copyright 2026 The Ledgerly developers
+
 // Times the history page on homes of 1,000, 10,000 and 50,000 entries spread
 // over ten years across all categories: building the page (category, total
 // and entries tabs), the date-wise tab over the whole ten years by day, and

@@ -1,3 +1,6 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// Copyright 2026 The Ledgerly developers
+
 // Times opening the new-entry page over an empty item catalogue and over one
 // of 10,000 items: building the page (its categories, the catalogue and the
 // completion of item names) and showing it, each the median of 15 openings

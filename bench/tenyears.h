@@ -1,3 +1,6 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// Copyright 2026 The Ledgerly developers
+
 #pragma once
 
 // What the benchmarks share: ten years of entries in a temporary home, rows

@@ -1,3 +1,6 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
+# Copyright 2026 The Ledgerly developers
+
 # The resource bundle "ImageResource": the files that Images/ImageResource.qrc
 # lists, compiled uncompressed into the target. The map pages are the files
 # made at build time: Leaflet from Debian's libjs-leaflet is inlined into

@@ -1,3 +1,6 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
+# Copyright 2026 The Ledgerly developers
+
 # cmake -DTEMPLATE=... -DOUTPUT=... -DLEAFLET_DIR=... -P InlineMapTemplate.cmake
 #
 # Fills the map template's build-time markers with Leaflet's script and style

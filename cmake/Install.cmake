@@ -1,3 +1,6 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
+# Copyright 2026 The Ledgerly developers
+
 # Installs Ledgerly as a desktop program under the GNU directory layout
 # (cmake --install build --prefix /usr, or --prefix ~/.local): the program,
 # its menu entry, its icon in the hicolor theme, its AppStream metadata and

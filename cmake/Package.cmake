@@ -1,3 +1,6 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
+# Copyright 2026 The Ledgerly developers
+
 # The Debian package, made by CPack from the install rules (see
 # scripts/package.sh). Its summary and description are the AppStream
 # metainfo's, so that apt and a software centre say the same thing.

@@ -1,4 +1,6 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: GPL-3.0-or-later
+# Copyright 2026 The Ledgerly developers
 # Builds the fuzz targets (clang's libFuzzer with ASan and UBSan, in
 # build-fuzz/) and runs each in turn for the given number of seconds
 # (default 60):

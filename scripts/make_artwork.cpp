@@ -1,3 +1,6 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// Copyright 2026 The Ledgerly developers
+
 // Draws Ledgerly's pictures: the home picture (1440 x 900), the logo
 // (1500 x 1000) and the application icon (an SVG and PNGs of 16 to 256
 // pixels). Build the target ledgerly_artwork and run it from the repository

@@ -1,4 +1,6 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: GPL-3.0-or-later
+# Copyright 2026 The Ledgerly developers
 # Builds Ledgerly's Debian package, build/ledgerly_<version>_<arch>.deb, from
 # the install rules. Install it with: sudo apt install ./build/ledgerly_*.deb
 #

@@ -1,4 +1,6 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: GPL-3.0-or-later
+# Copyright 2026 The Ledgerly developers
 # Sets up, builds and starts Ledgerly. Without an X11 or Wayland display the
 # program runs on Qt's VNC platform; connect a VNC viewer to 127.0.0.1:5900.
 set -euo pipefail

@@ -1,4 +1,6 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: GPL-3.0-or-later
+# Copyright 2026 The Ledgerly developers
 # Installs what Ledgerly needs on Debian 12 (only what is missing), then
 # configures and builds. A second run does only an incremental build.
 #

@@ -1,4 +1,6 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: GPL-3.0-or-later
+# Copyright 2026 The Ledgerly developers
 # Sets up, builds and runs the whole test suite headless.
 #   LEDGERLY_SANITIZE=ON scripts/test.sh   runs it under ASan and UBSan
 set -euo pipefail

@@ -1,3 +1,6 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// Copyright 2026 The Ledgerly developers
+
 // Copies of the database while the program has it open: by hand, never
 // over a file without being told to, and once a day automatically, the
 // newest seven kept.

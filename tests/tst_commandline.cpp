@@ -1,3 +1,6 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// Copyright 2026 The Ledgerly developers
+
 // The program's command line, run as a user runs it: the real binary, in a
 // terminal without any display, on a home of its own.
 #include "databasemanager.h"

@@ -1,3 +1,6 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// Copyright 2026 The Ledgerly developers
+
 // The CSV form of entries: exact bytes out, and every form it promises to
 // read back in. Pure: no database, no files.
 #include "csvformat.h"

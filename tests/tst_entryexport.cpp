@@ -1,3 +1,6 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// Copyright 2026 The Ledgerly developers
+
 // Writing every entry into a file: the store's entries, newest first, in the
 // format of the file's name; a file appears whole or not at all.
 #include "databasemanager.h"

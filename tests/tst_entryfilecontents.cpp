@@ -1,3 +1,6 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// Copyright 2026 The Ledgerly developers
+
 // What a reader made of a file, as the user reads it: the skipped records
 // and the problems, at most twenty of them.
 #include "entryfilecontents.h"

@@ -1,3 +1,6 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// Copyright 2026 The Ledgerly developers
+
 // Bringing a file's entries into the store: all or nothing, oldest first,
 // through AddEntry, with the categories the file needs.
 #include "databasemanager.h"

@@ -1,3 +1,6 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// Copyright 2026 The Ledgerly developers
+
 // Installs the build tree into a temporary prefix and packs it as a .deb,
 // the way a user or a distribution gets Ledgerly, and checks what lands on
 // disk: the file list, the validators' verdicts, the icons, the package's

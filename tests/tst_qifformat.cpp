@@ -1,3 +1,6 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// Copyright 2026 The Ledgerly developers
+
 // The QIF form of entries: what Ledgerly writes, and what it reads from the
 // files other finance programs write. Pure: no database, no files.
 #include "databasemanager.h"

@@ -1,3 +1,6 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// Copyright 2026 The Ledgerly developers
+
 // A child process for the tests: adds 1,000 entries to the store in the home
 // directory given by HOME, each named after the first argument and its
 // number ("run3 417"), and prints each name on a line of its own as soon as

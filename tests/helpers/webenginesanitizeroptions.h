@@ -1,3 +1,6 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// Copyright 2026 The Ledgerly developers
+
 #pragma once
 
 // Include once, in the test file of a page that shows a web view.
