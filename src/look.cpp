@@ -3,6 +3,8 @@
 
 #include "look.h"
 
+#include "pagestyle.h"
+
 #include <QApplication>
 #include <QDialog>
 #include <QEvent>
@@ -91,6 +93,9 @@ void Look::applyToApplication()
 {
     if (qApp->findChild<DialogPalette *>())
         return;
+    // The style first: setting a style may give the application that
+    // style's palette, which the roles below then adjust.
+    QApplication::setStyle(new PageStyle(QApplication::style()->name()));
     const QPalette desktop = QApplication::palette();
     qApp->installEventFilter(new DialogPalette(desktop, qApp));
 

@@ -3,9 +3,12 @@
 
 #include "look.h"
 
+#include "mainwindow.h"
 #include "notice.h"
+#include "pagestyle.h"
 
 #include "contrast.h"
+#include "mainwindowfixture.h"
 #include "messageboxanswerer.h"
 #include "widgettest.h"
 
@@ -20,6 +23,9 @@
 #include <QListView>
 #include <QProgressDialog>
 #include <QPushButton>
+#include <QStyle>
+#include <QStyleFactory>
+#include <QStyleOptionButton>
 #include <QTemporaryDir>
 #include <QToolTip>
 #include <QTreeView>
@@ -66,6 +72,8 @@ private slots:
     void progressDialogShowsItsTextReadably();
     void toolTipsShowLightTextOnADarkGround_data();
     void toolTipsShowLightTextOnADarkGround();
+    void aCheckBoxOnABlackPageIsSeenTickedOrNot();
+    void aCheckBoxOnALightGroundIsLeftToTheDesktopStyle();
 };
 
 void TestLook::initTestCase()
@@ -290,6 +298,78 @@ void TestLook::toolTipsShowLightTextOnADarkGround()
     QVERIFY2(contrast >= 4.5, qPrintable(QString::number(contrast)));
     QVERIFY(lightPixels(picture, picture.rect()) > 20);
     page.close();
+}
+
+namespace {
+
+// Where the style puts the box of `box`, in a picture of `top`.
+QRect indicatorIn(const QWidget *top, const QCheckBox *box)
+{
+    QStyleOptionButton option;
+    option.initFrom(box);
+    return box->style()
+        ->subElementRect(QStyle::SE_CheckBoxIndicator, &option, box)
+        .translated(box->mapTo(top, QPoint(0, 0)));
+}
+
+} // namespace
+
+void TestLook::aCheckBoxOnABlackPageIsSeenTickedOrNot()
+{
+    // The new-entry page's box, in the program's window, as a user sees it:
+    // an unticked box must be seen as a box on the black page, not only its
+    // caption (the edge of a control needs a contrast of 3 at least), and a
+    // tick must change what is drawn there.
+    MainWindowFixture f;
+    QVERIFY(f.show());
+    f.click("pushButtonNewEntry");
+    QWidget *page = f.page();
+    QVERIFY(page);
+    auto *box = page->findChild<QCheckBox *>(QStringLiteral("checkBoxGeoLocation"));
+    QVERIFY(box);
+    QVERIFY(!box->isChecked());
+
+    const QRect indicator = indicatorIn(page, box);
+    QVERIFY(indicator.width() >= 10 && indicator.height() >= 10);
+    const QImage unticked = page->grab().toImage();
+    QCOMPARE(groundColour(unticked, indicator.adjusted(-4, -4, 4, 4)), QColor(Qt::black));
+    QVERIFY2(drawnContrast(unticked, indicator) >= 3.0, qPrintable(QString::number(drawnContrast(unticked, indicator))));
+    // A whole edge: it stands out on each of the box's four sides.
+    const QRect edge = indicator;
+    QVERIFY(drawnContrast(unticked, QRect(edge.left() + 2, edge.top(), edge.width() - 4, 2)) >= 3.0);
+    QVERIFY(drawnContrast(unticked, QRect(edge.left(), edge.top() + 2, 2, edge.height() - 4)) >= 3.0);
+    QVERIFY(drawnContrast(unticked, QRect(edge.right() - 1, edge.top() + 2, 2, edge.height() - 4)) >= 3.0);
+    QVERIFY(drawnContrast(unticked, QRect(edge.left() + 2, edge.bottom() - 1, edge.width() - 4, 2)) >= 3.0);
+
+    box->setChecked(true);
+    const QImage ticked = page->grab().toImage();
+    // The tick fills the inside of the box, where the unticked box is dark.
+    const QRect inside = indicator.adjusted(3, 3, -3, -3);
+    QCOMPARE(lightPixels(unticked, inside), 0);
+    QVERIFY2(lightPixels(ticked, inside) >= 4, qPrintable(QString::number(lightPixels(ticked, inside))));
+}
+
+void TestLook::aCheckBoxOnALightGroundIsLeftToTheDesktopStyle()
+{
+    // Away from the pages (in a dialog, say), the box is the desktop
+    // style's own, pixel for pixel.
+    auto *style = qobject_cast<PageStyle *>(QApplication::style());
+    QVERIFY(style);
+    std::unique_ptr<QStyle> desktop(QStyleFactory::create(style->baseStyle()->name()));
+    QVERIFY(desktop);
+
+    QDialog dialog;
+    auto *box = new QCheckBox(QStringLiteral("Overwrite"), &dialog);
+    box->resize(box->sizeHint());
+    dialog.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&dialog));
+    QVERIFY(box->palette().base().color().lightness() >= 128);
+    const QImage ours = box->grab().toImage();
+    box->setStyle(desktop.get());
+    const QImage theirs = box->grab().toImage();
+    box->setStyle(nullptr);
+    QCOMPARE(ours, theirs);
+    dialog.close();
 }
 
 QTEST_MAIN(TestLook)
