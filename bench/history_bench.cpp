@@ -1,12 +1,18 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Copyright 2026 The Ledgerly developers
 
-// Times the history page on homes of 1,000, 10,000 and 50,000 entries spread
-// over ten years across all categories: building the page (category, total
-// and entries tabs), the date-wise tab over the whole ten years by day, and
-// every later tab switch, each followed by the repaint the user waits for;
-// then the peak resident memory. Each size runs in a child process of its
-// own so that the peaks do not mix.
+// Times the history page on homes of 1,000, 10,000, 50,000 and 100,000
+// entries spread over ten years across all categories: building the page
+// (category, total and entries tabs), the date-wise tab over the whole ten
+// years by day, and every later tab switch, each followed by the repaint the
+// user waits for; and the peak resident memory once the page is built and
+// after each tab's first visit. Each size runs three times, each run in a
+// child process of its own so that the peaks do not mix, and the median of
+// each figure is printed.
+//
+//   --sizes 10000,50000   only these sizes
+//   --runs N              N runs per size instead of three
+//   --no-places           leave out the places tab
 //
 // Then the places tab, in a child process of its own: 50,000 entries over
 // 2,000 place texts, 500 of them remembered places, from the tab's selection
@@ -23,6 +29,7 @@
 #include <QDateEdit>
 #include <QDir>
 #include <QElapsedTimer>
+#include <QMap>
 #include <QProcess>
 #include <QRandomGenerator>
 #include <QSqlDatabase>
@@ -38,6 +45,8 @@
 #include <QWebEngineUrlRequestInterceptor>
 #include <QWebEngineView>
 
+#include <algorithm>
+#include <iterator>
 #include <memory>
 
 #include <sys/resource.h>
@@ -76,6 +85,20 @@ double buildShownPage(DatabaseManager &store, std::unique_ptr<HistoryWidget> *pa
     return msSince(timer);
 }
 
+// One figure of a run, as the child process reports it to the parent: a
+// line "key value".
+void report(const QString &key, double value)
+{
+    out << key << ' ' << QString::number(value, 'f', 1) << '\n';
+}
+
+double peakMb()
+{
+    return double(peakResidentKb()) / 1024.0;
+}
+
+const char *const tabNames[] = { "Category Wise", "Date Wise", "Total", "Entries" };
+
 int runOne(int count)
 {
     QTemporaryDir home;
@@ -92,10 +115,11 @@ int runOne(int count)
         out << "cannot fill the database: " << error << "\n";
         return 1;
     }
-    const long baseKb = peakResidentKb();
+    report(QStringLiteral("peak-before"), peakMb());
 
     std::unique_ptr<HistoryWidget> page;
-    const double constructMs = buildShownPage(store, &page);
+    report(QStringLiteral("build"), buildShownPage(store, &page));
+    report(QStringLiteral("peak-build"), peakMb());
 
     auto *tabs = page->findChild<QTabWidget *>(QStringLiteral("tabWidgetHistoryContainer"));
     auto *start = page->findChild<QDateEdit *>(QStringLiteral("dateEditDateWiseStartDate"));
@@ -106,47 +130,102 @@ int runOne(int count)
     // The date-wise tab opens on the newest day at midnight, which holds no
     // entry here (that would be a message box); the user first widens the
     // range to the first day of the ten years, then picks the tab.
-    const double tenYearsDailyMs = timedWithRepaint(page.get(), [&] { start->setDate(QDate(2016, 1, 1)); });
-    const double firstDateWiseMs = timedWithRepaint(page.get(), [&] { tabs->setCurrentIndex(1); });
-    const int datewiseRows = datewise->rowCount();
-    const double weeklyMs = timedWithRepaint(page.get(), [&] { period->setCurrentIndex(1); });
-    const double monthlyMs = timedWithRepaint(page.get(), [&] { period->setCurrentIndex(2); });
-    timedWithRepaint(page.get(), [&] { period->setCurrentIndex(0); });
+    report(QStringLiteral("daily"), timedWithRepaint(page.get(), [&] { start->setDate(QDate(2016, 1, 1)); }));
+    report(QStringLiteral("datewise-selected"), timedWithRepaint(page.get(), [&] { tabs->setCurrentIndex(1); }));
+    report(QStringLiteral("peak-tab1"), peakMb());
+    report(QStringLiteral("rows-datewise"), datewise->rowCount());
+    report(QStringLiteral("weekly"), timedWithRepaint(page.get(), [&] { period->setCurrentIndex(1); }));
+    report(QStringLiteral("monthly"), timedWithRepaint(page.get(), [&] { period->setCurrentIndex(2); }));
+    report(QStringLiteral("daily-again"), timedWithRepaint(page.get(), [&] { period->setCurrentIndex(0); }));
 
-    // Later switches: every visit recomputes its tab from the store.
-    double worstSwitchMs = 0;
-    QString worstSwitch;
-    QStringList switches;
+    // Later switches, each tab's peak memory after its first visit here.
     const int order[] = { 2, 3, 0, 1, 3, 2, 1, 0 };
-    const char *const names[] = { "Category Wise", "Date Wise", "Total", "Entries" };
-    for (int index : order) {
-        const double ms = timedWithRepaint(page.get(), [&] { tabs->setCurrentIndex(index); });
-        switches.append(QStringLiteral("%1 %2").arg(QLatin1String(names[index])).arg(ms, 0, 'f', 0));
-        if (ms > worstSwitchMs) {
-            worstSwitchMs = ms;
-            worstSwitch = QLatin1String(names[index]);
+    bool visited[4] = { false, false, false, false };
+    for (int step = 0; step < int(std::size(order)); ++step) {
+        const int index = order[step];
+        report(QStringLiteral("switch%1-%2").arg(step).arg(index),
+               timedWithRepaint(page.get(), [&] { tabs->setCurrentIndex(index); }));
+        if (!visited[index]) {
+            visited[index] = true;
+            report(QStringLiteral("peak-tab%1").arg(index), peakMb());
         }
     }
-    const int allRows = all->rowCount();
+    report(QStringLiteral("rows-all"), all->rowCount());
     page.reset();
-    const long peakKb = peakResidentKb();
-
-    out << QStringLiteral("entries %1 (listed %2, date-wise %3)\n").arg(count).arg(allRows).arg(datewiseRows);
-    out << QStringLiteral("  build page (category, total, entries) ... %1 ms\n").arg(constructMs, 0, 'f', 0);
-    out << QStringLiteral("  date-wise tab selected (ten years) ...... %1 ms\n").arg(firstDateWiseMs, 0, 'f', 0);
-    out << QStringLiteral("  date-wise, ten years, Daily ............. %1 ms\n").arg(tenYearsDailyMs, 0, 'f', 0);
-    out << QStringLiteral("  date-wise, ten years, Weekly / Monthly .. %1 / %2 ms\n")
-               .arg(weeklyMs, 0, 'f', 0)
-               .arg(monthlyMs, 0, 'f', 0);
-    out << QStringLiteral("  later tab switches (ms) ................. %1\n").arg(switches.join(QStringLiteral(", ")));
-    out << QStringLiteral("  worst later tab switch .................. %1 ms (%2)\n")
-               .arg(worstSwitchMs, 0, 'f', 0)
-               .arg(worstSwitch);
-    out << QStringLiteral("  peak resident memory .................... %1 MB (%2 MB before the page)\n")
-               .arg(double(peakKb) / 1024.0, 0, 'f', 0)
-               .arg(double(baseKb) / 1024.0, 0, 'f', 0);
+    report(QStringLiteral("peak"), peakMb());
     out.flush();
     return 0;
+}
+
+// Runs one size `runs` times, each in a child process of its own so that
+// the peaks do not mix, and prints the median of every figure.
+bool runSize(int count, int runs)
+{
+    QMap<QString, QList<double>> figures;
+    QStringList order;
+    for (int run = 0; run < runs; ++run) {
+        QProcess child;
+        child.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+        child.start(QCoreApplication::applicationFilePath(), { QStringLiteral("--entries"), QString::number(count) });
+        if (!child.waitForFinished(-1) || child.exitCode() != 0) {
+            out << "entries " << count << ": the run failed\n" << child.readAllStandardOutput();
+            out.flush();
+            return false;
+        }
+        const QStringList lines = QString::fromUtf8(child.readAllStandardOutput()).split(u'\n', Qt::SkipEmptyParts);
+        for (const QString &line : lines) {
+            const QStringList parts = line.split(u' ');
+            if (parts.size() != 2)
+                continue;
+            if (!figures.contains(parts.at(0)))
+                order.append(parts.at(0));
+            figures[parts.at(0)].append(parts.at(1).toDouble());
+        }
+    }
+    const auto median = [&](const QString &key) {
+        QList<double> values = figures.value(key);
+        if (values.isEmpty())
+            return 0.0;
+        std::sort(values.begin(), values.end());
+        return values.at(values.size() / 2);
+    };
+    const auto ms = [&](const QString &key) { return QString::number(median(key), 'f', 0); };
+
+    out << QStringLiteral("entries %1 (listed %2, date-wise %3), median of %4 runs\n")
+               .arg(count)
+               .arg(ms(QStringLiteral("rows-all")))
+               .arg(ms(QStringLiteral("rows-datewise")))
+               .arg(runs);
+    out << "  build page (category, total, entries) ... " << ms(QStringLiteral("build")) << " ms\n";
+    out << "  date-wise tab selected (ten years) ...... " << ms(QStringLiteral("datewise-selected")) << " ms\n";
+    out << "  date-wise, ten years, Daily ............. " << ms(QStringLiteral("daily")) << " ms (again "
+        << ms(QStringLiteral("daily-again")) << " ms)\n";
+    out << "  date-wise, ten years, Weekly / Monthly .. " << ms(QStringLiteral("weekly")) << " / "
+        << ms(QStringLiteral("monthly")) << " ms\n";
+    QStringList switches;
+    double worst = 0;
+    QString worstName;
+    for (const QString &key : std::as_const(order)) {
+        if (!key.startsWith(QLatin1String("switch")))
+            continue;
+        const int index = key.section(u'-', 1).toInt();
+        const double value = median(key);
+        switches.append(QStringLiteral("%1 %2").arg(QLatin1String(tabNames[index]), ms(key)));
+        if (value > worst) {
+            worst = value;
+            worstName = QLatin1String(tabNames[index]);
+        }
+    }
+    out << "  later tab switches (ms) ................. " << switches.join(QStringLiteral(", ")) << "\n";
+    out << "  worst later tab switch .................. " << QString::number(worst, 'f', 0) << " ms (" << worstName
+        << ")\n";
+    out << "  peak resident memory (MB) ............... before the page " << ms(QStringLiteral("peak-before"))
+        << ", built " << ms(QStringLiteral("peak-build"));
+    for (int index : { 1, 2, 3, 0 })
+        out << ", " << tabNames[index] << " " << ms(QStringLiteral("peak-tab%1").arg(index));
+    out << ", end " << ms(QStringLiteral("peak")) << "\n";
+    out.flush();
+    return true;
 }
 
 // The places of the places benchmark: `placeTexts` texts, the first
@@ -336,14 +415,22 @@ int main(int argc, char *argv[])
 
     out << "History page, ten years of entries, offscreen; times include the repaint.\n";
     out.flush();
+    QList<int> sizes = { 1000, 10000, 50000, 100000 };
+    const int sizesAt = int(arguments.indexOf(QStringLiteral("--sizes")));
+    if (sizesAt > 0 && sizesAt + 1 < arguments.size()) {
+        sizes.clear();
+        for (const QString &size : arguments.at(sizesAt + 1).split(u','))
+            sizes.append(size.toInt());
+    }
+    const int runsAt = int(arguments.indexOf(QStringLiteral("--runs")));
+    const int runs = runsAt > 0 && runsAt + 1 < arguments.size() ? arguments.at(runsAt + 1).toInt() : 3;
     int result = 0;
-    for (int count : { 1000, 10000, 50000 }) {
-        QProcess child;
-        child.setProcessChannelMode(QProcess::ForwardedChannels);
-        child.start(QCoreApplication::applicationFilePath(), { QStringLiteral("--entries"), QString::number(count) });
-        if (!child.waitForFinished(-1) || child.exitCode() != 0)
+    for (int count : std::as_const(sizes)) {
+        if (!runSize(count, runs))
             result = 1;
     }
+    if (arguments.contains(QStringLiteral("--no-places")))
+        return result;
     QProcess places;
     places.setProcessChannelMode(QProcess::ForwardedChannels);
     places.start(QCoreApplication::applicationFilePath(), { QStringLiteral("--places") });
