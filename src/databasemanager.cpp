@@ -10,6 +10,7 @@
 #include <QDir>
 #include <QSqlDriver>
 #include <QSqlError>
+#include <QHash>
 #include <QSqlQuery>
 #include <QSqlTableModel>
 #include <QStringList>
@@ -43,6 +44,9 @@ Entry::~Entry() = default;
 
 PlaceSpending::PlaceSpending() : NumberOfEntries(0), Total(0.0f), Average(0.0f) { }
 PlaceSpending::~PlaceSpending() = default;
+
+CategorySpending::CategorySpending() : NumberOfDateTimes(0), Total(0.0f) { }
+CategorySpending::~CategorySpending() = default;
 
 RememberedPlaceSpending::RememberedPlaceSpending()
     : SNo(0), LocationLongitude(0.0f), LocationLatitude(0.0f), NumberOfEntries(0), Total(0.0f)
@@ -316,6 +320,38 @@ template<typename Read> bool readAllRows(QSqlQuery &query, Read read)
     return !query.lastError().isValid();
 }
 
+// What went wrong with a statement that run() or runText() was given: empty
+// when the store never made its query (an unopened store fails silently).
+QString failureText(const std::optional<QSqlQuery> &query)
+{
+    return query ? query->lastError().text() : QString();
+}
+
+// Whether two values of one column are the same to SQLite's DISTINCT: the
+// same storage class (numbers of either kind count as one) and the same
+// value, texts byte for byte.
+bool sameStoredValue(const QVariant &a, const QVariant &b)
+{
+    if (a.isNull() || b.isNull())
+        return a.isNull() && b.isNull();
+    const auto isNumber = [](const QVariant &value) {
+        return value.typeId() == QMetaType::LongLong || value.typeId() == QMetaType::Double ||
+            value.typeId() == QMetaType::Int;
+    };
+    if (isNumber(a) || isNumber(b)) {
+        if (!isNumber(a) || !isNumber(b))
+            return false;
+        if (a.typeId() == QMetaType::Double || b.typeId() == QMetaType::Double)
+            return a.toDouble() == b.toDouble();
+        return a.toLongLong() == b.toLongLong();
+    }
+    if (a.typeId() != b.typeId())
+        return false;
+    if (a.typeId() == QMetaType::QString)
+        return a.toString() == b.toString();
+    return a.toByteArray() == b.toByteArray();
+}
+
 // How long a statement waits for a file that another program holds locked:
 // the driver's own default, said here so that it is a decision of the store.
 const int storeBusyTimeout = 5000;
@@ -502,9 +538,9 @@ bool DatabaseManager::runInTransaction(WriteKind kind, const std::function<bool(
     // IMMEDIATE takes the write lock now. Qt's own transaction() begins a
     // deferred one, which would only find a locked file at its first write,
     // after a table model had marked the rows before it as written.
-    QSqlQuery begin;
+    std::optional<QSqlQuery> begin;
     if (!runText(begin, QStringLiteral("BEGIN IMMEDIATE")))
-        return fail(begin.lastError().text());
+        return fail(failureText(begin));
 
     const bool indexed = kind == WriteKind::Import && indexItemsForImport();
     inTransaction = true;
@@ -512,25 +548,25 @@ bool DatabaseManager::runInTransaction(WriteKind kind, const std::function<bool(
     forgetPreparedStatements();
     inTransaction = false;
     if (indexed && worked) {
-        QSqlQuery drop;
+        std::optional<QSqlQuery> drop;
         if (!runText(drop, QStringLiteral("DROP INDEX ") + importItemsIndex)) {
             worked = false;
             if (failure)
-                *failure = drop.lastError().text();
+                *failure = failureText(drop);
         }
     }
 
     if (worked) {
-        QSqlQuery commit;
+        std::optional<QSqlQuery> commit;
         if (runText(commit, QStringLiteral("COMMIT")))
             return true;
         // A failed COMMIT leaves the transaction open; nothing of it stays.
-        const QString reason = commit.lastError().text();
-        QSqlQuery rollback;
+        const QString reason = failureText(commit);
+        std::optional<QSqlQuery> rollback;
         runText(rollback, QStringLiteral("ROLLBACK"));
         return fail(reason);
     }
-    QSqlQuery rollback;
+    std::optional<QSqlQuery> rollback;
     runText(rollback, QStringLiteral("ROLLBACK"));
     return false;
 }
@@ -553,7 +589,7 @@ bool DatabaseManager::indexItemsForImport()
         if (sqlite3_stmt_busy(statement))
             return false;
     }
-    QSqlQuery create;
+    std::optional<QSqlQuery> create;
     return runText(create, QStringLiteral("CREATE INDEX %1 ON Items (ItemName, CategoryName)").arg(importItemsIndex));
 }
 
@@ -580,9 +616,9 @@ bool DatabaseManager::backUpTo(const QString &destination, const Progress &progr
         // statement of the connection is still reading.
         if (progress && !progress(0, 1))
             return fail(tr("The backup was cancelled."));
-        QSqlQuery vacuum;
+        std::optional<QSqlQuery> vacuum;
         if (!run(vacuum, QStringLiteral("VACUUM INTO :file"), { { QStringLiteral(":file"), textValue(destination) } }))
-            return fail(vacuum.lastError().text());
+            return fail(failureText(vacuum));
         if (progress)
             progress(1, 1);
         return true;
@@ -632,7 +668,7 @@ bool DatabaseManager::backUpTo(const QString &destination, const Progress &progr
 
 void DatabaseManager::setBusyTimeout(int milliseconds)
 {
-    QSqlQuery query;
+    std::optional<QSqlQuery> query;
     runText(query, QStringLiteral("PRAGMA busy_timeout = %1").arg(milliseconds));
 }
 
@@ -643,7 +679,7 @@ bool DatabaseManager::createTableIfMissing(const QString &table, const QString &
     const QStringList tables = db.tables(QSql::Tables);
     if (tables.contains(table, Qt::CaseSensitive))
         return true;
-    QSqlQuery query;
+    std::optional<QSqlQuery> query;
     runText(query, createStatement);
     return true;
 }
@@ -709,7 +745,7 @@ bool DatabaseManager::addNameIfMissing(const QString &name, const QString &count
     // a mode name stored twice a third copy, as it always has.
     if (count(countStatement, { { QStringLiteral(":id"), textValue(name) } }) == 1)
         return true;
-    QSqlQuery insert;
+    std::optional<QSqlQuery> insert;
     return run(insert, insertStatement, { { QStringLiteral(":name"), textValue(name) } });
 }
 
@@ -723,7 +759,7 @@ bool DatabaseManager::renameIfStoredOnce(const QString &oldName, const QString &
     // A name stored more than once is left alone, and that counts as success.
     if (found != 1)
         return counted;
-    QSqlQuery query;
+    std::optional<QSqlQuery> query;
     return run(query, updateStatement,
                { { QStringLiteral(":newname"), textValue(newName) }, { QStringLiteral(":old"), textValue(oldName) } });
 }
@@ -789,25 +825,27 @@ void DatabaseManager::addDefaultModes()
 
 // Statement helpers
 
-bool DatabaseManager::run(QSqlQuery &query, const QString &statement, const Bindings &bindings)
+bool DatabaseManager::run(std::optional<QSqlQuery> &query, const QString &statement, const Bindings &bindings)
 {
     // Checked before any query exists: Qt warns about statements on a closed
-    // connection, and an unopened store is meant to fail without a word.
+    // connection, and an unopened store is meant to fail without a word. The
+    // query is made here and only here: every QSqlQuery makes a result of
+    // the driver, so one made beforehand only to be replaced costs a second.
     if (!db.isOpen() || writeFailed)
         return false;
-    query = QSqlQuery(db);
+    QSqlQuery &made = query.emplace(db);
     // Results are read once, front to back; a scrollable query would keep a
     // second copy of every row.
-    query.setForwardOnly(true);
+    made.setForwardOnly(true);
     bool executed = false;
     if (bindings.isEmpty()) {
-        executed = query.exec(statement);
-    } else if (query.prepare(statement)) {
+        executed = made.exec(statement);
+    } else if (made.prepare(statement)) {
         for (const auto &binding : bindings)
-            query.bindValue(binding.first, binding.second);
-        executed = query.exec();
+            made.bindValue(binding.first, binding.second);
+        executed = made.exec();
     }
-    noteFailure(executed, query);
+    noteFailure(executed, made);
     return executed;
 }
 
@@ -856,14 +894,14 @@ bool DatabaseManager::execute(const QString &statement, const Bindings &bindings
     return executeBound(bound(fresh, statement, bindings));
 }
 
-bool DatabaseManager::runText(QSqlQuery &query, const QString &statement)
+bool DatabaseManager::runText(std::optional<QSqlQuery> &query, const QString &statement)
 {
     if (!db.isOpen() || writeFailed)
         return false;
-    query = QSqlQuery(db);
-    query.setForwardOnly(true);
-    const bool executed = query.exec(statement);
-    noteFailure(executed, query);
+    QSqlQuery &made = query.emplace(db);
+    made.setForwardOnly(true);
+    const bool executed = made.exec(statement);
+    noteFailure(executed, made);
     return executed;
 }
 
@@ -877,7 +915,7 @@ bool DatabaseManager::beginWrite()
 {
     // A savepoint, not BEGIN, so that a write may also run inside a
     // transaction of its caller's.
-    QSqlQuery query;
+    std::optional<QSqlQuery> query;
     if (!runText(query, QStringLiteral("SAVEPOINT ledgerly_write")))
         return false;
     writing = true;
@@ -889,7 +927,7 @@ bool DatabaseManager::endWrite(bool result)
 {
     writing = false;
     const bool failed = std::exchange(writeFailed, false);
-    QSqlQuery query;
+    std::optional<QSqlQuery> query;
     // Releasing the outermost savepoint commits, which can fail in turn (the
     // disk full, readers holding the file).
     if (!failed && runText(query, QStringLiteral("RELEASE ledgerly_write")))
@@ -939,74 +977,80 @@ QDateTime DatabaseManager::entryDateBound(const QString &statement, const Bindin
     // answers without running the statement.
     QDateTime bound;
     if (count(countEntries) > 0) {
-        QSqlQuery query;
-        if (run(query, statement, bindings) && query.next())
-            bound = readDateTime(query.value(0));
+        std::optional<QSqlQuery> query;
+        if (run(query, statement, bindings) && query->next())
+            bound = readDateTime(query->value(0));
     }
     return bound;
 }
 
 template<typename Record, typename Read>
-QList<Record *> DatabaseManager::recordList(const QString &tableCountStatement, const QString &statement,
-                                            const Bindings &bindings, Read read)
+QList<Record *> DatabaseManager::recordList(const QString &statement, const Bindings &bindings, Read read)
 {
-    // Every list of a table's rows counts the whole table first, whatever it
-    // selects; the number only sizes the list, which is built the same way
-    // regardless. Lists of sums have no table of their own to count.
-    const int tableRows = tableCountStatement.isEmpty() ? 0 : count(tableCountStatement);
+    // The list grows with the rows it gets. Counting the whole table first,
+    // as lists of rows once did, decided nothing (the list is built the same
+    // way whatever the number says) and sized a list of a few rows for the
+    // whole table; it is not run, and the lists are the same without it.
     QList<Record *> records;
-    records.reserve(tableRows);
-    QSqlQuery query;
+    std::optional<QSqlQuery> query;
     if (!run(query, statement, bindings))
         return records;
     // A list cut short by a failed read is no list: the rows read so far
     // would pass for all of them.
-    if (!readAllRows(query, [&](const QSqlQuery &row) { records.append(read(row)); })) {
+    if (!readAllRows(*query, [&](const QSqlQuery &row) { records.append(read(row)); })) {
         qDeleteAll(records);
         records.clear();
     }
     return records;
 }
 
-QList<Entry *> DatabaseManager::entryList(const QString &clause, const Bindings &bindings)
+template<typename Visit> bool DatabaseManager::readRows(const QString &statement, const Bindings &bindings, Visit visit)
 {
     sqlite3 *handle = sqliteHandle();
-    if (!handle)
-        return recordList<Entry>(countEntries, entryColumns + clause, bindings, readEntry<QSqlQuery>);
+    if (!handle) {
+        std::optional<QSqlQuery> query;
+        return run(query, statement, bindings) && readAllRows(*query, visit);
+    }
 
     // Entry lists are what reports read, up to ten years of rows at a time.
     // Qt's driver caches every row as a list of variants and converts every
     // text to UTF-16 inside SQLite before handing it over; reading the same
     // statement on the connection's own handle costs about half as much.
-    const int tableRows = count(countEntries);
-    QList<Entry *> records;
-    records.reserve(tableRows);
-    const QByteArray statementText = (entryColumns + clause).toUtf8();
-    sqlite3_stmt *statement = nullptr;
-    if (sqlite3_prepare_v2(handle, statementText.constData(), int(statementText.size()), &statement, nullptr) !=
+    const QByteArray statementText = statement.toUtf8();
+    sqlite3_stmt *prepared = nullptr;
+    if (sqlite3_prepare_v2(handle, statementText.constData(), int(statementText.size()), &prepared, nullptr) !=
         SQLITE_OK) {
-        sqlite3_finalize(statement);
-        return records;
+        sqlite3_finalize(prepared);
+        return false;
     }
     for (const auto &binding : bindings) {
-        const int index = sqlite3_bind_parameter_index(statement, binding.first.toUtf8().constData());
+        const int index = sqlite3_bind_parameter_index(prepared, binding.first.toUtf8().constData());
         if (index == 0)
             continue;
         // Entry lists bind texts only (names and dates in their text form); a
         // null text binds as NULL, as the driver would bind it.
         if (binding.second.isNull()) {
-            sqlite3_bind_null(statement, index);
+            sqlite3_bind_null(prepared, index);
         } else {
             const QByteArray text = binding.second.toString().toUtf8();
-            sqlite3_bind_text(statement, index, text.constData(), int(text.size()), SQLITE_TRANSIENT);
+            sqlite3_bind_text(prepared, index, text.constData(), int(text.size()), SQLITE_TRANSIENT);
         }
     }
-    const SqliteRow row(statement);
+    const SqliteRow row(prepared);
     int stepped;
-    while ((stepped = sqlite3_step(statement)) == SQLITE_ROW)
-        records.append(readEntry(row));
-    sqlite3_finalize(statement);
-    if (stepped != SQLITE_DONE) {
+    while ((stepped = sqlite3_step(prepared)) == SQLITE_ROW)
+        visit(row);
+    sqlite3_finalize(prepared);
+    return stepped == SQLITE_DONE;
+}
+
+QList<Entry *> DatabaseManager::entryList(const QString &clause, const Bindings &bindings)
+{
+    // The list grows with the rows it gets, without the whole-table count
+    // (see recordList()).
+    QList<Entry *> records;
+    // A list cut short by a failed read is no list.
+    if (!readRows(entryColumns + clause, bindings, [&](const auto &row) { records.append(readEntry(row)); })) {
         qDeleteAll(records);
         records.clear();
     }
@@ -1025,17 +1069,17 @@ sqlite3 *DatabaseManager::sqliteHandle() const
 
 QList<Items *> DatabaseManager::itemList(const QString &statement, const Bindings &bindings)
 {
-    return recordList<Items>(countItems, statement, bindings, readItem);
+    return recordList<Items>(statement, bindings, readItem);
 }
 
 QList<ItemSubstitutes *> DatabaseManager::itemSubstitutesList(const QString &statement, const Bindings &bindings)
 {
-    return recordList<ItemSubstitutes>(countItemSubstitutes, statement, bindings, readItemSubstitutes);
+    return recordList<ItemSubstitutes>(statement, bindings, readItemSubstitutes);
 }
 
 QList<HistoricLocation *> DatabaseManager::historicLocationList(const QString &statement, const Bindings &bindings)
 {
-    return recordList<HistoricLocation>(countHistoricLocations, statement, bindings, readHistoricLocation);
+    return recordList<HistoricLocation>(statement, bindings, readHistoricLocation);
 }
 
 // Categories
@@ -1123,7 +1167,7 @@ bool DatabaseManager::EditItem(Items *old, Items *newItem)
     // The category number is looked up from the new name, not taken from
     // the record.
     const int categoryId = GetCategoryID(newItem->CategoryName);
-    QSqlQuery query;
+    std::optional<QSqlQuery> query;
     return run(query,
                QStringLiteral("UPDATE Items SET ItemName=:IName, CategoryName=:CatName, CategoryID=:CatID, "
                               "LastPrice=:LPrice, UseFrequency = :UseFreq where ItemName=:IOldName and CategoryName = "
@@ -1143,7 +1187,7 @@ bool DatabaseManager::EditItem(Items *old, Items *newItem)
 
 bool DatabaseManager::DeleteItem(Items *t)
 {
-    QSqlQuery query;
+    std::optional<QSqlQuery> query;
     return runText(query,
                    QStringLiteral("delete from Items where ItemName= %1 and CategoryName = %2")
                        .arg(t->ItemName)
@@ -1173,10 +1217,10 @@ QString DatabaseManager::GetCategoryOfItem(QString itemName)
 
 Items *DatabaseManager::GetItemByItemID(int id)
 {
-    QSqlQuery query;
+    std::optional<QSqlQuery> query;
     if (run(query, itemColumns + QStringLiteral(" where SNo=:sno"), { { QStringLiteral(":sno"), intValue(id) } }) &&
-        query.next())
-        return readItem(query);
+        query->next())
+        return readItem(*query);
     return nullptr;
 }
 
@@ -1193,7 +1237,7 @@ bool DatabaseManager::AddItemSubstitutes(ItemSubstitutes *t)
     // The numbers always come from the catalogue, never from the record.
     const int itemId = GetItemID(t->ItemName, GetCategoryOfItem(t->ItemName));
     const int substituteId = GetItemID(t->SubstituteName, GetCategoryOfItem(t->SubstituteName));
-    QSqlQuery query;
+    std::optional<QSqlQuery> query;
     return run(query,
                QStringLiteral("INSERT INTO ItemSubstitutes (ItemName,SubstituteName,ItemID,SubstitueID) VALUES "
                               "(:IName,:SubName,:ItID,:SubID)"),
@@ -1207,7 +1251,7 @@ bool DatabaseManager::EditItemSubstitutes(ItemSubstitutes *old, ItemSubstitutes 
 {
     const int itemId = GetItemID(newItem->ItemName, GetCategoryOfItem(newItem->ItemName));
     const int substituteId = GetItemID(newItem->SubstituteName, GetCategoryOfItem(newItem->SubstituteName));
-    QSqlQuery query;
+    std::optional<QSqlQuery> query;
     return run(query,
                QStringLiteral("UPDATE ItemSubstitutes SET ItemName=:IName, SubstituteName=:SubName, ItemID=:ItID, "
                               "SubstitueID=:SubID where ItemName=:IOldName and SubstituteName = :oldSub"),
@@ -1221,7 +1265,7 @@ bool DatabaseManager::EditItemSubstitutes(ItemSubstitutes *old, ItemSubstitutes 
 
 bool DatabaseManager::DeleteItemSubstitutes(ItemSubstitutes *t)
 {
-    QSqlQuery query;
+    std::optional<QSqlQuery> query;
     return runText(query,
                    QStringLiteral("delete from ItemSubstitutes where ItemName= %1 and SubstituteName = %2")
                        .arg(t->ItemName)
@@ -1247,11 +1291,11 @@ int DatabaseManager::GetItemSubstitutesID(ItemSubstitutes *t)
 
 ItemSubstitutes *DatabaseManager::GetItemSubstitutesByItemSubstitutesID(int id)
 {
-    QSqlQuery query;
+    std::optional<QSqlQuery> query;
     if (run(query, itemSubstitutesColumns + QStringLiteral(" where SNo=:sno"),
             { { QStringLiteral(":sno"), intValue(id) } }) &&
-        query.next())
-        return readItemSubstitutes(query);
+        query->next())
+        return readItemSubstitutes(*query);
     return nullptr;
 }
 
@@ -1275,7 +1319,7 @@ bool DatabaseManager::AddHistoricLocation(HistoricLocation *loc)
 
 bool DatabaseManager::EditHistoricLocation(HistoricLocation *OldLoc, HistoricLocation *NewLoc)
 {
-    QSqlQuery query;
+    std::optional<QSqlQuery> query;
     return run(query,
                QStringLiteral("UPDATE HistoricLocation SET LocationName=:LocName, LocationLongitude=:loclong, "
                               "LocationLatitude=:loclat, ReverseGeoLocation=:RevGeo, CoordinateText= :CoorTex where "
@@ -1291,7 +1335,7 @@ bool DatabaseManager::EditHistoricLocation(HistoricLocation *OldLoc, HistoricLoc
 
 bool DatabaseManager::DeleteHistoricLocation(HistoricLocation *loc)
 {
-    QSqlQuery query;
+    std::optional<QSqlQuery> query;
     return runText(query,
                    QStringLiteral("delete from HistoricLocation where LocationName= %1 and LocationLongitude "
                                   "= %2 and LocationLatitude = %3")
@@ -1309,24 +1353,24 @@ int DatabaseManager::GetHistoricLocationID(HistoricLocation *loc)
 
 HistoricLocation *DatabaseManager::GetHistoricLocationByCoordinates(float longit, float latit)
 {
-    QSqlQuery query;
+    std::optional<QSqlQuery> query;
     if (run(query,
             historicLocationColumns +
                 QStringLiteral(" where LocationLongitude=:loclongit and LocationLatitude = :loclatit "),
             { { QStringLiteral(":loclongit"), floatValue(longit) },
               { QStringLiteral(":loclatit"), floatValue(latit) } }) &&
-        query.next())
-        return readHistoricLocation(query);
+        query->next())
+        return readHistoricLocation(*query);
     return nullptr;
 }
 
 HistoricLocation *DatabaseManager::GetHistoricLocationByHistoricLocationID(int id)
 {
-    QSqlQuery query;
+    std::optional<QSqlQuery> query;
     if (run(query, historicLocationColumns + QStringLiteral(" where SNo=:sno"),
             { { QStringLiteral(":sno"), intValue(id) } }) &&
-        query.next())
-        return readHistoricLocation(query);
+        query->next())
+        return readHistoricLocation(*query);
     return nullptr;
 }
 
@@ -1411,7 +1455,7 @@ bool DatabaseManager::DeleteEntry(Entry *ent)
 {
     // The date goes in as its unquoted text form, which is never valid SQL:
     // this statement fails for every entry and deletes nothing.
-    QSqlQuery query;
+    std::optional<QSqlQuery> query;
     return runText(query,
                    QStringLiteral("delete from Entry where ItemName= %1 and CategoryName = %2 and "
                                   "TransactDateTime = %3 and Price = %4 and LocationText = %5")
@@ -1515,13 +1559,13 @@ QList<Entry *> DatabaseManager::GetAllEntriesOfCategoryBetweenDatesOrderByPrice(
 
 QList<Category *> DatabaseManager::GetAllCategories()
 {
-    return recordList<Category>(countCategories, QStringLiteral("select SNo,CategoryName from Category"), {},
+    return recordList<Category>(QStringLiteral("select SNo,CategoryName from Category"), {},
                                 readCategory);
 }
 
 QList<Mode *> DatabaseManager::GetAllModes()
 {
-    return recordList<Mode>(countModes, QStringLiteral("select SNo, ModeName from Mode"), {}, readMode);
+    return recordList<Mode>(QStringLiteral("select SNo, ModeName from Mode"), {}, readMode);
 }
 
 QList<Items *> DatabaseManager::GetAllItems()
@@ -1567,10 +1611,10 @@ QList<HistoricLocation *> DatabaseManager::GetAllHistoricLocation()
 QList<QString> DatabaseManager::GetListOfAllDistinctCategoriesOfAllEntries()
 {
     QList<QString> names;
-    QSqlQuery query;
+    std::optional<QSqlQuery> query;
     if (!run(query, QStringLiteral("select distinct CategoryName from Entry")))
         return names;
-    if (!readAllRows(query, [&](const QSqlQuery &row) { names.append(row.value(0).toString()); }))
+    if (!readAllRows(*query, [&](const QSqlQuery &row) { names.append(row.value(0).toString()); }))
         names.clear();
     return names;
 }
@@ -1578,13 +1622,13 @@ QList<QString> DatabaseManager::GetListOfAllDistinctCategoriesOfAllEntries()
 QList<QDateTime> DatabaseManager::GetAllDistinctDatesOfEntriesOfCategory(QString catName)
 {
     QList<QDateTime> dates;
-    QSqlQuery query;
+    std::optional<QSqlQuery> query;
     if (!run(query,
              QStringLiteral("select distinct TransactDateTime,CategoryName from Entry where CategoryName = :catName "
                             "order by TransactDateTime desc "),
              entryCategory(catName)))
         return dates;
-    if (!readAllRows(query, [&](const QSqlQuery &row) { dates.append(readDateTime(row.value(0))); }))
+    if (!readAllRows(*query, [&](const QSqlQuery &row) { dates.append(readDateTime(row.value(0))); }))
         dates.clear();
     return dates;
 }
@@ -1596,7 +1640,6 @@ QList<Items *> DatabaseManager::GetItemCatalogue()
     // that the largest key is the most used row and, among rows used equally
     // often, the newest. Both parts fit below 2^31, the key below 2^63.
     return recordList<Items>(
-        QString(),
         QStringLiteral("select Items.SNo,Items.ItemName,CategoryName,CategoryID,LastPrice,NameUses from (select "
                        "sum(coalesce(UseFrequency, 0)) as NameUses,max(SNo) as NewestRow,max(max(coalesce("
                        "UseFrequency, 0), 0) * 2147483648 + SNo) as MostUsedKey from Items group by ItemName) join "
@@ -1607,7 +1650,6 @@ QList<Items *> DatabaseManager::GetItemCatalogue()
 QList<PlaceSpending *> DatabaseManager::GetSpendingPerPlace()
 {
     return recordList<PlaceSpending>(
-        QString(),
         QStringLiteral("select coalesce(LocationText, '') as Place,count(*),sum(Price),avg(Price),"
                        "max(TransactDateTime) from Entry group by Place order by sum(Price) desc, Place"),
         {}, readPlaceSpending);
@@ -1618,12 +1660,64 @@ QList<RememberedPlaceSpending *> DatabaseManager::GetSpendingPerRememberedPlace(
     // The place's number is its row's key, so SQLite looks each entry's
     // place up instead of scanning the places once per entry.
     return recordList<RememberedPlaceSpending>(
-        QString(),
         QStringLiteral("select HistoricLocation.SNo,LocationName,LocationLongitude,LocationLatitude,"
                        "count(Entry.SNo),sum(Price) from Entry join HistoricLocation on Entry.GeoLocID = "
                        "HistoricLocation.SNo group by HistoricLocation.SNo order by sum(Price) desc, "
                        "HistoricLocation.SNo"),
         {}, readRememberedPlaceSpending);
+}
+
+QList<CategorySpending *> DatabaseManager::GetSpendingPerCategory()
+{
+    // Sorted as GetAllEntriesOfCategory() sorts, over the whole table: the
+    // sort keeps rows of equal date-times in table order, with or without a
+    // filter, so each category's rows come in the very order of its own list
+    // and its prices are added in that order. Equal date-times come together,
+    // so a category's distinct date-times are counted as it goes.
+    QList<CategorySpending *> categories;
+    QHash<QString, qsizetype> indexOf;
+    QList<QVariant> lastDateTime;
+    const bool read = readRows(
+        QStringLiteral("select CategoryName,TransactDateTime,Price from Entry order by TransactDateTime desc"), {},
+        [&](const auto &row) {
+            const QString name = row.value(0).toString();
+            auto found = indexOf.constFind(name);
+            const QVariant dateTime = row.value(1);
+            CategorySpending *category;
+            if (found == indexOf.constEnd()) {
+                indexOf.insert(name, categories.size());
+                category = new CategorySpending;
+                category->CategoryName = name;
+                category->NumberOfDateTimes = 1;
+                categories.append(category);
+                lastDateTime.append(dateTime);
+            } else {
+                category = categories.at(*found);
+                QVariant &last = lastDateTime[*found];
+                if (!sameStoredValue(last, dateTime)) {
+                    ++category->NumberOfDateTimes;
+                    last = dateTime;
+                }
+            }
+            category->Total += row.value(2).toFloat();
+        });
+    if (!read) {
+        qDeleteAll(categories);
+        categories.clear();
+    }
+    return categories;
+}
+
+std::optional<DatabaseManager::ContentVersion> DatabaseManager::contentVersion()
+{
+    // total_changes() counts every row this connection has written, kept or
+    // rolled back; data_version moves with every commit of another
+    // connection. Neither moves otherwise, so equal pairs mean equal rows.
+    std::optional<QSqlQuery> query;
+    if (!run(query, QStringLiteral("select total_changes(), data_version from pragma_data_version")) ||
+        !query->next())
+        return std::nullopt;
+    return ContentVersion(query->value(0).toLongLong(), query->value(1).toLongLong());
 }
 
 // Counts

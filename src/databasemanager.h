@@ -118,6 +118,24 @@ public:
     QDateTime LastVisit;
 };
 
+// What the entries of one category add up to: a line of the history page's
+// per-category figures, grouped from table Entry.
+class CategorySpending
+{
+public:
+    CategorySpending();
+    ~CategorySpending();
+
+    QString CategoryName;
+    // The distinct stored date-times of the category's entries, as
+    // GetAllDistinctDatesOfEntriesOfCategory() lists them.
+    int NumberOfDateTimes;
+    // The prices added in single precision in the order that
+    // GetAllEntriesOfCategory() lists the entries, so that the sum is the
+    // very float that adding up that list gives.
+    float Total;
+};
+
 // A remembered place (a HistoricLocation row) with what the entries that
 // point at it (by GeoLocID) add up to.
 class RememberedPlaceSpending
@@ -280,6 +298,11 @@ public:
     // Every remembered place that at least one entry points at, with the
     // number and sum of those entries; the largest sum first.
     QList<RememberedPlaceSpending *> GetSpendingPerRememberedPlace();
+    // Every category name that entries use, with the number of distinct
+    // date-times and the sum of prices of its entries, from one read of the
+    // table (see CategorySpending); in the order the names are first met
+    // newest first.
+    QList<CategorySpending *> GetSpendingPerCategory();
 
     // Counts
     int GetTotalNumberOfEntries();
@@ -312,6 +335,14 @@ public:
     // links, and never with LEDGERLY_NO_SQLITE_HANDLE set; otherwise every
     // list is read through Qt's driver.
     bool usesSqliteHandle() const;
+
+    // Tells whether the file's rows may have changed between two calls: the
+    // changes made through the store's connection (which the pages' table
+    // models share) and the commits of other connections to the file. Equal
+    // versions mean nothing was written in between; nullopt means the store
+    // cannot tell (no usable connection), which must count as changed.
+    using ContentVersion = std::pair<qint64, qint64>;
+    std::optional<ContentVersion> contentVersion();
 
     // ~/ledgerlydatabase.db: the file every store of the program opens.
     static QString defaultFileName();
@@ -384,10 +415,10 @@ private:
     // storage forms (see the *Value helpers in the .cpp).
     using Bindings = QList<QPair<QString, QVariant>>;
 
-    // The one way statements run: on a fresh forward-only query on the
-    // default connection, prepared and bound. When the connection is not open
-    // nothing is built at all, so an unopened store fails silently.
-    bool run(QSqlQuery &query, const QString &statement, const Bindings &bindings = {});
+    // The one way statements run: on a forward-only query made into `query`
+    // on the store's connection, prepared and bound. When the connection is
+    // not open no query is made at all, so an unopened store fails silently.
+    bool run(std::optional<QSqlQuery> &query, const QString &statement, const Bindings &bindings = {});
     // A bound statement ready to execute, for the helpers that read at most
     // its first row: inside runInTransaction() the query kept for its text,
     // prepared once; otherwise `fresh`, prepared now. Null when it cannot be
@@ -399,7 +430,7 @@ private:
     // Runs a bound statement whose rows nobody reads.
     bool execute(const QString &statement, const Bindings &bindings);
     // Runs a finished statement text as it is, without binding anything.
-    bool runText(QSqlQuery &query, const QString &statement);
+    bool runText(std::optional<QSqlQuery> &query, const QString &statement);
     // Runs a count statement; *count is column 0 of the first row, or 0.
     bool runCount(const QString &statement, const Bindings &bindings, int *count);
     int count(const QString &statement, const Bindings &bindings = {});
@@ -407,14 +438,18 @@ private:
     QString firstText(const QString &statement, const Bindings &bindings);
     QDateTime entryDateBound(const QString &statement, const Bindings &bindings = {});
     QList<Entry *> entryList(const QString &clause, const Bindings &bindings = {});
+    // Runs a statement and hands each row to `visit`, as a QSqlQuery or, on
+    // the connection's own handle where it can be used, as a row of that
+    // handle that answers value() alike. False when the statement could not
+    // run or reading stopped before the last row.
+    template<typename Visit> bool readRows(const QString &statement, const Bindings &bindings, Visit visit);
     // The connection's own SQLite handle, or null when there is none to use.
     sqlite3 *sqliteHandle() const;
     QList<Items *> itemList(const QString &statement, const Bindings &bindings = {});
     QList<ItemSubstitutes *> itemSubstitutesList(const QString &statement, const Bindings &bindings = {});
     QList<HistoricLocation *> historicLocationList(const QString &statement, const Bindings &bindings = {});
     template<typename Record, typename Read>
-    QList<Record *> recordList(const QString &tableCountStatement, const QString &statement, const Bindings &bindings,
-                               Read read);
+    QList<Record *> recordList(const QString &statement, const Bindings &bindings, Read read);
 
     bool indexItemsForImport();
     void forgetPreparedStatements();

@@ -45,6 +45,22 @@ float sumOfPrices(const QList<Entry *> &entries)
     return sum;
 }
 
+void appendCategoryFigures(const QList<QString> &names, const QList<CategorySpending *> &spending,
+                           QList<int> *numberOfDateTimes, QList<float> *totals, float *globalTotal)
+{
+    QHash<QString, const CategorySpending *> byName;
+    byName.reserve(spending.size());
+    for (const CategorySpending *category : spending)
+        byName.insert(category->CategoryName, category);
+    for (const QString &name : names) {
+        const CategorySpending *category = byName.value(name);
+        const float total = category ? category->Total : 0.0f;
+        numberOfDateTimes->append(category ? category->NumberOfDateTimes : 0);
+        totals->append(total);
+        *globalTotal += total;
+    }
+}
+
 QList<DayTotal> dayTotals(const QList<Entry *> &entries)
 {
     QList<DayTotal> days;

@@ -8,6 +8,7 @@
 #include <QList>
 #include <QString>
 
+class CategorySpending;
 class Entry;
 
 // A labelled amount on the history page: a day, a week, a month or a
@@ -54,6 +55,12 @@ namespace HistoryBuckets {
 
 // All prices added in list order.
 float sumOfPrices(const QList<Entry *> &entries);
+
+// For each name, in order: appends the number of distinct entry date-times
+// and the total of the name's figures in `spending` (0 for a name it lacks)
+// and adds the total to *globalTotal.
+void appendCategoryFigures(const QList<QString> &names, const QList<CategorySpending *> &spending,
+                           QList<int> *numberOfDateTimes, QList<float> *totals, float *globalTotal);
 
 // One total per run of entries on the same calendar day, in list order.
 // Runs, not distinct days: the grouping relies on the store's date order.

@@ -15,6 +15,7 @@
 #include "placesmap.h"
 
 #include <QBrush>
+#include <QFile>
 #include <QHeaderView>
 #include <QSignalBlocker>
 #include <QTableWidget>
@@ -172,14 +173,29 @@ HistoryWidget::~HistoryWidget()
 
 void HistoryWidget::CalculateGlobalEntryData()
 {
-    for (const QString &name : std::as_const(usedCategories)) {
-        usedCategoriesCorrespondingNumberOfDays.append(
-            int(dbManager->GetAllDistinctDatesOfEntriesOfCategory(name).size()));
-        const auto entries = owned(dbManager->GetAllEntriesOfCategory(name));
-        const float sum = HistoryBuckets::sumOfPrices(entries.list());
-        usedCategoriesTotals.append(sum);
-        globalTotal += sum;
-    }
+    // One read of the entries gives every category's figures, the same
+    // numbers and the very same sums as a count of each category's distinct
+    // date-times and a sum over its entry list, two reads of the whole table
+    // per category.
+    HistoryBuckets::appendCategoryFigures(usedCategories, owned(dbManager->GetSpendingPerCategory()).list(),
+                                          &usedCategoriesCorrespondingNumberOfDays, &usedCategoriesTotals,
+                                          &globalTotal);
+}
+
+QString HistoryWidget::tabKey(const QString &inputs) const
+{
+    const std::optional<DatabaseManager::ContentVersion> version = dbManager->contentVersion();
+    if (!version)
+        return QString();
+    return QStringLiteral("%1/%2/").arg(version->first).arg(version->second) + inputs;
+}
+
+bool HistoryWidget::isShowing(QString *shownFor, const QString &key, bool graphOnDisk)
+{
+    if (graphOnDisk && !key.isEmpty() && key == *shownFor)
+        return true;
+    shownFor->clear();
+    return false;
 }
 
 void HistoryWidget::AddCategoriesToComboBoxInCategoryTab(QList<QString> names)
@@ -191,6 +207,13 @@ void HistoryWidget::AddCategoriesToComboBoxInCategoryTab(QList<QString> names)
 void HistoryWidget::ShowCategoryWiseDetails()
 {
     const QString name = ui->comboBoxCategory->currentText();
+    // The graph's file is part of what the tab shows: gone, it is written
+    // again.
+    const QString graphFile = QStringLiteral("QtCategoriesLineGraph.png");
+    const QSize graphSize = ui->scrollAreaCategoryLineChart->size();
+    const QString key = tabKey(QStringLiteral("%1x%2/").arg(graphSize.width()).arg(graphSize.height()) + name);
+    if (isShowing(&categoryTabShownFor, key, QFile::exists(graphFile)))
+        return;
     auto *graph = new ZRLineGraph;
 
     const QList<QDateTime> dates = dbManager->GetAllDistinctDatesOfEntriesOfCategory(name);
@@ -220,17 +243,32 @@ void HistoryWidget::ShowCategoryWiseDetails()
     for (const DayTotal &day : days)
         graph->append(ZRLineGraphData(Format::date(day.day), Format::number(day.total)));
     graph->setSortY(true);
-    graph->save(QStringLiteral("QtCategoriesLineGraph.png"), ui->scrollAreaCategoryLineChart->size());
+    graph->save(graphFile, graphSize);
     ui->scrollAreaCategoryLineChart->setWidget(graph);
 
     fillEntryTable(ui->tableWidgetCategoryRecentEntries, entries.list(),
                    listsAll ? ColumnFit::BeforeRefill : ColumnFit::AfterHeaders);
+    categoryTabShownFor = key;
 }
 
 void HistoryWidget::ShowDateWiseDetails()
 {
     const QDateTime start = ui->dateEditDateWiseStartDate->dateTime();
     const QDateTime end = ui->dateEditDateWiseEndDate->dateTime();
+    const int period = ui->comboBoxDateWiseTimePeriod->currentIndex();
+    const QString graphFile = period == Daily ? QStringLiteral("QtDateWiseDailyLineGraph.png")
+        : period == Weekly                   ? QStringLiteral("QtDateWiseWeeklyLineGraph.png")
+        : period == Monthly                  ? QStringLiteral("QtDateWiseMonthlyLineGraph.png")
+                                             : QString();
+    const QSize graphSize = ui->scrollAreaDateWiseLineChart->size();
+    // A range without entries is never kept: each run tells the user so.
+    const QString key = tabKey(QStringLiteral("%1/%2/%3/%4x%5")
+                                   .arg(start.toString(Qt::ISODateWithMs), end.toString(Qt::ISODateWithMs))
+                                   .arg(period)
+                                   .arg(graphSize.width())
+                                   .arg(graphSize.height()));
+    if (isShowing(&dateWiseTabShownFor, key, graphFile.isEmpty() || QFile::exists(graphFile)))
+        return;
     const auto entries = owned(dbManager->GetAllEntriesBetweenDates(start, end));
     if (entries.isEmpty()) {
         // The tab keeps what it showed before.
@@ -245,30 +283,26 @@ void HistoryWidget::ShowDateWiseDetails()
     const QList<LabelledTotal> categories = HistoryBuckets::categoryTotals(entries.list());
 
     QList<LabelledTotal> buckets;
-    QString fileName;
-    switch (ui->comboBoxDateWiseTimePeriod->currentIndex()) {
+    switch (period) {
     case Daily:
         buckets = HistoryBuckets::dailyBuckets(start.date(), end.date(), days);
-        fileName = QStringLiteral("QtDateWiseDailyLineGraph.png");
         break;
     case Weekly:
         buckets = HistoryBuckets::weeklyBuckets(start.date(), end.date(), days);
-        fileName = QStringLiteral("QtDateWiseWeeklyLineGraph.png");
         break;
     case Monthly:
         buckets = HistoryBuckets::monthlyBuckets(start.date(), end.date(), days);
-        fileName = QStringLiteral("QtDateWiseMonthlyLineGraph.png");
         break;
     default:
         break;
     }
 
-    if (!fileName.isEmpty()) {
+    if (!graphFile.isEmpty()) {
         auto *graph = new ZRLineGraph;
         for (const LabelledTotal &bucket : std::as_const(buckets))
             graph->append(ZRLineGraphData(bucket.label, Format::number(bucket.total)));
         graph->setSortY(true);
-        graph->save(fileName, ui->scrollAreaDateWiseLineChart->size());
+        graph->save(graphFile, graphSize);
         ui->scrollAreaDateWiseLineChart->setWidget(graph);
 
         auto *pie = new PieWidget;
@@ -278,10 +312,16 @@ void HistoryWidget::ShowDateWiseDetails()
     }
 
     fillEntryTable(ui->tableWidgetDattewiseTabEntries, entries.list());
+    dateWiseTabShownFor = key;
 }
 
 void HistoryWidget::ShowTotalDetails()
 {
+    // The figures are the page's own, taken when it was built; the table's
+    // rows are the store's.
+    const QString key = tabKey(QString());
+    if (isShowing(&totalTabShownFor, key))
+        return;
     auto *pie = new PieWidget;
     for (qsizetype i = 0; i < usedCategories.size(); ++i) {
         pie->addEntry(HistoryBuckets::totalSliceLabel(usedCategories.at(i), usedCategoriesTotals.at(i), globalTotal),
@@ -299,11 +339,16 @@ void HistoryWidget::ShowTotalDetails()
     const DateTimeRange window = HistoryBuckets::totalTabWindow(first, last);
     fillEntryTable(ui->tableWidgetTotalTabEntries,
                    owned(dbManager->GetAllEntriesBetweenDates(window.from, window.to)).list());
+    totalTabShownFor = key;
 }
 
 void HistoryWidget::ShowAllEntryDetails()
 {
+    const QString key = tabKey(QString());
+    if (isShowing(&entriesTabShownFor, key))
+        return;
     fillEntryTable(ui->tableWidgetAllEntries, owned(dbManager->GetAllEntries()).list());
+    entriesTabShownFor = key;
 }
 
 void HistoryWidget::ShowPlacesDetails()
@@ -374,16 +419,19 @@ void HistoryWidget::fillEntryTable(QTableWidget *table, const QList<Entry *> &en
 {
     // The sections are stretched right after every fit, which sets their
     // widths anew; the fit only needs to measure what is on screen, not a
-    // thousand rows of a long table.
+    // thousand rows of a long table. A table out of sight (a tab not shown,
+    // a page not yet shown) would be measured row for row, every cell's
+    // text made for it, and no width would come of it: it is not fitted.
     table->horizontalHeader()->setResizeContentsPrecision(0);
-    if (fit == ColumnFit::BeforeRefill)
+    const bool fitColumns = table->isVisible();
+    if (fitColumns && fit == ColumnFit::BeforeRefill)
         table->resizeColumnsToContents();
 
     table->setColumnCount(6);
     table->setRowCount(int(entries.size()));
     table->setHorizontalHeaderLabels(
         { tr("No."), tr("Item Name"), tr("Category"), tr("Price"), tr("Date"), tr("Location Text") });
-    if (fit == ColumnFit::AfterHeaders)
+    if (fitColumns && fit == ColumnFit::AfterHeaders)
         table->resizeColumnsToContents();
     table->horizontalHeader()->setSectionResizeMode(QHeaderView::Stretch);
 

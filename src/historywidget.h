@@ -60,6 +60,16 @@ private:
     static void fillEntryTable(QTableWidget *table, const QList<Entry *> &entries,
                                ColumnFit fit = ColumnFit::AfterHeaders);
 
+    // What a tab was last computed from: the store's contents and the tab's
+    // own inputs. A tab whose key is unchanged would show again exactly what
+    // it shows, so it is not computed again. An empty key matches nothing.
+    QString tabKey(const QString &inputs) const;
+    // Whether `key` is what `shownFor` holds and the tab's graph file (if it
+    // has one) is still on disk; if not, `shownFor` is cleared (the tab is
+    // about to change) and the caller records the key once the tab is
+    // computed.
+    static bool isShowing(QString *shownFor, const QString &key, bool graphOnDisk = true);
+
     Ui::HistoryWidget *ui;
     QPointer<DatabaseManager> dbManager;
     QList<QString> usedCategories;
@@ -68,4 +78,8 @@ private:
     bool allowDatewiseDropDowns;
     float globalTotal;
     PlacesMap *placesMap;
+    QString categoryTabShownFor;
+    QString dateWiseTabShownFor;
+    QString totalTabShownFor;
+    QString entriesTabShownFor;
 };
