@@ -22,6 +22,7 @@
 
 #include "databasemanager.h"
 #include "historywidget.h"
+#include "localtimezone.h"
 #include "tenyears.h"
 
 #include <QApplication>
@@ -397,6 +398,8 @@ int runPlaces()
 
 int main(int argc, char *argv[])
 {
+    // As the program's own main() does.
+    LocalTimeZone::readOnce();
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
     // The places map's web engine will not start its sandbox for root, as

@@ -133,18 +133,42 @@ Bindings placeKey(const HistoricLocation &place)
              { QStringLiteral(":loclat"), floatValue(place.LocationLatitude) } };
 }
 
+// The texts of one list, each kept once. Entries repeat a few hundred item,
+// category and place names over thousands of rows; sharing one string per
+// distinct text, rather than holding one per row, keeps long lists (and the
+// tables that show them, which keep the same strings) a good deal lighter.
+class TextPool
+{
+public:
+    QString shared(const QString &text)
+    {
+        // A null text (NULL in the file) and an empty one compare equal here
+        // but are not the same value: neither is pooled.
+        if (text.isEmpty())
+            return text;
+        const auto found = texts.constFind(text);
+        if (found != texts.constEnd())
+            return *found;
+        texts.insert(text, text);
+        return text;
+    }
+
+private:
+    QHash<QString, QString> texts;
+};
+
 // Reads one entry row from anything that answers value(column) as Qt's
 // SQLite driver would: a QSqlQuery, or a SqliteRow below.
-template<typename Row> Entry *readEntry(const Row &query)
+template<typename Row> Entry *readEntry(const Row &query, TextPool &texts)
 {
     auto *entry = new Entry;
     entry->SNo = query.value(0).toInt();
-    entry->ItemName = query.value(1).toString();
-    entry->CategoryName = query.value(2).toString();
+    entry->ItemName = texts.shared(query.value(1).toString());
+    entry->CategoryName = texts.shared(query.value(2).toString());
     entry->CategoryID = query.value(3).toInt();
     entry->TransactDateTime = readDateTime(query.value(4));
     entry->Price = query.value(5).toFloat();
-    entry->LocationText = query.value(6).toString();
+    entry->LocationText = texts.shared(query.value(6).toString());
     entry->EnableGeoLoc = query.value(7).toBool();
     entry->GeoLocID = query.value(8).toInt();
     entry->GeoLocLongit = query.value(9).toFloat();
@@ -1050,7 +1074,9 @@ QList<Entry *> DatabaseManager::entryList(const QString &clause, const Bindings 
     // (see recordList()).
     QList<Entry *> records;
     // A list cut short by a failed read is no list.
-    if (!readRows(entryColumns + clause, bindings, [&](const auto &row) { records.append(readEntry(row)); })) {
+    TextPool texts;
+    if (!readRows(entryColumns + clause, bindings,
+                  [&](const auto &row) { records.append(readEntry(row, texts)); })) {
         qDeleteAll(records);
         records.clear();
     }

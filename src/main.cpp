@@ -2,6 +2,7 @@
 // Copyright 2026 The Ledgerly developers
 
 #include "commandline.h"
+#include "localtimezone.h"
 #include "look.h"
 #include "mainwindow.h"
 
@@ -9,6 +10,7 @@
 
 int main(int argc, char *argv[])
 {
+    LocalTimeZone::readOnce();
     // The names the settings live under, and what --version says.
     QCoreApplication::setOrganizationName(QStringLiteral("Ledgerly"));
     QCoreApplication::setApplicationName(QStringLiteral("Ledgerly"));

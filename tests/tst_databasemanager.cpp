@@ -5,6 +5,7 @@
 #include "rawdatabase.h"
 #include "temphome.h"
 #include "testsupport.h"
+#include "tiedentries.h"
 
 #include <QDir>
 #include <QElapsedTimer>
@@ -263,6 +264,8 @@ private slots:
     void datesStoredInOtherIsoFormsReadBackAsTheGeneralParserReadsThem();
     void entryListsAreReadOnTheSqliteHandleOnlyWhereThatIsSafe();
     void aListCutShortByADamagedFileIsEmpty();
+    void spendingPerCategoryIsWhatEachCategorysOwnListsAddUpTo();
+    void theContentVersionMovesWithEveryWriteAndOnlyThen();
 
     // A file in trouble
     void aKilledWriterLeavesAWholeFileWithEveryConfirmedEntryOnce();
@@ -1980,6 +1983,95 @@ void tst_DatabaseManager::aListCutShortByADamagedFileIsEmpty()
     QCOMPARE(store->GetAllDistinctDatesOfEntriesOfCategory(QStringLiteral("Food")), QList<QDateTime>());
     // The lists of the tables left whole still read.
     QCOMPARE(owned(store->GetAllCategories()).size(), defaultCategories.size());
+}
+
+void tst_DatabaseManager::spendingPerCategoryIsWhatEachCategorysOwnListsAddUpTo()
+{
+    auto store = startStore();
+    QVERIFY(writeEntriesWithTiedDateTimes(home->databasePath()));
+
+    const QList<QString> names = store->GetListOfAllDistinctCategoriesOfAllEntries();
+    QCOMPARE(names.size(), 16);
+    const auto spending = owned(store->GetSpendingPerCategory());
+    QCOMPARE(spending.size(), names.size());
+    QHash<QString, const CategorySpending *> byName;
+    for (const CategorySpending *category : spending)
+        byName.insert(category->CategoryName, category);
+
+    int tiesThatMatter = 0;
+    for (const QString &name : names) {
+        const CategorySpending *category = byName.value(name);
+        QVERIFY2(category, qPrintable(name));
+        // The number of distinct stored date-times, as the category's own
+        // list of them has it: the two forms of one moment count twice.
+        QCOMPARE(category->NumberOfDateTimes, int(store->GetAllDistinctDatesOfEntriesOfCategory(name).size()));
+        // The sum of the category's own list, added in its order.
+        const auto entries = owned(store->GetAllEntriesOfCategory(name));
+        float listed = 0;
+        for (const Entry *entry : entries)
+            listed += entry->Price;
+        QCOMPARE(bitsOf(category->Total), bitsOf(listed));
+
+        // The data would catch a sum that took the entries of one date-time
+        // in another order: added with each run of equal date-times
+        // reversed, the sum differs for some category.
+        QList<const Entry *> reordered;
+        for (qsizetype begin = 0; begin < entries.size();) {
+            qsizetype end = begin + 1;
+            while (end < entries.size() && entries[end]->TransactDateTime == entries[begin]->TransactDateTime)
+                ++end;
+            for (qsizetype i = end; i > begin; --i)
+                reordered.append(entries[i - 1]);
+            begin = end;
+        }
+        float runsReversed = 0;
+        for (const Entry *entry : std::as_const(reordered))
+            runsReversed += entry->Price;
+        if (bitsOf(runsReversed) != bitsOf(listed))
+            ++tiesThatMatter;
+    }
+    QVERIFY(tiesThatMatter > 0);
+    QCOMPARE(byName.value(QStringLiteral("Drinks"))->NumberOfDateTimes, 2);
+}
+
+void tst_DatabaseManager::theContentVersionMovesWithEveryWriteAndOnlyThen()
+{
+    auto store = startStore();
+    addSampleEntries(*store);
+    const auto first = store->contentVersion();
+    QVERIFY(first.has_value());
+
+    // Reading changes nothing.
+    owned(store->GetAllEntries());
+    store->GetDateOfLastEntry();
+    QCOMPARE(store->contentVersion(), first);
+
+    // A write through the store.
+    Entry entry = makeEntry(QStringLiteral("Soup"), QStringLiteral("Food"), at(2026, 5, 1), 4.0f);
+    QVERIFY(store->AddEntry(&entry));
+    const auto second = store->contentVersion();
+    QVERIFY(second.has_value());
+    QVERIFY(second != first);
+    QCOMPARE(store->contentVersion(), second);
+
+    // A write through a table model on the store's connection.
+    {
+        std::unique_ptr<QSqlTableModel> model(store->createTableModel(QStringLiteral("Entry"), nullptr));
+        QVERIFY(model);
+        QVERIFY(model->setData(model->index(0, 1), QStringLiteral("Renamed")));
+        QVERIFY(model->submitAll());
+    }
+    const auto third = store->contentVersion();
+    QVERIFY(third != second);
+
+    // A commit of another connection to the file.
+    {
+        RawDatabase raw(home->databasePath());
+        QVERIFY(raw.insertEntry(QStringLiteral("Juice"), QStringLiteral("Drinks"), at(2026, 5, 2), 3.0) > 0);
+    }
+    const auto fourth = store->contentVersion();
+    QVERIFY(fourth != third);
+    QCOMPARE(store->contentVersion(), fourth);
 }
 
 // A file in trouble

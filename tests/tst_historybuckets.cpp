@@ -4,6 +4,9 @@
 #include "databasemanager.h"
 #include "historybuckets.h"
 
+#include "temphome.h"
+#include "tiedentries.h"
+
 #include <QtTest>
 
 #include <cmath>
@@ -56,6 +59,8 @@ class TestHistoryBuckets : public QObject
 
 private slots:
     void pricesAreSummedInSinglePrecision();
+    void categoryFiguresAreAppendedInTheOrderOfTheNames();
+    void categoryFiguresFromOneReadEqualThoseOfEachCategorysOwnLists();
     void dayTotalsSumEachRunOfOneCalendarDay();
     void dayTotalsFollowRunsSoARepeatedDayStartsANewTotal();
     void noEntriesGiveNoDayTotals();
@@ -98,6 +103,66 @@ void TestHistoryBuckets::pricesAreSummedInSinglePrecision()
     QCOMPARE(HistoryBuckets::sumOfPrices(fixture.entries()), expected);
     // In single precision 2^24 + 1 is lost; a double sum would keep it.
     QCOMPARE(HistoryBuckets::sumOfPrices(fixture.entries()), 16777216.0f);
+}
+
+void TestHistoryBuckets::categoryFiguresAreAppendedInTheOrderOfTheNames()
+{
+    CategorySpending food;
+    food.CategoryName = QStringLiteral("Food");
+    food.NumberOfDateTimes = 3;
+    food.Total = 16777216.0f;
+    CategorySpending fuel;
+    fuel.CategoryName = QStringLiteral("Fuel");
+    fuel.NumberOfDateTimes = 1;
+    fuel.Total = 1.0f;
+
+    // Appended after what the lists hold, onto the running total.
+    QList<int> days = { 7 };
+    QList<float> totals = { 2.0f };
+    float globalTotal = 1.0f;
+    HistoryBuckets::appendCategoryFigures({ QStringLiteral("Fuel"), QStringLiteral("Food"), QStringLiteral("Gifts") },
+                                          { &food, &fuel }, &days, &totals, &globalTotal);
+    QCOMPARE(days, (QList<int> { 7, 1, 3, 0 }));
+    QCOMPARE(totals, (QList<float> { 2.0f, 1.0f, 16777216.0f, 0.0f }));
+    // 1 + 1 = 2, and 2 + 2^24 is exact: in the other order the 1s were lost.
+    QCOMPARE(globalTotal, 16777218.0f);
+}
+
+void TestHistoryBuckets::categoryFiguresFromOneReadEqualThoseOfEachCategorysOwnLists()
+{
+    TempHome home;
+    QVERIFY(home.isValid());
+    DatabaseManager store(nullptr);
+    QVERIFY(writeEntriesWithTiedDateTimes(home.databasePath()));
+    const QList<QString> usedCategories = store.GetListOfAllDistinctCategoriesOfAllEntries();
+    QCOMPARE(usedCategories.size(), 16);
+
+    // Category by category, as the page once computed them: the count of
+    // the category's distinct date-times, the sum of its list in list order,
+    // and that sum added to the grand total, name after name.
+    QList<int> daysEach;
+    QList<float> totalsEach;
+    float globalTotalEach = 0;
+    for (const QString &name : usedCategories) {
+        daysEach.append(int(store.GetAllDistinctDatesOfEntriesOfCategory(name).size()));
+        float sum = 0;
+        for (const Entry *entry : owned(store.GetAllEntriesOfCategory(name)))
+            sum += entry->Price;
+        totalsEach.append(sum);
+        globalTotalEach += sum;
+    }
+
+    QList<int> days;
+    QList<float> totals;
+    float globalTotal = 0;
+    HistoryBuckets::appendCategoryFigures(usedCategories, owned(store.GetSpendingPerCategory()).list(), &days,
+                                          &totals, &globalTotal);
+
+    QCOMPARE(days, daysEach);
+    QCOMPARE(totals.size(), totalsEach.size());
+    for (qsizetype i = 0; i < totals.size(); ++i)
+        QCOMPARE(bitsOf(totals.at(i)), bitsOf(totalsEach.at(i)));
+    QCOMPARE(bitsOf(globalTotal), bitsOf(globalTotalEach));
 }
 
 void TestHistoryBuckets::dayTotalsSumEachRunOfOneCalendarDay()

@@ -442,6 +442,9 @@ private slots:
     void entriesAddedAfterThePageWasBuiltAreListedButNotSummed();
     void dateWiseTabIsComputedOnlyWhenTheUserSelectsIt();
     void pageOnAnEmptyStoreShowsNoRowsAndReportsNothing();
+    void entryTablesKeepSortingOff();
+    void revisitingTabsWhileNothingWasWrittenReadsNothingAgain();
+    void aGraphFileRemovedSinceIsWrittenAgainAtTheNextVisit();
 
     // Total tab
     void totalTableListsTheFirstTenDaysFromTheOldestEntry_data();
@@ -856,6 +859,83 @@ void TestHistoryWidget::pageOnAnEmptyStoreShowsNoRowsAndReportsNothing()
     QCOMPARE(fixture.labelText("labelTotalTabGlobalTotal"),
              QStringLiteral("<font color=#ff0202> Global Total: 0 </font>"));
     QVERIFY(fixture.pieIn("scrollAreaTotalPieChartCategories")->entries().isEmpty());
+}
+
+void TestHistoryWidget::entryTablesKeepSortingOff()
+{
+    HistoryFixture fixture;
+    fixture.add("Taxi", "Travel", at(2026, 11, 15), 70);
+    fixture.add("Bread", "Food", at(2026, 11, 14), 30);
+    fixture.build();
+    for (int tab : { 1, 2, 3, 0 })
+        fixture.tabs()->setCurrentIndex(tab);
+
+    // Rows stay in the store's order, newest first: no header click sorts.
+    for (const char *name : { "tableWidgetCategoryRecentEntries", "tableWidgetDattewiseTabEntries",
+                              "tableWidgetTotalTabEntries", "tableWidgetAllEntries" }) {
+        QTableWidget *table = fixture.table(name);
+        QVERIFY2(!table->isSortingEnabled(), name);
+        QVERIFY2(table->rowCount() > 0, name);
+    }
+}
+
+void TestHistoryWidget::revisitingTabsWhileNothingWasWrittenReadsNothingAgain()
+{
+    HistoryFixture fixture;
+    fixture.add("Bread", "Food", at(2026, 11, 14), 30);
+    fixture.add("Taxi", "Travel", at(2026, 11, 15), 70);
+    fixture.build();
+    fixture.startEdit()->setDate(QDate(2026, 11, 14));
+    QTableWidget *all = fixture.table("tableWidgetAllEntries");
+    QTableWidget *datewise = fixture.table("tableWidgetDattewiseTabEntries");
+    QCOMPARE(datewise->rowCount(), 2);
+
+    StatementLog log;
+    QVERIFY(log.isTracing());
+    for (int tab : { 1, 2, 3, 0, 1, 3, 2, 0 })
+        fixture.tabs()->setCurrentIndex(tab);
+    QCOMPARE(log.count(QStringLiteral("from Entry")), 0);
+    // Each tab still shows what it showed.
+    QCOMPARE(columnTexts(all, 1), (QStringList { "Taxi", "Bread" }));
+    QCOMPARE(columnTexts(datewise, 1), (QStringList { "Taxi", "Bread" }));
+    QCOMPARE(fixture.labelText("labelDatewiseTabTotal"),
+             QStringLiteral("<font color=#ff2411> Total Spending in the period= 100 </font>"));
+
+    // Anything written since, here by another program, is read at the next
+    // visit of each tab.
+    fixture.add("Flowers", "Gifts", at(2026, 11, 14, 12), 50);
+    fixture.tabs()->setCurrentIndex(3);
+    QVERIFY(log.count(QStringLiteral("from Entry")) > 0);
+    QCOMPARE(columnTexts(all, 1), (QStringList { "Taxi", "Flowers", "Bread" }));
+    fixture.tabs()->setCurrentIndex(1);
+    QCOMPARE(columnTexts(datewise, 1), (QStringList { "Taxi", "Flowers", "Bread" }));
+    QCOMPARE(fixture.labelText("labelDatewiseTabTotal"),
+             QStringLiteral("<font color=#ff2411> Total Spending in the period= 150 </font>"));
+
+    // A control changed is a new computation too.
+    log.clear();
+    fixture.periodBox()->setCurrentIndex(1);
+    QVERIFY(log.count(QStringLiteral("from Entry")) > 0);
+    QVERIFY(fixture.fileExists(weeklyGraph));
+}
+
+void TestHistoryWidget::aGraphFileRemovedSinceIsWrittenAgainAtTheNextVisit()
+{
+    HistoryFixture fixture;
+    fixture.add("Bread", "Food", at(2026, 11, 15), 30);
+    fixture.build();
+    fixture.tabs()->setCurrentIndex(1);
+    QVERIFY(fixture.fileExists(categoryGraph));
+    QVERIFY(fixture.fileExists(dailyGraph));
+
+    QVERIFY(QFile::remove(fixture.home.filePath(QLatin1String(categoryGraph))));
+    QVERIFY(QFile::remove(fixture.home.filePath(QLatin1String(dailyGraph))));
+    fixture.tabs()->setCurrentIndex(0);
+    QVERIFY(fixture.fileExists(categoryGraph));
+    QCOMPARE(savedGraphMismatch(fixture, categoryGraph, { { textDate(QDate(2026, 11, 15)), "30" } }), QString());
+    fixture.tabs()->setCurrentIndex(1);
+    QVERIFY(fixture.fileExists(dailyGraph));
+    QCOMPARE(savedGraphMismatch(fixture, dailyGraph, { { textDate(QDate(2026, 11, 15)), "30" } }), QString());
 }
 
 void TestHistoryWidget::totalTableListsTheFirstTenDaysFromTheOldestEntry_data()
