@@ -473,15 +473,10 @@ bool DatabaseManager::setupDatabase(QString dbname)
         return false;
     }
 
-    {
-        // Reports read the entry table once per category, without an index;
-        // SQLite's default page cache (2 MB) holds about 20,000 entries, so
-        // ten years of data would be read from the file again on every scan.
-        // This is a setting of the connection, not of the file.
-        QSqlQuery cache(db);
-        cache.exec(QStringLiteral("PRAGMA cache_size = -65536"));
-    }
-
+    // SQLite's own page cache (2 MB) is kept: a page reads the entry table
+    // a few times, from the system's file cache, and a cache the size of ten
+    // years of entries would only hold a second copy of them in memory (and
+    // let each sort of a whole list grow to its size before it spills).
     handleUsable = driverRunsOurSqlite();
     createTablesAndDefaultRows();
     return true;

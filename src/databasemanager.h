@@ -170,6 +170,9 @@ public:
     OwnedList &operator=(const OwnedList &) = delete;
 
     const QList<Record *> &list() const { return records; }
+    // Hands the records over to the caller, who then deletes them; the list
+    // is left empty.
+    QList<Record *> release() { return std::exchange(records, {}); }
     qsizetype size() const { return records.size(); }
     bool isEmpty() const { return records.isEmpty(); }
     Record *at(qsizetype i) const { return records.at(i); }

@@ -236,7 +236,7 @@ void HistoryWidget::ShowCategoryWiseDetails()
 
     const bool listsAll = HistoryBuckets::categoryListsAllEntries(dates);
     const DateTimeRange window = listsAll ? DateTimeRange() : HistoryBuckets::categoryRecentWindow(dates);
-    const auto entries = owned(listsAll ? dbManager->GetAllEntriesOfCategory(name)
+    auto entries = owned(listsAll ? dbManager->GetAllEntriesOfCategory(name)
                                         : dbManager->GetAllEntriesOfCategoryBetweenDates(name, window.from, window.to));
 
     const QList<DayTotal> days = HistoryBuckets::dayTotals(entries.list());
@@ -246,7 +246,7 @@ void HistoryWidget::ShowCategoryWiseDetails()
     graph->save(graphFile, graphSize);
     ui->scrollAreaCategoryLineChart->setWidget(graph);
 
-    fillEntryTable(ui->tableWidgetCategoryRecentEntries, entries.list(),
+    fillEntryTable(ui->tableWidgetCategoryRecentEntries, std::move(entries),
                    listsAll ? ColumnFit::BeforeRefill : ColumnFit::AfterHeaders);
     categoryTabShownFor = key;
 }
@@ -269,7 +269,7 @@ void HistoryWidget::ShowDateWiseDetails()
                                    .arg(graphSize.height()));
     if (isShowing(&dateWiseTabShownFor, key, graphFile.isEmpty() || QFile::exists(graphFile)))
         return;
-    const auto entries = owned(dbManager->GetAllEntriesBetweenDates(start, end));
+    auto entries = owned(dbManager->GetAllEntriesBetweenDates(start, end));
     if (entries.isEmpty()) {
         // The tab keeps what it showed before.
         Notice::inform(tr("No Entries between the given dates"));
@@ -311,7 +311,7 @@ void HistoryWidget::ShowDateWiseDetails()
         ui->scrollAreaDateWisePieChart->setWidget(pie);
     }
 
-    fillEntryTable(ui->tableWidgetDattewiseTabEntries, entries.list());
+    fillEntryTable(ui->tableWidgetDattewiseTabEntries, std::move(entries));
     dateWiseTabShownFor = key;
 }
 
@@ -337,8 +337,7 @@ void HistoryWidget::ShowTotalDetails()
     // Anchored at the oldest entry, under the caption "Recent Entries": that
     // is the page's long-standing choice.
     const DateTimeRange window = HistoryBuckets::totalTabWindow(first, last);
-    fillEntryTable(ui->tableWidgetTotalTabEntries,
-                   owned(dbManager->GetAllEntriesBetweenDates(window.from, window.to)).list());
+    fillEntryTable(ui->tableWidgetTotalTabEntries, owned(dbManager->GetAllEntriesBetweenDates(window.from, window.to)));
     totalTabShownFor = key;
 }
 
@@ -347,7 +346,7 @@ void HistoryWidget::ShowAllEntryDetails()
     const QString key = tabKey(QString());
     if (isShowing(&entriesTabShownFor, key))
         return;
-    fillEntryTable(ui->tableWidgetAllEntries, owned(dbManager->GetAllEntries()).list());
+    fillEntryTable(ui->tableWidgetAllEntries, owned(dbManager->GetAllEntries()));
     entriesTabShownFor = key;
 }
 
@@ -380,6 +379,9 @@ void HistoryWidget::fillPlacesTable(QTableWidget *table, const QList<PlaceSpendi
     if (firstFill)
         table->horizontalHeader()->setSortIndicator(PlaceTotal, Qt::DescendingOrder);
 
+    // Quiet while sorting is off, as the entry tables are filled (see
+    // fillEntryTable()); sorted once it is on again.
+    Q_ASSERT(!table->isSortingEnabled());
     QAbstractItemModel *model = table->model();
     {
         const QSignalBlocker quiet(model);
@@ -415,7 +417,7 @@ void HistoryWidget::showPlaceOnMap(int row)
         placesMap->centreOn(place->text());
 }
 
-void HistoryWidget::fillEntryTable(QTableWidget *table, const QList<Entry *> &entries, ColumnFit fit)
+void HistoryWidget::fillEntryTable(QTableWidget *table, OwnedList<Entry> entries, ColumnFit fit)
 {
     // The sections are stretched right after every fit, which sets their
     // widths anew; the fit only needs to measure what is on screen, not a
@@ -439,21 +441,30 @@ void HistoryWidget::fillEntryTable(QTableWidget *table, const QList<Entry *> &en
     // survive years of entries. Each setItem() would announce its own change
     // to the view, a fifth of the time of a refill of ten years; the model
     // stays quiet while it is filled and announces the whole table once.
+    // That is sound only while sorting is off: then setItem() does no more
+    // than keep the item and announce it, while a sorting table would move
+    // each row into place and tell its views through the very signals held
+    // back here. These tables keep the store's order and never sort.
+    Q_ASSERT(!table->isSortingEnabled());
     QAbstractItemModel *model = table->model();
+    // Each entry goes as soon as its row holds what it shows (the cells share
+    // its texts), so that a long list and its table are not both held whole.
+    const QList<Entry *> rows = entries.release();
     {
         const QSignalBlocker quiet(model);
-        for (int row = 0; row < entries.size(); ++row) {
-            const Entry *entry = entries.at(row);
+        for (int row = 0; row < rows.size(); ++row) {
+            const Entry *entry = rows.at(row);
             table->setItem(row, 0, new RowNumberCell(row + 1));
             table->setItem(row, 1, new TextCell(entry->ItemName));
             table->setItem(row, 2, new TextCell(entry->CategoryName));
             table->setItem(row, 3, new PriceCell(entry->Price));
             table->setItem(row, 4, new DateTimeCell(entry->TransactDateTime));
             table->setItem(row, 5, new TextCell(entry->LocationText));
+            delete entry;
         }
     }
-    if (!entries.isEmpty())
-        emit model->dataChanged(model->index(0, 0), model->index(int(entries.size()) - 1, 5));
+    if (!rows.isEmpty())
+        emit model->dataChanged(model->index(0, 0), model->index(int(rows.size()) - 1, 5));
 }
 
 void HistoryWidget::on_tableWidgetAllEntries_cellClicked(int row, int column)

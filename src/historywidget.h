@@ -3,14 +3,13 @@
 
 #pragma once
 
+#include "databasemanager.h"
+
 #include <QList>
 #include <QPointer>
 #include <QString>
 #include <QWidget>
 
-class DatabaseManager;
-class Entry;
-class PlaceSpending;
 class PlacesMap;
 class QDate;
 class QTableWidget;
@@ -57,7 +56,9 @@ private:
     void showPlaceOnMap(int row);
 
     static void fillPlacesTable(QTableWidget *table, const QList<PlaceSpending *> &places);
-    static void fillEntryTable(QTableWidget *table, const QList<Entry *> &entries,
+    // Fills an entry table from a list, in list order, and frees the
+    // entries as their rows are made.
+    static void fillEntryTable(QTableWidget *table, OwnedList<Entry> entries,
                                ColumnFit fit = ColumnFit::AfterHeaders);
 
     // What a tab was last computed from: the store's contents and the tab's

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Copyright 2026 The Ledgerly developers
+
 #pragma once
 
 // How the process finds its local time zone.
