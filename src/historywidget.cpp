@@ -269,9 +269,19 @@ void HistoryWidget::ShowDateWiseDetails()
                                    .arg(graphSize.height()));
     if (isShowing(&dateWiseTabShownFor, key, graphFile.isEmpty() || QFile::exists(graphFile)))
         return;
+    // A table of years of entries holds tens of megabytes, and the list that
+    // replaces it as much again: counted first, a range without entries
+    // leaves the tab as it was, and any other empties the table before its
+    // new rows are read rather than after.
+    if (dbManager->GetNumberOfEntriesBetweenDates(start, end) == 0) {
+        // The tab keeps what it showed before.
+        Notice::inform(tr("No Entries between the given dates"));
+        return;
+    }
+    ui->tableWidgetDattewiseTabEntries->setRowCount(0);
     auto entries = owned(dbManager->GetAllEntriesBetweenDates(start, end));
     if (entries.isEmpty()) {
-        // The tab keeps what it showed before.
+        // Only if the rows went in between, through another program.
         Notice::inform(tr("No Entries between the given dates"));
         return;
     }
