@@ -237,7 +237,7 @@ void HistoryWidget::ShowCategoryWiseDetails()
     const bool listsAll = HistoryBuckets::categoryListsAllEntries(dates);
     const DateTimeRange window = listsAll ? DateTimeRange() : HistoryBuckets::categoryRecentWindow(dates);
     auto entries = owned(listsAll ? dbManager->GetAllEntriesOfCategory(name)
-                                        : dbManager->GetAllEntriesOfCategoryBetweenDates(name, window.from, window.to));
+                                  : dbManager->GetAllEntriesOfCategoryBetweenDates(name, window.from, window.to));
 
     const QList<DayTotal> days = HistoryBuckets::dayTotals(entries.list());
     for (const DayTotal &day : days)
@@ -347,7 +347,8 @@ void HistoryWidget::ShowTotalDetails()
     // Anchored at the oldest entry, under the caption "Recent Entries": that
     // is the page's long-standing choice.
     const DateTimeRange window = HistoryBuckets::totalTabWindow(first, last);
-    fillEntryTable(ui->tableWidgetTotalTabEntries, owned(dbManager->GetAllEntriesBetweenDates(window.from, window.to)));
+    fillEntryTable(ui->tableWidgetTotalTabEntries,
+                   owned(dbManager->GetAllEntriesBetweenDates(window.from, window.to)));
     totalTabShownFor = key;
 }
 
