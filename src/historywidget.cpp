@@ -281,7 +281,8 @@ void HistoryWidget::ShowDateWiseDetails()
     ui->tableWidgetDattewiseTabEntries->setRowCount(0);
     auto entries = owned(dbManager->GetAllEntriesBetweenDates(start, end));
     if (entries.isEmpty()) {
-        // Only if the rows went in between, through another program.
+        // Only if another program took the rows away (or the file failed)
+        // in between; the table is then already empty.
         Notice::inform(tr("No Entries between the given dates"));
         return;
     }
