@@ -29,6 +29,8 @@ packages=(
     # Packaging and its tests: dpkg-shlibdeps, the desktop entry's and the
     # metainfo's validators, xwininfo and xprop.
     dpkg-dev desktop-file-utils appstream x11-utils
+    # scripts/screenshots.sh shrinks its pictures.
+    optipng
 )
 if [ "$fuzz" = "ON" ]; then
     # clang with libFuzzer and the sanitizer runtimes; the time zones that
