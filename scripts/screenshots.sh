@@ -23,10 +23,12 @@ trap 'rm -rf "$work"' EXIT
 mkdir -m 700 "$work/home" "$work/runtime"
 
 # Only the variables the pictures depend on, set to fixed values: the home
-# with the sample year, and the language in which dates and amounts show.
+# with the sample year, the language in which dates and amounts show, and
+# the seed of Qt's hash tables, which otherwise changes from run to run and
+# with it the order in which the pie charts lay out their categories.
 run() {
     env -i PATH="$PATH" HOME="$work/home" XDG_RUNTIME_DIR="$work/runtime" LANG=C.UTF-8 LC_ALL=C.UTF-8 TZ=UTC \
-        QT_LOGGING_RULES="qt.webenginecontext.info=false" \
+        QT_HASH_SEED=0 QT_LOGGING_RULES="qt.webenginecontext.info=false" \
         ${QTWEBENGINE_CHROMIUM_FLAGS:+QTWEBENGINE_CHROMIUM_FLAGS="$QTWEBENGINE_CHROMIUM_FLAGS"} "$@"
 }
 if [ "$(id -u)" -eq 0 ]; then
