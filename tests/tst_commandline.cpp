@@ -16,12 +16,7 @@
 
 namespace {
 
-struct Run
-{
-    int exitCode = -1;
-    QString out;
-    QString err;
-};
+using Run = ProgramRun;
 
 // Without QT_QPA_PLATFORM and without DISPLAY or WAYLAND_DISPLAY, a program
 // that started its GUI would abort at once (Qt would try X11 and find no
@@ -33,15 +28,7 @@ Run runLedgerly(const QStringList &arguments, const QString &home = QString())
         environment.remove(QString::fromLatin1(name));
     if (!home.isEmpty())
         environment.insert(QStringLiteral("HOME"), home);
-    QProcess process;
-    process.setProcessEnvironment(environment);
-    process.start(QStringLiteral(LEDGERLY_PROGRAM), arguments);
-    Run result;
-    if (process.waitForFinished(120000) && process.exitStatus() == QProcess::NormalExit)
-        result.exitCode = process.exitCode();
-    result.out = QString::fromUtf8(process.readAllStandardOutput());
-    result.err = QString::fromUtf8(process.readAllStandardError());
-    return result;
+    return runProgram(QStringLiteral(LEDGERLY_PROGRAM), arguments, environment);
 }
 
 const QString tryHelp = QStringLiteral("Try \"ledgerly --help\" for more information.\n");

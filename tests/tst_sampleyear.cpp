@@ -7,9 +7,9 @@
 #include "databasemanager.h"
 
 #include "temphome.h"
+#include "testsupport.h"
 
 #include <QDate>
-#include <QProcess>
 #include <QSet>
 #include <QTest>
 
@@ -17,26 +17,11 @@
 
 namespace {
 
-struct Run
-{
-    int exitCode = -1;
-    QString out;
-    QString err;
-};
-
-Run runSampleYear(const QString &home)
+ProgramRun runSampleYear(const QString &home)
 {
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert(QStringLiteral("HOME"), home);
-    QProcess process;
-    process.setProcessEnvironment(environment);
-    process.start(QStringLiteral(LEDGERLY_SAMPLE_YEAR_PROGRAM), QStringList());
-    Run result;
-    if (process.waitForFinished(120000) && process.exitStatus() == QProcess::NormalExit)
-        result.exitCode = process.exitCode();
-    result.out = QString::fromUtf8(process.readAllStandardOutput());
-    result.err = QString::fromUtf8(process.readAllStandardError());
-    return result;
+    return runProgram(QStringLiteral(LEDGERLY_SAMPLE_YEAR_PROGRAM), QStringList(), environment);
 }
 
 // What an entry shows on the pages, as one comparable text.
@@ -84,7 +69,7 @@ void TestSampleYear::writesAYearOfEntriesFromItsFirstToItsLastDay()
 {
     TempHome home;
     QVERIFY(home.isValid());
-    const Run run = runSampleYear(home.path());
+    const ProgramRun run = runSampleYear(home.path());
     QCOMPARE(run.exitCode, 0);
     QVERIFY2(run.err.isEmpty(), qPrintable(run.err));
 
@@ -211,7 +196,7 @@ void TestSampleYear::aStoreWithEntriesIsLeftAlone()
         before = entryTexts(store);
     }
 
-    const Run again = runSampleYear(home.path());
+    const ProgramRun again = runSampleYear(home.path());
     QCOMPARE(again.exitCode, 1);
     QVERIFY2(again.err.contains(QLatin1String("already holds entries")), qPrintable(again.err));
     DatabaseManager store(nullptr);

@@ -7,13 +7,13 @@
 #include "mainwindow.h"
 
 #include "temphome.h"
+#include "testsupport.h"
 #include "widgettest.h"
 
 #include <QDir>
 #include <QFile>
 #include <QImage>
 #include <QImageReader>
-#include <QProcess>
 #include <QRegularExpression>
 #include <QSet>
 #include <QTemporaryDir>
@@ -171,12 +171,9 @@ void TestScreenshots::theProgramWritesAPictureOfTheWindow()
     QVERIFY(out.isValid());
 
     // The options page, on this test's platform; the home is empty.
-    QProcess process;
-    process.start(QStringLiteral(LEDGERLY_SCREENSHOTS_PROGRAM), { out.path(), QStringLiteral("options") });
-    QVERIFY(process.waitForFinished(120000));
-    const QString errors = QString::fromUtf8(process.readAllStandardError());
-    QCOMPARE(process.exitStatus(), QProcess::NormalExit);
-    QVERIFY2(process.exitCode() == 0, qPrintable(errors));
+    const ProgramRun run =
+        runProgram(QStringLiteral(LEDGERLY_SCREENSHOTS_PROGRAM), { out.path(), QStringLiteral("options") });
+    QVERIFY2(run.exitCode == 0, qPrintable(run.err));
 
     QCOMPARE(QDir(out.path()).entryList(QDir::Files), QStringList{ QStringLiteral("options.png") });
     const QImage picture(out.filePath(QStringLiteral("options.png")), "png");
