@@ -367,8 +367,14 @@ void HistoryWidget::ShowPlacesDetails()
     // On the first visit the map page starts loading, in the web engine's
     // own processes, while the figures are read here.
     placesMap->load();
+    // Like the entry tabs, read again only once something was written; the
+    // map keeps where the user moved it meanwhile.
+    const QString key = tabKey(QString());
+    if (isShowing(&placesTabShownFor, key))
+        return;
     fillPlacesTable(ui->tableWidgetPlaces, owned(dbManager->GetSpendingPerPlace()).list());
     placesMap->showPlaces(owned(dbManager->GetSpendingPerRememberedPlace()).list());
+    placesTabShownFor = key;
 }
 
 void HistoryWidget::fillPlacesTable(QTableWidget *table, const QList<PlaceSpending *> &places)

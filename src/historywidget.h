@@ -83,4 +83,5 @@ private:
     QString dateWiseTabShownFor;
     QString totalTabShownFor;
     QString entriesTabShownFor;
+    QString placesTabShownFor;
 };

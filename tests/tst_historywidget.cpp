@@ -486,7 +486,7 @@ private slots:
     void aCutOffTextThatLooksLikeMarkupIsToldAsTyped();
 
     // The places tab
-    void placesTabIsNotFilledByTheConstructorButOnEveryVisit();
+    void placesTabIsFilledOnItsFirstVisitAndAgainAfterAWrite();
     void placesTableListsEveryPlaceTextWithItsFiguresLargestTotalFirst();
     void placesTableSortsEachColumnByItsValues();
     void placesTableDrawsItsTextInRed();
@@ -888,14 +888,20 @@ void TestHistoryWidget::revisitingTabsWhileNothingWasWrittenReadsNothingAgain()
     fixture.startEdit()->setDate(QDate(2026, 11, 14));
     QTableWidget *all = fixture.table("tableWidgetAllEntries");
     QTableWidget *datewise = fixture.table("tableWidgetDattewiseTabEntries");
+    QTableWidget *places = fixture.table("tableWidgetPlaces");
     QCOMPARE(datewise->rowCount(), 2);
+    // The places tab reads on its first visit.
+    fixture.tabs()->setCurrentIndex(4);
+    QCOMPARE(places->rowCount(), 1);
 
     StatementLog log;
     QVERIFY(log.isTracing());
-    for (int tab : { 1, 2, 3, 0, 1, 3, 2, 0 })
+    for (int tab : { 1, 2, 3, 0, 4, 1, 3, 2, 4, 0 })
         fixture.tabs()->setCurrentIndex(tab);
     QCOMPARE(log.count(QStringLiteral("from Entry")), 0);
     // Each tab still shows what it showed.
+    QCOMPARE(places->rowCount(), 1);
+    QCOMPARE(places->item(0, 1)->text(), QStringLiteral("2"));
     QCOMPARE(columnTexts(all, 1), (QStringList { "Taxi", "Bread" }));
     QCOMPARE(columnTexts(datewise, 1), (QStringList { "Taxi", "Bread" }));
     QCOMPARE(fixture.labelText("labelDatewiseTabTotal"),
@@ -911,6 +917,8 @@ void TestHistoryWidget::revisitingTabsWhileNothingWasWrittenReadsNothingAgain()
     QCOMPARE(columnTexts(datewise, 1), (QStringList { "Taxi", "Flowers", "Bread" }));
     QCOMPARE(fixture.labelText("labelDatewiseTabTotal"),
              QStringLiteral("<font color=#ff2411> Total Spending in the period= 150 </font>"));
+    fixture.tabs()->setCurrentIndex(4);
+    QCOMPARE(places->item(0, 1)->text(), QStringLiteral("3"));
 
     // A control changed is a new computation too.
     log.clear();
@@ -1588,7 +1596,7 @@ void TestHistoryWidget::aCutOffTextThatLooksLikeMarkupIsToldAsTyped()
 
 // ------------------------------------------------------------ the places tab
 
-void TestHistoryWidget::placesTabIsNotFilledByTheConstructorButOnEveryVisit()
+void TestHistoryWidget::placesTabIsFilledOnItsFirstVisitAndAgainAfterAWrite()
 {
     HistoryFixture f;
     QVERIFY(addThreePlaces(f.store));
