@@ -145,7 +145,7 @@ void TestLicence::everySourceFileCarriesTheLicenceHeader()
     }
     QVERIFY2(missing.isEmpty(), qPrintable(QStringLiteral("without the licence header: ") + missing.join(QLatin1String(", "))));
     // The walk saw the tree: one file of each kind at least.
-    for (const char *known : { "CMakeLists.txt", "src/main.cpp", "src/databasemanager.h", "tests/tst_licence.cpp",
+    for (const char *known : { "CMakeLists.txt", "src/app/main.cpp", "src/store/databasemanager.h", "tests/tst_licence.cpp",
                                "bench/CMakeLists.txt", "scripts/setup.sh", "cmake/Install.cmake", ".ci/run" })
         QVERIFY2(checked.contains(QLatin1String(known)), known);
     QVERIFY(checked.size() > 100);
