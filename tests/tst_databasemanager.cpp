@@ -2,6 +2,7 @@
 // Copyright 2026 The Ledgerly developers
 
 #include "databasemanager.h"
+#include "describedfile.h"
 #include "rawdatabase.h"
 #include "temphome.h"
 #include "testsupport.h"
@@ -77,33 +78,6 @@ const QStringList defaultCategories = {
 const QStringList defaultModes = { QStringLiteral("Default"), QStringLiteral("Money Saving"),
                                    QStringLiteral("Time Saving") };
 
-const QList<QPair<QString, QString>> createStatements = {
-    { QStringLiteral("Category"),
-      QStringLiteral("CREATE TABLE Category (SNo integer PRIMARY KEY AUTOINCREMENT NOT NULL UNIQUE, CategoryName  "
-                     "nvarchar(255) NOT NULL UNIQUE )") },
-    { QStringLiteral("Items"),
-      QStringLiteral("CREATE TABLE Items ( SNo integer PRIMARY KEY AUTOINCREMENT NOT NULL UNIQUE, ItemName "
-                     "nvarchar(255) NOT NULL, CategoryName  nvarchar(255) NOT NULL, CategoryID integer NOT NULL, "
-                     "LastPrice float(50), UseFrequency  integer )") },
-    { QStringLiteral("Mode"),
-      QStringLiteral("CREATE TABLE Mode ( SNo integer PRIMARY KEY AUTOINCREMENT NOT NULL UNIQUE, ModeName  "
-                     "nvarchar(255) NOT NULL )") },
-    { QStringLiteral("HistoricLocation"),
-      QStringLiteral("CREATE TABLE HistoricLocation ( SNo integer PRIMARY KEY AUTOINCREMENT NOT NULL UNIQUE, "
-                     "LocationName nvarchar(255) NOT NULL UNIQUE, LocationLongitude   float(50) NOT NULL, "
-                     "LocationLatitude    float(50) NOT NULL, ReverseGeoLocation  nvarchar(255), CoordinateText "
-                     "nvarchar(255) )") },
-    { QStringLiteral("ItemSubstitutes"),
-      QStringLiteral("CREATE TABLE ItemSubstitutes ( SNo integer PRIMARY KEY AUTOINCREMENT NOT NULL UNIQUE, "
-                     "ItemName nvarchar(255) NOT NULL, SubstituteName  nvarchar(255) NOT NULL, ItemID integer NOT "
-                     "NULL, SubstitueID integer NOT NULL )") },
-    { QStringLiteral("Entry"),
-      QStringLiteral("CREATE TABLE Entry ( SNo integer PRIMARY KEY AUTOINCREMENT NOT NULL UNIQUE, ItemName "
-                     "nvarchar(255) NOT NULL, CategoryName nvarchar(255) NOT NULL, CategoryID integer NOT NULL, "
-                     "TransactDateTime  datetime NOT NULL, Price float(50) NOT NULL, LocationText nvarchar(255), "
-                     "EnableGeoLoc boolean NOT NULL, GeoLocID integer, GeoLocLongit float(50), GeoLocLatit "
-                     "float(50), ItemID integer NOT NULL )") },
-};
 
 QDateTime at(int year, int month, int day, int hour = 0, int minute = 0, int second = 0)
 {
@@ -356,8 +330,8 @@ void tst_DatabaseManager::aNewHomeGetsExactlyTheSixTablesWithTheirCreateStatemen
     RawDatabase raw(home->databasePath());
     const QList<QVariantList> rows = raw.rows(
         QStringLiteral("select name, sql from sqlite_master where type = 'table' and name <> 'sqlite_sequence'"));
-    QCOMPARE(rows.size(), createStatements.size());
-    for (const auto &table : createStatements) {
+    QCOMPARE(rows.size(), describedCreateStatements().size());
+    for (const auto &table : describedCreateStatements()) {
         const QList<QVariantList> matching = raw.rows(
             QStringLiteral("select sql from sqlite_master where type = 'table' and name = '%1'").arg(table.first));
         QCOMPARE(matching.size(), 1);
@@ -454,7 +428,7 @@ void tst_DatabaseManager::aDroppedEntryTableComesBackEmptyWhileTheOthersKeepThei
 
     RawDatabase raw(home->databasePath());
     QCOMPARE(raw.scalar(QStringLiteral("select sql from sqlite_master where name = 'Entry'")).toString(),
-             createStatements.last().second);
+             describedCreateStatements().last().second);
     Entry entry = makeEntry(QStringLiteral("Tea"), QStringLiteral("Drinks"), at(2026, 4, 1), 1.0f);
     QVERIFY(store->AddEntry(&entry));
     QCOMPARE(store->GetTotalNumberOfEntries(), 1);
@@ -1203,7 +1177,7 @@ void tst_DatabaseManager::hardTextRoundTripsThroughAddEntry()
 
     // Every table is still in place, as created.
     RawDatabase raw(home->databasePath());
-    for (const auto &table : createStatements)
+    for (const auto &table : describedCreateStatements())
         QCOMPARE(
             raw.scalar(QStringLiteral("SELECT sql FROM sqlite_master WHERE name = '%1'").arg(table.first)).toString(),
             table.second);

@@ -5,6 +5,7 @@
 #include "historybuckets.h"
 
 #include "temphome.h"
+#include "testsupport.h"
 #include "tiedentries.h"
 
 #include <QtTest>
@@ -71,6 +72,7 @@ private slots:
     void aDayLooksUpItsFirstTotal();
     void weeklyBucketsStartOnTheStartDatesWeekday_data();
     void weeklyBucketsStartOnTheStartDatesWeekday();
+    void theBucketsRunWithoutTheWebEngine();
     void monthlyBucketsAreNamedByMonthAlone_data();
     void monthlyBucketsAreNamedByMonthAlone();
 
@@ -442,6 +444,13 @@ void TestHistoryBuckets::totalSliceLabelsShowTheShareWithATrailingBlank()
     QFETCH(float, global);
     QFETCH(QString, label);
     QCOMPARE(HistoryBuckets::totalSliceLabel(category, total, global), label);
+}
+
+void TestHistoryBuckets::theBucketsRunWithoutTheWebEngine()
+{
+    // The buckets come from a real store; neither needs the web engine,
+    // which only the maps link.
+    QCOMPARE(loadedWebEngineLibraries(), QStringList());
 }
 
 QTEST_GUILESS_MAIN(TestHistoryBuckets)

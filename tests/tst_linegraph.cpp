@@ -5,6 +5,7 @@
 #include "linegraph_p.h"
 
 #include "graphpicture.h"
+#include "testsupport.h"
 #include "widgettest.h"
 
 #include <QDate>
@@ -886,6 +887,10 @@ private slots:
         QVERIFY(!graph.save(dir.filePath("empty.png"), QSize(0, 0)));
         QVERIFY(!QFile::exists(dir.filePath("empty.png")));
     }
+
+    // Last, after every chart above was drawn: the charts need no web
+    // engine, which only the maps link.
+    void theChartsRunWithoutTheWebEngine() { QCOMPARE(loadedWebEngineLibraries(), QStringList()); }
 };
 
 QTEST_MAIN(TestLineGraph)

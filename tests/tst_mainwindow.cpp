@@ -22,6 +22,7 @@
 #include <QComboBox>
 #include <QCompleter>
 #include <QCryptographicHash>
+#include <QElapsedTimer>
 #include <QFile>
 #include <QFrame>
 #include <QGroupBox>
@@ -182,6 +183,8 @@ private slots:
     void theFirstStartWritesTheDailyBackup();
     void aDailyBackupThatCannotBeWrittenIsReportedOnceTheWindowIsShown();
     void withoutADatabaseTheFileCommandsAreOff();
+    void aFileHeldByAnotherProgramStillShowsTheWindowAtOnceAndTellsWhy();
+    void aFileThatTakesNoWritesIsToldOnceAndItsEntriesStillShow();
 
 private:
     // Points the settings at a fresh configuration directory, as a start
@@ -1698,6 +1701,79 @@ void TestMainWindow::withoutADatabaseTheFileCommandsAreOff()
     for (const char *command : { "actionImport", "actionExport", "actionBackUp" })
         QVERIFY2(!action(f.window(), command)->isEnabled(), command);
     QVERIFY(!QDir(Backup::automaticDirectory()).exists());
+}
+
+void TestMainWindow::aFileHeldByAnotherProgramStillShowsTheWindowAtOnceAndTellsWhy()
+{
+    MainWindowFixture f;
+    addTwoEntries(f);
+    // A database browser, say, holds the file for all of the start-up.
+    RawDatabase holder(f.home.databasePath());
+    QVERIFY(holder.exec(QStringLiteral("BEGIN EXCLUSIVE")));
+    MessageBoxAnswerer boxes;
+    boxes.answer({ QMessageBox::Ok, QMessageBox::Ok });
+
+    QElapsedTimer timer;
+    timer.start();
+    f.window();
+    // The store that could not open its file asked the program to end
+    // before the event loop ran; that request is spent here, as the
+    // program's own loop spends it.
+    runPendingEventsAndClearQuit();
+    QVERIFY(f.show());
+    const qint64 shownAfter = timer.elapsed();
+    QVERIFY2(shownAfter < 2000, qPrintable(QString::number(shownAfter)));
+
+    // The file could not be opened; today's backup waited for it as long as
+    // a backup waits, and could not be written either. Both are told once.
+    QTRY_VERIFY2_WITH_TIMEOUT(boxes.seen().size() == 2, qPrintable(boxes.texts().join(QLatin1String(" | "))), 30000);
+    const QStringList texts = boxes.texts();
+    QVERIFY2(texts.at(0).startsWith(QStringLiteral("Ledgerly could not open its database file %1.")
+                                        .arg(f.home.databasePath())),
+             qPrintable(texts.at(0)));
+    QVERIFY2(texts.at(0).contains(QStringLiteral("database is locked")), qPrintable(texts.at(0)));
+    QVERIFY2(texts.at(1).startsWith(QStringLiteral("Ledgerly could not write today's backup of your database into "
+                                                   "%1.")
+                                        .arg(Backup::automaticDirectory())),
+             qPrintable(texts.at(1)));
+    QVERIFY2(texts.at(1).contains(QStringLiteral("database is locked")), qPrintable(texts.at(1)));
+    // The window answered all along, and the backup left nothing behind.
+    QVERIFY(f.window().isVisible());
+    QCOMPARE(QDir(Backup::automaticDirectory()).entryList(QDir::Files | QDir::Hidden), QStringList());
+    QVERIFY(holder.exec(QStringLiteral("ROLLBACK")));
+}
+
+void TestMainWindow::aFileThatTakesNoWritesIsToldOnceAndItsEntriesStillShow()
+{
+    MainWindowFixture f;
+    addTwoEntries(f);
+    // A writing version of the file format above 2 (byte 18) makes SQLite
+    // open the file read-only, whoever runs the test.
+    QByteArray bytes = readFile(f.home.databasePath());
+    bytes[18] = 3;
+    QVERIFY(writeFile(f.home.databasePath(), bytes));
+    const QByteArray before = readFile(f.home.databasePath());
+
+    MessageBoxAnswerer boxes;
+    boxes.answer(QMessageBox::Ok);
+    QVERIFY(f.show());
+    QTRY_COMPARE(boxes.seen().size(), 1);
+    QVERIFY2(boxes.texts().at(0).startsWith(QStringLiteral("Ledgerly can read its database file %1 but cannot write to "
+                                                           "it.\n\n")
+                                                .arg(f.home.databasePath())),
+             qPrintable(boxes.texts().at(0)));
+    QVERIFY2(boxes.texts().at(0).contains(QStringLiteral("readonly database")), qPrintable(boxes.texts().at(0)));
+    VERIFY_BOX_SHAPE(boxes.seen().constFirst(), BoxKind::Warning);
+
+    // What the file holds still shows, and the daily backup (which only
+    // reads) is written.
+    f.click("pushButtonHistory");
+    auto *history = qobject_cast<HistoryWidget *>(f.page());
+    QVERIFY(history);
+    QTRY_COMPARE(QDir(Backup::automaticDirectory()).entryList(QDir::Files).size(), 1);
+    runPendingEventsAndClearQuit();
+    QCOMPARE(boxes.seen().size(), 1);
+    QCOMPARE(readFile(f.home.databasePath()), before);
 }
 
 QTEST_MAIN(TestMainWindow)

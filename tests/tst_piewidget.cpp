@@ -2,6 +2,7 @@
 // Copyright 2026 The Ledgerly developers
 
 #include "piewidget.h"
+#include "testsupport.h"
 #include "widgettest.h"
 
 #include <QColor>
@@ -396,6 +397,10 @@ private slots:
         // No value or share after the label.
         QCOMPARE(inkBetween(textRight + 2, 390), 0);
     }
+
+    // Last, after every chart above was drawn: the charts need no web
+    // engine, which only the maps link.
+    void theChartsRunWithoutTheWebEngine() { QCOMPARE(loadedWebEngineLibraries(), QStringList()); }
 };
 
 QTEST_MAIN(TestPieWidget)

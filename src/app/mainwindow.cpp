@@ -5,6 +5,7 @@
 #include "ui_mainwindow.h"
 
 #include "addentrywidget.h"
+#include "automaticbackup.h"
 #include "backup.h"
 #include "csvformat.h"
 #include "databasemanager.h"
@@ -75,14 +76,20 @@ MainWindow::MainWindow(QWidget *parent) : QMainWindow(parent), ui(new Ui::MainWi
     if (dbManager->GetTotalNumberOfEntries() > 0)
         IsEntryPresentInDatabase = true;
 
-    if (dbManager->isUsable()) {
-        // Never in the way of the program: a failure is told once the window
-        // is on screen.
-        const Backup::Outcome daily = Backup::writeAutomatic(*dbManager, Backup::automaticDirectory());
-        if (!daily.written && !daily.failure.isEmpty()) {
-            automaticBackupFailure = daily.failure;
-            QMetaObject::invokeMethod(this, &MainWindow::reportAutomaticBackupFailure, Qt::QueuedConnection);
-        }
+    // The daily backup never holds the window up: it runs from the event
+    // loop once the window is on screen, on a connection of its own, also
+    // while another program holds the file (it waits for it a while), and
+    // a failure is told then.
+    if (dbManager->isUsable() || dbManager->isHeldByAnotherProgram()) {
+        auto *daily = new AutomaticBackup(dbManager->databaseFileName(), Backup::automaticDirectory(),
+                                          QDateTime::currentDateTime(), this);
+        connect(daily, &AutomaticBackup::finished, this, [this](const Backup::Outcome &outcome) {
+            if (!outcome.written && !outcome.failure.isEmpty()) {
+                automaticBackupFailure = outcome.failure;
+                reportAutomaticBackupFailure();
+            }
+        });
+        daily->start();
     }
 
     setUpPageArea();
@@ -93,6 +100,8 @@ MainWindow::MainWindow(QWidget *parent) : QMainWindow(parent), ui(new Ui::MainWi
     if (!dbManager->isUsable()) {
         // Queued so that the window is on screen before the message shows.
         QMetaObject::invokeMethod(this, &MainWindow::reportUnusableDatabase, Qt::QueuedConnection);
+    } else if (!dbManager->writeProblem().isEmpty()) {
+        QMetaObject::invokeMethod(this, &MainWindow::reportUnwritableDatabase, Qt::QueuedConnection);
     }
 }
 
@@ -242,6 +251,14 @@ void MainWindow::reportUnusableDatabase()
     Notice::warn(tr("Ledgerly could not open its database file %1.\n\n%2\n\n"
                     "Nothing can be recorded or shown in this session. The file has not been changed.")
                      .arg(dbManager->databaseFileName(), dbManager->openError()));
+}
+
+void MainWindow::reportUnwritableDatabase()
+{
+    Notice::warn(tr("Ledgerly can read its database file %1 but cannot write to it.\n\n%2\n\n"
+                    "Your entries are shown, but nothing you record or change in this session can be stored. "
+                    "The file has not been changed.")
+                     .arg(dbManager->databaseFileName(), dbManager->writeProblem()));
 }
 
 void MainWindow::reportAutomaticBackupFailure()

@@ -52,6 +52,7 @@ private:
     void saveWindowGeometry() const;
     void showDataPage(QWidget *page);
     void reportUnusableDatabase();
+    void reportUnwritableDatabase();
     void reportAutomaticBackupFailure();
 
     void importEntries();

@@ -108,10 +108,7 @@ QString Backup::automaticFileName(const QDateTime &when)
 Backup::Outcome Backup::writeAutomatic(DatabaseManager &store, const QString &directory, const QDateTime &now)
 {
     Outcome outcome;
-    const QMap<QDateTime, QString> before = automaticBackups(directory);
-    // A backup "from the future" (the clock was set back) does not hold the
-    // next one off for days.
-    if (!before.isEmpty() && before.lastKey() <= now && before.lastKey().secsTo(now) < 24 * 60 * 60)
+    if (!automaticIsDue(directory, now))
         return outcome;
 
     if (!QDir().mkpath(directory)) {
@@ -122,9 +119,22 @@ Backup::Outcome Backup::writeAutomatic(DatabaseManager &store, const QString &di
     if (!outcome.written)
         return outcome;
 
+    keepNewestAutomatic(directory);
+    return outcome;
+}
+
+bool Backup::automaticIsDue(const QString &directory, const QDateTime &now)
+{
+    const QMap<QDateTime, QString> before = automaticBackups(directory);
+    // A backup "from the future" (the clock was set back) does not hold the
+    // next one off for days.
+    return before.isEmpty() || before.lastKey() > now || before.lastKey().secsTo(now) >= 24 * 60 * 60;
+}
+
+void Backup::keepNewestAutomatic(const QString &directory)
+{
     const QMap<QDateTime, QString> after = automaticBackups(directory);
     qsizetype surplus = after.size() - kept;
     for (auto backup = after.cbegin(); surplus > 0; ++backup, --surplus)
         QFile::remove(backup.value());
-    return outcome;
 }

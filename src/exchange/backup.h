@@ -46,4 +46,10 @@ public:
     // automatic backups are left alone.
     static Outcome writeAutomatic(DatabaseManager &store, const QString &directory,
                                   const QDateTime &now = QDateTime::currentDateTime());
+    // Whether an automatic backup is due in `directory` at `now`: none
+    // there yet, or the newest a day or more old (or from the future: the
+    // clock was set back).
+    static bool automaticIsDue(const QString &directory, const QDateTime &now);
+    // Removes all but the newest `kept` automatic backups in `directory`.
+    static void keepNewestAutomatic(const QString &directory);
 };

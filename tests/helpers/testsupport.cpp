@@ -16,13 +16,16 @@
 #include <QThread>
 #include <QTimer>
 
-QStringList loadedGuiLibraries()
+namespace {
+
+// The Qt libraries whose names match `names` that the process has loaded.
+QStringList loadedQtLibraries(const QString &names)
 {
     // Every file the process has mapped, code and data alike, one a line.
     QFile maps(QStringLiteral("/proc/self/maps"));
     if (!maps.open(QIODevice::ReadOnly | QIODevice::Text))
         return { QStringLiteral("(cannot read /proc/self/maps)") };
-    const QRegularExpression gui(QStringLiteral("/(libQt6(Gui|Widgets|WebEngine\\w*)\\.so[.0-9]*)$"));
+    const QRegularExpression gui(QStringLiteral("/(libQt6(%1)\\.so[.0-9]*)$").arg(names));
     QStringList libraries;
     const QStringList lines = QString::fromLocal8Bit(maps.readAll()).split(QLatin1Char('\n'));
     for (const QString &line : lines) {
@@ -31,6 +34,18 @@ QStringList loadedGuiLibraries()
             libraries.append(match.captured(1));
     }
     return libraries;
+}
+
+} // namespace
+
+QStringList loadedGuiLibraries()
+{
+    return loadedQtLibraries(QStringLiteral("Gui|Widgets|WebEngine\\w*"));
+}
+
+QStringList loadedWebEngineLibraries()
+{
+    return loadedQtLibraries(QStringLiteral("WebEngine\\w*"));
 }
 
 void runPendingEventsAndClearQuit()

@@ -17,6 +17,8 @@ class DatabaseManager;
 // The Qt GUI libraries (Gui, Widgets, any WebEngine part) mapped into this
 // process, by file name; empty for a process that runs without a display.
 QStringList loadedGuiLibraries();
+// The Qt WebEngine libraries the process has loaded.
+QStringList loadedWebEngineLibraries();
 
 // A store that cannot open its file asks the application to quit, as the
 // program always has. Before the event loop runs, Qt 6 keeps that request
