@@ -26,6 +26,9 @@ packages=(
     cmake g++ make pkg-config
     qt6-base-dev qt6-base-dev-tools qt6-qpa-plugins libqt6sql6-sqlite qt6-webengine-dev
     libjs-leaflet libsqlite3-dev xvfb xauth
+    # scripts/run.sh without a display: an X server of its own shown over
+    # VNC on the loopback addresses, and ss to see that the port listens.
+    x11vnc iproute2
     # Packaging and its tests: dpkg-shlibdeps, the desktop entry's and the
     # metainfo's validators, xwininfo and xprop.
     dpkg-dev desktop-file-utils appstream x11-utils
