@@ -32,6 +32,10 @@ packages=(
     # Packaging and its tests: dpkg-shlibdeps, the desktop entry's and the
     # metainfo's validators, xwininfo and xprop.
     dpkg-dev desktop-file-utils appstream x11-utils
+    # The package's manual page is made by help2man; lintian checks the
+    # package; bash-completion says where completions go and loads them in
+    # the completion test.
+    help2man lintian bash-completion
     # scripts/screenshots.sh shrinks its pictures.
     optipng
 )

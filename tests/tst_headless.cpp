@@ -200,10 +200,9 @@ void TestHeadless::theScreenListensOnLoopbackOnlyAnswersAVncClientAndStopsWithTh
     // The X server, the VNC server and Ledgerly run under the script, and
     // Ledgerly's window is on that X server.
     QMap<qint64, QString> processes;
-    QTRY_COMPARE_WITH_TIMEOUT(sortedNames(processes = descendants(fallback.processId())),
-                              QStringList({ QStringLiteral("Xvfb"), QStringLiteral("ledgerly"),
-                                            QStringLiteral("x11vnc") }),
-                              30000);
+    QTRY_COMPARE_WITH_TIMEOUT(
+        sortedNames(processes = descendants(fallback.processId())),
+        QStringList({ QStringLiteral("Xvfb"), QStringLiteral("ledgerly"), QStringLiteral("x11vnc") }), 30000);
     const qint64 program = processes.key(QStringLiteral("ledgerly"));
     const QByteArray environ = readProcFile(QStringLiteral("/proc/%1/environ").arg(program));
     QString display;
@@ -242,9 +241,9 @@ void TestHeadless::whenTheProgramEndsTheServersStopAndItsStatusIsTheScripts()
     QVERIFY2(fallback.waitForStarted(), qPrintable(fallback.errorString()));
 
     QMap<qint64, QString> processes;
-    QTRY_COMPARE_WITH_TIMEOUT(
-        sortedNames(processes = descendants(fallback.processId())),
-        QStringList({ QStringLiteral("Xvfb"), QStringLiteral("sh"), QStringLiteral("x11vnc") }), 60000);
+    QTRY_COMPARE_WITH_TIMEOUT(sortedNames(processes = descendants(fallback.processId())),
+                              QStringList({ QStringLiteral("Xvfb"), QStringLiteral("sh"), QStringLiteral("x11vnc") }),
+                              60000);
     QCOMPARE(listeners(port).value(0), QStringLiteral("127.0.0.1:%1").arg(port));
 
     fallback.closeWriteChannel();
@@ -270,9 +269,9 @@ void TestHeadless::aTakenPortIsRefusedBeforeAnythingStarts()
     QVERIFY(fallback.waitForFinished(30000));
     QCOMPARE(fallback.exitCode(), 1);
     QCOMPARE(QString::fromLocal8Bit(fallback.readAllStandardOutput()), QString());
-    QCOMPARE(QString::fromLocal8Bit(fallback.readAllStandardError()),
-             QStringLiteral("Port %1 is already taken: choose another with LEDGERLY_VNC_PORT.\n")
-                 .arg(taken.serverPort()));
+    QCOMPARE(
+        QString::fromLocal8Bit(fallback.readAllStandardError()),
+        QStringLiteral("Port %1 is already taken: choose another with LEDGERLY_VNC_PORT.\n").arg(taken.serverPort()));
 }
 
 QTEST_GUILESS_MAIN(TestHeadless)
