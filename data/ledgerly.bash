@@ -35,7 +35,7 @@ _ledgerly()
             Options:) section=options; continue ;;
             Arguments:) section=arguments; continue ;;
         esac
-        if [[ $section == description && $line =~ ^\ \ ([a-z][a-z-]*)(\ ([A-Z][A-Z_]*))?\ \  ]]; then
+        if [[ $section == description && $line =~ ^\ \ ([a-z][a-z-]*)(\ ([A-Z][A-Z_]*))?(\ |$) ]]; then
             commands+=("${BASH_REMATCH[1]}")
             command_argument[${BASH_REMATCH[1]}]=${BASH_REMATCH[3]}
         elif [[ $section == options && $line =~ ^\ \ (-[[:alnum:]],\ )?(--[[:alnum:]-]+)(\ \<([^>]*)\>)?\ +(.*)$ ]]; then

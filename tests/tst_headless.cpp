@@ -127,6 +127,16 @@ QProcessEnvironment withoutDisplay(const QString &home, quint16 port)
     return environment;
 }
 
+// Starts the script on the given home, as a terminal without a display
+// would, with the program and its arguments.
+bool start(QProcess &fallback, const QString &home, quint16 port, const QStringList &program)
+{
+    fallback.setProcessEnvironment(withoutDisplay(home, port));
+    fallback.setWorkingDirectory(home);
+    fallback.start(script, program);
+    return fallback.waitForStarted();
+}
+
 // Ends the script the way a signal would, so that it stops what it started
 // even when a check fails half-way (QProcess itself would kill the script
 // alone and leave its servers running).
@@ -167,10 +177,8 @@ void TestHeadless::theScreenListensOnLoopbackOnlyAnswersAVncClientAndStopsWithTh
     const quint16 port = freePort();
     QProcess fallback;
     const Stopper stopper(fallback);
-    fallback.setProcessEnvironment(withoutDisplay(home.path(), port));
-    fallback.setWorkingDirectory(home.path());
-    fallback.start(script, { QStringLiteral(LEDGERLY_PROGRAM) });
-    QVERIFY2(fallback.waitForStarted(), qPrintable(fallback.errorString()));
+    QVERIFY2(start(fallback, home.path(), port, { QStringLiteral(LEDGERLY_PROGRAM) }),
+             qPrintable(fallback.errorString()));
 
     // The script says where to connect once the VNC server listens, and
     // then starts the program.
@@ -235,10 +243,10 @@ void TestHeadless::whenTheProgramEndsTheServersStopAndItsStatusIsTheScripts()
     const quint16 port = freePort();
     QProcess fallback;
     const Stopper stopper(fallback);
-    fallback.setProcessEnvironment(withoutDisplay(home.path(), port));
     // A program that runs until its input ends, then fails with status 3.
-    fallback.start(script, { QStringLiteral("sh"), QStringLiteral("-c"), QStringLiteral("read line; exit 3") });
-    QVERIFY2(fallback.waitForStarted(), qPrintable(fallback.errorString()));
+    QVERIFY2(start(fallback, home.path(), port,
+                   { QStringLiteral("sh"), QStringLiteral("-c"), QStringLiteral("read line; exit 3") }),
+             qPrintable(fallback.errorString()));
 
     QMap<qint64, QString> processes;
     QTRY_COMPARE_WITH_TIMEOUT(sortedNames(processes = descendants(fallback.processId())),

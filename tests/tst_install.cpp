@@ -32,10 +32,12 @@ struct Run
 };
 
 Run run(const QString &program, const QStringList &arguments,
-        const QProcessEnvironment &environment = QProcessEnvironment::systemEnvironment(), int timeoutMs = 120000)
+        const QProcessEnvironment &environment = QProcessEnvironment::systemEnvironment(), int timeoutMs = 120000,
+        const QString &workingDir = QString())
 {
     QProcess process;
     process.setProcessEnvironment(environment);
+    process.setWorkingDirectory(workingDir);
     process.start(program, arguments);
     Run result;
     result.finished = process.waitForFinished(timeoutMs);
@@ -99,7 +101,7 @@ struct HelpText
 HelpText parseHelp(const QString &text)
 {
     HelpText help;
-    static const QRegularExpression command(QStringLiteral("^  ([a-z][a-z-]*)( [A-Z]+)?  "));
+    static const QRegularExpression command(QStringLiteral("^  ([a-z][a-z-]*)( |$)"));
     static const QRegularExpression option(
         QStringLiteral("^  (?:(-[a-zA-Z0-9]), )?(--[a-zA-Z0-9-]+)(?: <([^>]*)>)? +(?:([a-z][a-z-]*): )?"));
     enum { Description, Options, Arguments } section = Description;
@@ -158,11 +160,16 @@ private slots:
     void theCopyrightFileIsMachineReadable();
     void bashCompletesCommandsOptionsValuesAndFiles_data();
     void bashCompletesCommandsOptionsValuesAndFiles();
+    void bashCompletesWhatALaterHelpListsWithoutAChangeToTheFile_data();
+    void bashCompletesWhatALaterHelpListsWithoutAChangeToTheFile();
 
 private:
     // The installed manual page as a terminal shows it; empty, with a
     // warning, when groff fails or warns.
     QString renderedManualPage();
+    // A line completed by the installed completion file in bash, with the
+    // ledgerly of programDir, in workingDir.
+    Run completeInBash(const QString &line, const QString &programDir, const QString &workingDir);
 
     QTemporaryDir m_work;
     QString m_prefix;
@@ -717,14 +724,86 @@ void TestInstall::bashCompletesCommandsOptionsValuesAndFiles()
     for (const char *name : { "a.csv", "b.qif", "c.ofx", "d.QFX", "e.txt" })
         QVERIFY(writeFile(directory.filePath(QLatin1String(name)), "x"));
     QVERIFY(QDir(directory.path()).mkdir(QStringLiteral("sub")));
-    QTemporaryDir home;
-    QVERIFY(home.isValid());
+    const Run bash = completeInBash(line, m_prefix + QStringLiteral("/bin"), directory.path());
+    QVERIFY2(bash.finished && bash.exitCode == 0, qPrintable(describe(bash)));
+    QCOMPARE(QString::fromUtf8(bash.err), QString());
+    QStringList completions = QString::fromUtf8(bash.out).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+    completions.sort();
+    expected.sort();
+    QCOMPARE(completions, expected);
+}
 
+void TestInstall::bashCompletesWhatALaterHelpListsWithoutAChangeToTheFile_data()
+{
+    QTest::addColumn<QString>("line");
+    QTest::addColumn<QStringList>("expected");
+    QTest::newRow("a new command") << "ledgerly re" << QStringList { QStringLiteral("report") };
+    QTest::newRow("a longer list of date orders")
+        << "ledgerly import x --date-order "
+        << QStringList { QStringLiteral("mdy"), QStringLiteral("dmy"), QStringLiteral("ymd") };
+    QTest::newRow("a new option's values") << "ledgerly report --period w" << QStringList { QStringLiteral("week") };
+    QTest::newRow("the new command's options")
+        << "ledgerly report --" << QStringList { QStringLiteral("--help"), QStringLiteral("--period") };
+    QTest::newRow("saved profiles") << "ledgerly import x --profile "
+                                    << QStringList { QStringLiteral("Bank"), QStringLiteral("Card 2") };
+}
+
+void TestInstall::bashCompletesWhatALaterHelpListsWithoutAChangeToTheFile()
+{
+    QFETCH(QString, line);
+    QFETCH(QStringList, expected);
+
+    // The installed completion file, in front of a ledgerly whose help lists
+    // a command, options and values this version does not have, and whose
+    // profiles command lists two saved profiles.
+    QTemporaryDir bin;
+    QVERIFY(bin.isValid());
+    const QString later = bin.filePath(QStringLiteral("ledgerly"));
+    QVERIFY(writeFile(later, R"(#!/bin/sh
+case "$1" in
+--help) cat <<'HELP'
+Usage: ledgerly [options] [command FILE]
+Ledgerly keeps track of what you spend.
+
+Commands, on the database ~/ledgerlydatabase.db:
+  export FILE   Writes every entry into FILE.
+  import FILE   Adds the entries of a file.
+  profiles      Lists the saved import profiles.
+  report        Prints what was spent.
+
+Options:
+  -h, --help                  Displays help on commandline options.
+  --date-order <mdy|dmy|ymd>  import: the order of dates that the file leaves
+                              open.
+  --profile <name>            import: the saved profile to read the file
+                              with.
+  --period <day|week|month>   report: what to sum by.
+HELP
+;;
+profiles) printf 'Bank
+Card 2
+' ;;
+*) exit 2 ;;
+esac
+)"));
+    QVERIFY(QFile::setPermissions(later, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
+
+    const Run bash = completeInBash(line, bin.path(), bin.path());
+    QVERIFY2(bash.finished && bash.exitCode == 0, qPrintable(describe(bash)));
+    QCOMPARE(QString::fromUtf8(bash.err), QString());
+    QStringList completions = QString::fromUtf8(bash.out).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+    completions.sort();
+    expected.sort();
+    QCOMPARE(completions, expected);
+}
+
+Run TestInstall::completeInBash(const QString &line, const QString &programDir, const QString &workingDir)
+{
     // bash-completion as an interactive shell has it, finding the installed
     // file under the prefix by the command's name the way it does on the
     // first Tab; then the line split into words as bash splits it (an
     // equals sign is a word of its own) and the completion function called
-    // as bash calls it.
+    // as bash calls it. It prints one completion a line.
     const QString driver = QStringLiteral(R"(
 source /usr/share/bash-completion/bash_completion
 __load_completion ledgerly || { echo "no completion for ledgerly" >&2; exit 10; }
@@ -740,26 +819,16 @@ COMPREPLY=()
 "$function" ledgerly "${COMP_WORDS[COMP_CWORD]}" "${COMP_WORDS[COMP_CWORD - 1]}"
 printf '%s\n' "${COMPREPLY[@]}"
 )");
+    QTemporaryDir home;
     QProcessEnvironment environment = withoutDisplay();
     environment.insert(QStringLiteral("HOME"), home.path());
     environment.insert(QStringLiteral("XDG_DATA_DIRS"), m_prefix + QStringLiteral("/share"));
     environment.remove(QStringLiteral("XDG_DATA_HOME"));
     environment.remove(QStringLiteral("BASH_COMPLETION_USER_DIR"));
     environment.insert(QStringLiteral("PATH"),
-                       m_prefix + QStringLiteral("/bin:") + environment.value(QStringLiteral("PATH")));
-    QProcess bash;
-    bash.setProcessEnvironment(environment);
-    bash.setWorkingDirectory(directory.path());
-    bash.start(QStringLiteral("bash"), { QStringLiteral("-c"), driver, QStringLiteral("bash"), line });
-    QVERIFY(bash.waitForFinished(60000));
-    const QString err = QString::fromUtf8(bash.readAllStandardError());
-    QVERIFY2(bash.exitCode() == 0, qPrintable(err));
-    QCOMPARE(err, QString());
-    QStringList completions = QString::fromUtf8(bash.readAllStandardOutput()).split(QLatin1Char('\n'));
-    completions.removeAll(QString());
-    completions.sort();
-    expected.sort();
-    QCOMPARE(completions, expected);
+                       programDir + QLatin1Char(':') + environment.value(QStringLiteral("PATH")));
+    return run(QStringLiteral("bash"), { QStringLiteral("-c"), driver, QStringLiteral("bash"), line }, environment,
+               60000, workingDir);
 }
 
 QString TestInstall::renderedManualPage()
