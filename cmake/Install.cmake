@@ -64,11 +64,17 @@ install(FILES "${PROJECT_SOURCE_DIR}/data/copyright" "${LEDGERLY_DATA_DIR}/chang
 # release date stands in for the build's date so that the page is the same
 # from build to build.
 find_program(LEDGERLY_HELP2MAN help2man REQUIRED)
+# A sanitizer build's program would fail on Qt's allocations kept until exit,
+# which are no concern of the page.
+set(sanitizer_environment "")
+if(LEDGERLY_SANITIZE OR LEDGERLY_FUZZ)
+    set(sanitizer_environment "ASAN_OPTIONS=detect_leaks=0")
+endif()
 set(LEDGERLY_MANUAL_PAGE "${LEDGERLY_DATA_DIR}/ledgerly.1")
 set(LEDGERLY_MANUAL_PAGE_INCLUDE "${PROJECT_SOURCE_DIR}/data/ledgerly.h2m")
 add_custom_command(OUTPUT "${LEDGERLY_MANUAL_PAGE}.gz"
     COMMAND "${CMAKE_COMMAND}" -E env --unset=DISPLAY --unset=WAYLAND_DISPLAY --unset=QT_QPA_PLATFORM
-        "HOME=~" "SOURCE_DATE_EPOCH=${LEDGERLY_RELEASE_EPOCH}" LC_ALL=C.UTF-8
+        "HOME=~" "SOURCE_DATE_EPOCH=${LEDGERLY_RELEASE_EPOCH}" LC_ALL=C.UTF-8 ${sanitizer_environment}
         "${LEDGERLY_HELP2MAN}" --no-info --section=1 "--include=${LEDGERLY_MANUAL_PAGE_INCLUDE}"
         "--output=${LEDGERLY_MANUAL_PAGE}" "$<TARGET_FILE:ledgerly>"
     COMMAND "${LEDGERLY_GZIP}" -9nf "${LEDGERLY_MANUAL_PAGE}"
