@@ -27,7 +27,7 @@ endif()
 set(CPACK_GENERATOR "DEB")
 set(CPACK_PACKAGE_NAME "ledgerly")
 set(CPACK_PACKAGE_VENDOR "The Ledgerly developers")
-set(CPACK_PACKAGE_CONTACT "The Ledgerly developers <maintainers@ledgerly.org>")
+set(CPACK_PACKAGE_CONTACT "${LEDGERLY_MAINTAINER}")
 set(CPACK_PACKAGE_DIRECTORY "${PROJECT_BINARY_DIR}")
 # Debian strips its binaries; the debug information stays in the build tree.
 set(CPACK_STRIP_FILES ON)

@@ -2,7 +2,9 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
 # Copyright 2026 The Ledgerly developers
 # Builds Ledgerly's Debian package, build/ledgerly_<version>_<arch>.deb, from
-# the install rules. Install it with: sudo apt install ./build/ledgerly_*.deb
+# the install rules, and checks it with lintian, Debian's package checker,
+# when that is installed (setup.sh installs it): an error or a warning fails
+# the script. Install it with: sudo apt install ./build/ledgerly_*.deb
 #
 #   BUILD_DIR  build directory (default: build)
 set -euo pipefail
@@ -13,3 +15,7 @@ build_dir="${BUILD_DIR:-$root/build}"
 LEDGERLY_SANITIZE=OFF BUILD_DIR="$build_dir" "$root/scripts/setup.sh"
 cd "$build_dir"
 cpack -G DEB
+if command -v lintian >/dev/null; then
+    version="$(sed -n 's/^CMAKE_PROJECT_VERSION:STATIC=//p' CMakeCache.txt)"
+    lintian --fail-on error,warning "ledgerly_${version}_$(dpkg --print-architecture).deb"
+fi

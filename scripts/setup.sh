@@ -26,9 +26,16 @@ packages=(
     cmake g++ make pkg-config
     qt6-base-dev qt6-base-dev-tools qt6-qpa-plugins libqt6sql6-sqlite qt6-webengine-dev
     libjs-leaflet libsqlite3-dev xvfb xauth
+    # scripts/run.sh without a display: an X server of its own shown over
+    # VNC on the loopback addresses, and ss to see that the port listens.
+    x11vnc iproute2
     # Packaging and its tests: dpkg-shlibdeps, the desktop entry's and the
     # metainfo's validators, xwininfo and xprop.
     dpkg-dev desktop-file-utils appstream x11-utils
+    # The package's manual page is made by help2man; lintian checks the
+    # package; bash-completion says where completions go and loads them in
+    # the completion test.
+    help2man lintian bash-completion
     # scripts/screenshots.sh shrinks its pictures.
     optipng
 )
