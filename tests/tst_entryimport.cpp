@@ -260,7 +260,8 @@ void TestEntryImport::aCancelledImportWritesNothing()
     for (int i = 0; i < 700; ++i)
         entries.append({ i + 2,
                          makeEntry(at(2026, 1, 1).addSecs(i * 60), QStringLiteral("Item %1").arg(i % 9),
-                                   QStringLiteral("New %1").arg(i % 3), 1.0f + i) });
+                                   QStringLiteral("New %1").arg(i % 3), 1.0f + i),
+                         QString() });
     QList<qint64> told;
     const EntryImport::Outcome outcome = EntryImport::write(*store, entries, [&](qint64 done, qint64 total) {
         told.append(total);
@@ -277,7 +278,8 @@ void TestEntryImport::progressIsToldInStepsUpToTheTotal()
     QList<EntryFileContents::LineEntry> entries;
     for (int i = 0; i < 600; ++i)
         entries.append(
-            { i + 2, makeEntry(at(2026, 1, 1).addSecs(i), QStringLiteral("Tea"), QStringLiteral("Drinks"), 1.0f) });
+            { i + 2, makeEntry(at(2026, 1, 1).addSecs(i), QStringLiteral("Tea"), QStringLiteral("Drinks"), 1.0f),
+              QString() });
     QList<QPair<qint64, qint64>> told;
     const EntryImport::Outcome outcome = EntryImport::write(*store, entries, [&](qint64 done, qint64 total) {
         told.append({ done, total });

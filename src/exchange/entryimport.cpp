@@ -25,7 +25,8 @@ const qint64 largestFile = qint64(256) * 1024 * 1024;
 
 } // namespace
 
-EntryFileContents EntryImport::read(const QString &fileName, QifFormat::DateOrder openDateOrder)
+EntryFileContents EntryImport::read(const QString &fileName, std::optional<QifFormat::DateOrder> dateOrder,
+                                    std::optional<TextEncoding::Kind> encoding)
 {
     EntryFileContents contents;
     const bool csv = CsvFormat::matches(fileName);
@@ -47,7 +48,7 @@ EntryFileContents EntryImport::read(const QString &fileName, QifFormat::DateOrde
         contents.addProblem(0, tr("%1 cannot be read: %2").arg(fileName, file.errorString()));
         return contents;
     }
-    return csv ? CsvFormat::read(bytes) : QifFormat::read(bytes, openDateOrder);
+    return csv ? CsvFormat::read(bytes) : QifFormat::read(bytes, dateOrder, encoding);
 }
 
 EntryImport::Outcome EntryImport::write(DatabaseManager &store, const QList<EntryFileContents::LineEntry> &entries,

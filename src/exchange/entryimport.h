@@ -18,10 +18,12 @@ class EntryImport
 {
 public:
     // Reads and checks the file; nothing is written. The format is the
-    // file name's: .csv or .qif, in any case. QIF dates whose day and month
-    // order the file leaves open read with `openDateOrder`.
+    // file name's: .csv or .qif, in any case. QIF dates read in
+    // `dateOrder` when it is given, whatever the file seems to say; the
+    // text in `encoding` when it is given (see QifFormat::read()).
     static EntryFileContents read(const QString &fileName,
-                                  QifFormat::DateOrder openDateOrder = QifFormat::DateOrder::MonthFirst);
+                                  std::optional<QifFormat::DateOrder> dateOrder = std::nullopt,
+                                  std::optional<TextEncoding::Kind> encoding = std::nullopt);
 
     struct Outcome
     {
