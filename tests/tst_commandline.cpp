@@ -62,6 +62,7 @@ private slots:
     void aFileThatIsRefusedImportsNothing();
     void dateOrderDecidesDatesTheFileLeavesOpen_data();
     void dateOrderDecidesDatesTheFileLeavesOpen();
+    void anEncodingAskedForReadsTheTextInIt();
 
     void backupWritesACopyThatOpensWithTheSameRows();
     void backupKeepsAnExistingFileUnlessForced();
@@ -156,7 +157,8 @@ void TestCommandLine::helpListsTheCommandsAndOptions()
            QStringLiteral("Exit status: 0 when done, 1 when the data or a file is refused, 2 for a usage error.") })
         QVERIFY2(run.out.contains(QLatin1Char('\n') + line + QLatin1Char('\n')), qPrintable(line));
     for (const char *option :
-         { "\n  -h, --help ", "\n  -v, --version ", "\n  --date-order <mdy|dmy> ", "\n  --force " })
+         { "\n  -h, --help ", "\n  -v, --version ", "\n  --date-order <mdy|dmy|ymd> ", "\n  --encoding <NAME> ",
+           "\n  --force " })
         QVERIFY2(run.out.contains(QLatin1String(option)), option);
     QVERIFY(!QFile::exists(home->databasePath()));
 }
@@ -176,8 +178,13 @@ void TestCommandLine::usageErrorsExitWith2AndTouchNothing_data()
         << QStringList { "export", "out.xlsx" } << QStringLiteral("out.xlsx names no .csv or .qif file.");
     QTest::newRow("import of another format")
         << QStringList { "import", "bank.ofx" } << QStringLiteral("bank.ofx names no .csv or .qif file.");
-    QTest::newRow("date order of another kind") << QStringList { "import", "bank.qif", "--date-order", "ymd" }
-                                                << QStringLiteral("--date-order is mdy or dmy, not \"ymd\".");
+    QTest::newRow("date order of another kind") << QStringList { "import", "bank.qif", "--date-order", "dym" }
+                                                << QStringLiteral("--date-order is mdy, dmy or ymd, not \"dym\".");
+    QTest::newRow("encoding of another kind")
+        << QStringList { "import", "bank.qif", "--encoding", "EBCDIC" }
+        << QStringLiteral("--encoding is one of UTF-8, UTF-16LE, UTF-16BE, Windows-1252, ISO-8859-1, not \"EBCDIC\".");
+    QTest::newRow("encoding with backup") << QStringList { "backup", "copy.db", "--encoding", "UTF-8" }
+                                          << QStringLiteral("--encoding goes with import only.");
     QTest::newRow("date order without a value") << QStringList { "import", "bank.qif", "--date-order" }
                                                 << QStringLiteral("Missing value after '--date-order'.");
     QTest::newRow("date order with export") << QStringList { "export", "out.qif", "--date-order", "dmy" }
@@ -367,6 +374,7 @@ void TestCommandLine::dateOrderDecidesDatesTheFileLeavesOpen_data()
     QTest::newRow("mdy") << QStringList { "--date-order", "mdy" } << QStringLiteral("2026-03-04T00:00:00");
     QTest::newRow("dmy") << QStringList { "--date-order", "dmy" } << QStringLiteral("2026-04-03T00:00:00");
     QTest::newRow("dmy, written with =") << QStringList { "--date-order=dmy" } << QStringLiteral("2026-04-03T00:00:00");
+    QTest::newRow("ymd") << QStringList { "--date-order", "ymd" } << QStringLiteral("2026-03-04T00:00:00");
 }
 
 void TestCommandLine::dateOrderDecidesDatesTheFileLeavesOpen()
@@ -374,13 +382,27 @@ void TestCommandLine::dateOrderDecidesDatesTheFileLeavesOpen()
     QFETCH(QStringList, options);
     QFETCH(QString, stored);
     const QString file = home->filePath(QStringLiteral("open.qif"));
-    QVERIFY(writeFile(file, "!Type:Cash\r\nD03/04/2026\r\nT-2\r\nMTea\r\nLDrinks\r\n^\r\n"));
+    // Year first, 26/03/04 is the same day as 03/04/2026 month first.
+    const QByteArray date = options.contains(QLatin1String("ymd")) ? "26/03/04" : "03/04/2026";
+    QVERIFY(writeFile(file, "!Type:Cash\r\nD" + date + "\r\nT-2\r\nMTea\r\nLDrinks\r\n^\r\n"));
     const Run run = runLedgerly(QStringList { QStringLiteral("import"), file } + options, home->path());
     QCOMPARE(run.err, QString());
     QCOMPARE(run.exitCode, 0);
     QCOMPARE(run.out, QStringLiteral("Imported 1 entry from %1; skipped 0\n").arg(file));
     RawDatabase raw(home->databasePath());
     QCOMPARE(raw.scalar(QStringLiteral("select TransactDateTime from Entry")).toString(), stored);
+}
+
+void TestCommandLine::anEncodingAskedForReadsTheTextInIt()
+{
+    const QString file = home->filePath(QStringLiteral("bank.qif"));
+    QVERIFY(writeFile(file, "!Type:Bank\r\nD03/04/2026\r\nT-2\r\nPCaf\xC3\xA9\r\n^\r\n"));
+    const Run run = runLedgerly({ QStringLiteral("import"), file, QStringLiteral("--encoding"), QStringLiteral("cp1252") },
+                                home->path());
+    QCOMPARE(run.err, QString());
+    QCOMPARE(run.exitCode, 0);
+    RawDatabase raw(home->databasePath());
+    QCOMPARE(raw.scalar(QStringLiteral("select LocationText from Entry")).toString(), QStringLiteral("CafÃ©"));
 }
 
 void TestCommandLine::backupWritesACopyThatOpensWithTheSameRows()

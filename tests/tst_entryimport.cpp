@@ -36,6 +36,38 @@ QStringList storedFields(DatabaseManager &store)
     return lines;
 }
 
+QString realFile(const QString &folder, const QString &name)
+{
+    return QStringLiteral(LEDGERLY_REAL_FILES "/%1/%2").arg(folder, name);
+}
+
+// What a file's entries come to: how many, their sum in cents, the earliest
+// and the latest day.
+struct Totals
+{
+    int count = 0;
+    qint64 cents = 0;
+    QDate first;
+    QDate last;
+};
+
+Totals totalsOf(const QList<EntryFileContents::LineEntry> &entries)
+{
+    Totals totals;
+    double sum = 0;
+    for (const EntryFileContents::LineEntry &read : entries) {
+        const QDate day = read.entry.TransactDateTime.date();
+        ++totals.count;
+        sum += double(read.entry.Price);
+        if (!totals.first.isValid() || day < totals.first)
+            totals.first = day;
+        if (!totals.last.isValid() || day > totals.last)
+            totals.last = day;
+    }
+    totals.cents = qRound64(sum * 100);
+    return totals;
+}
+
 const QByteArray header = "Date,Item,Category,Amount,Place,GeoLocation,Longitude,Latitude\r\n";
 
 } // namespace
@@ -58,6 +90,10 @@ private slots:
     void aCancelledImportWritesNothing();
     void progressIsToldInStepsUpToTheTotal();
     void aQifFileIsReadByItsSuffixWithTheDateOrderAsked();
+    void realQifFilesGiveWhatACarefulReaderGets_data();
+    void realQifFilesGiveWhatACarefulReaderGets();
+    void realQifFilesThatNoRuleReadsAreRefusedWithTheirLine_data();
+    void realQifFilesThatNoRuleReadsAreRefusedWithTheirLine();
     void aBadLineAmongAThousandIsFoundBeforeAnythingIsWritten();
     void aFileThatCannotBeReadIsAProblemOfTheWholeFile_data();
     void aFileThatCannotBeReadIsAProblemOfTheWholeFile();
@@ -360,3 +396,128 @@ void TestEntryImport::theSummaryCountsTheAddedAndTheSkipped()
 
 QTEST_GUILESS_MAIN(TestEntryImport)
 #include "tst_entryimport.moc"
+
+void TestEntryImport::realQifFilesGiveWhatACarefulReaderGets_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<int>("order");
+    QTest::addColumn<int>("count");
+    QTest::addColumn<qint64>("cents");
+    QTest::addColumn<QDate>("first");
+    QTest::addColumn<QDate>("last");
+    QTest::addColumn<QString>("skipped");
+    const int none = -1;
+    const int ymd = int(QifFormat::DateOrder::YearFirst);
+    const auto row = [](const char *name, int order, int count, qint64 cents, QDate first, QDate last,
+                        const char *skipped) {
+        QTest::newRow(name) << QString::fromLatin1(name) << order << count << cents << first << last
+                            << QString::fromLatin1(skipped);
+    };
+    // Counted by hand from each file: every expense split is an entry, and
+    // a record's entries add up to its amount.
+    row("AArnott_Nerdbank.Qif_sample.qif", none, 12, 240100, QDate(2008, 1, 20), QDate(2008, 12, 10),
+        "skipped 21 (income 17, other sections 4)");
+    row("OCA_bank-statement-import_test_qif.qif", none, 5, 189609, QDate(2013, 3, 3), QDate(2013, 8, 15), "skipped 0");
+    row("OCA_bank-statement-import_test_qif_dmy.qif", none, 5, 189609, QDate(2013, 3, 3), QDate(2013, 8, 15),
+        "skipped 0");
+    // Nothing in the file tells 13/08/12 from day first: only ymd reads it right.
+    row("OCA_bank-statement-import_test_qif_ymd.qif", ymd, 5, 189609, QDate(2013, 3, 3), QDate(2013, 8, 15),
+        "skipped 0");
+    row("OCA_bank-statement-import_test_qif_ymd.qif", none, 5, 189609, QDate(2003, 3, 13), QDate(2015, 8, 13),
+        "skipped 0");
+    row("ccavanaugh_jgnash_bank1.qif", none, 4, 19874, QDate(2011, 3, 3), QDate(2011, 3, 15), "skipped 2 (income 2)");
+    // 6.50 for lunch, and of a split 48.00 the 17.00 that is not a transfer.
+    row("giacomos_qifparse_file.qif", none, 2, 2350, QDate(2013, 10, 11), QDate(2013, 10, 23),
+        "skipped 11 (transfers 2, other sections 9)");
+    row("hsoft_moneyguru_accountless_with_splits.qif", none, 1, 100000, QDate(2008, 8, 28), QDate(2008, 8, 28),
+        "skipped 2 (income 1, zero amounts 1)");
+    // 34 expense records, 14 of them split into 48 parts, all adding up.
+    row("hsoft_moneyguru_autoswitch.qif", none, 68, 185269, QDate(2008, 12, 1), QDate(2008, 12, 22),
+        "skipped 54 (income 1, zero amounts 2, other sections 51)");
+    row("hsoft_moneyguru_checkbook.qif", none, 3, 19712, QDate(2007, 1, 2), QDate(2007, 2, 4),
+        "skipped 7 (income 5, other sections 2)");
+    row("hsoft_moneyguru_chr13_line_sep.qif", none, 0, 0, QDate(), QDate(), "skipped 2 (transfers 1, other sections 1)");
+    row("hsoft_moneyguru_ddmmyyyy_with_dots.qif", none, 0, 0, QDate(), QDate(),
+        "skipped 2 (income 1, other sections 1)");
+    row("hsoft_moneyguru_other_sections.qif", none, 3, 72331, QDate(2007, 3, 5), QDate(2007, 3, 6),
+        "skipped 4 (other sections 4)");
+    row("hsoft_moneyguru_quicken_split_duplicate.qif", none, 1, 50000, QDate(2011, 1, 1), QDate(2011, 1, 1),
+        "skipped 7 (transfers 1, other sections 6)");
+    row("hsoft_moneyguru_transfer_splits.qif", none, 0, 0, QDate(), QDate(), "skipped 9 (transfers 3, other sections 6)");
+    row("hsoft_moneyguru_yyyymmdd_without_sep.qif", none, 0, 0, QDate(), QDate(),
+        "skipped 2 (income 1, other sections 1)");
+    row("isaacharrisholt_quiffen_test.qif", none, 7, 13500, QDate(2020, 2, 10), QDate(2020, 2, 12),
+        "skipped 12 (income 2, transfers 1, other sections 9)");
+    row("isaacharrisholt_quiffen_test_category_override.qif", none, 2, 2256, QDate(2018, 1, 2), QDate(2018, 1, 2),
+        "skipped 2 (income 2)");
+    row("isaacharrisholt_quiffen_test_circular_reference.qif", none, 2, 1459, QDate(2021, 8, 27), QDate(2021, 8, 27),
+        "skipped 0");
+    row("isaacharrisholt_quiffen_test_split.qif", none, 1, 100, QDate(2000, 1, 1), QDate(2000, 1, 1),
+        "skipped 1 (transfers 1)");
+    row("isaacharrisholt_quiffen_test_transaction_before_account_definition_2.qif", none, 2, 19796, QDate(2022, 9, 8),
+        QDate(2022, 9, 23), "skipped 0");
+    row("jemmyw_Qif_3_records_mmddyy.qif", none, 2, 3000, QDate(2010, 1, 1), QDate(2010, 6, 1), "skipped 1 (income 1)");
+    row("jemmyw_Qif_3_records_separator.qif", none, 2, 3103000, QDate(2010, 1, 1), QDate(2010, 6, 1),
+        "skipped 1 (income 1)");
+    row("jemmyw_Qif_3_records_spaced.qif", none, 2, 3000, QDate(2010, 1, 1), QDate(2010, 6, 1), "skipped 1 (income 1)");
+    row("jemmyw_Qif_quicken_non_investement_account.qif", none, 1, 1000, QDate(1994, 6, 3), QDate(1994, 6, 3),
+        "skipped 2 (income 1, transfers 1)");
+    row("reubano_csv2ofx_creditunion.qif", none, 0, 0, QDate(), QDate(), "skipped 9 (income 8, other sections 1)");
+    row("reubano_csv2ofx_ubs-ch-fr.qif", none, 2, 21000, QDate(2019, 3, 31), QDate(2019, 4, 27),
+        "skipped 2 (income 1, other sections 1)");
+    row("spmason_qif2json_normalTransactions.qif", none, 1, 1000, QDate(1994, 6, 3), QDate(1994, 6, 3),
+        "skipped 2 (income 1, transfers 1)");
+    row("spmason_qif2json_utf8.qif", none, 1, 37900, QDate(2010, 3, 3), QDate(2010, 3, 3), "skipped 0");
+    row("spmason_qif2json_windows-1252.qif", none, 1, 37900, QDate(2010, 3, 3), QDate(2010, 3, 3), "skipped 0");
+}
+
+void TestEntryImport::realQifFilesGiveWhatACarefulReaderGets()
+{
+    QFETCH(QString, name);
+    QFETCH(int, order);
+    QFETCH(int, count);
+    QFETCH(qint64, cents);
+    QFETCH(QDate, first);
+    QFETCH(QDate, last);
+    QFETCH(QString, skipped);
+    const QString file = realFile(QStringLiteral("qif"), name);
+    QVERIFY2(QFile::exists(file), qPrintable(file));
+    const EntryFileContents contents =
+        order < 0 ? EntryImport::read(file) : EntryImport::read(file, QifFormat::DateOrder(order));
+    QCOMPARE(contents.problemLines(), QStringList());
+    const Totals totals = totalsOf(contents.entries);
+    QCOMPARE(totals.count, count);
+    QCOMPARE(totals.cents, cents);
+    QCOMPARE(totals.first, first);
+    QCOMPARE(totals.last, last);
+    QCOMPARE(contents.skippedSummary(), skipped);
+    for (const EntryFileContents::LineEntry &read : contents.entries)
+        QVERIFY(!read.entry.LocationText.contains(QChar::ReplacementCharacter));
+
+    // And into the store, whole.
+    QVERIFY(EntryImport::write(*store, contents.entries).written);
+    QCOMPARE(store->GetTotalNumberOfEntries(), count);
+    if (name.contains(QLatin1String("1252")) || name.contains(QLatin1String("utf8")))
+        QCOMPARE(owned(store->GetAllEntries()).at(0)->LocationText, QStringLiteral("SOME £$™€ CHARACTERS"));
+}
+
+void TestEntryImport::realQifFilesThatNoRuleReadsAreRefusedWithTheirLine_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QStringList>("problems");
+    QTest::newRow("an amount with letters stuck to it")
+        << QStringLiteral("hsoft_moneyguru_missing_line_sep.qif")
+        << QStringList { QStringLiteral("line 8: the amount \"42.32CX\" is not a number") };
+    QTest::newRow("no header at all") << QStringLiteral("hsoft_moneyguru_extra_dline.qif")
+                                      << QStringList { QStringLiteral(
+                                             "line 1: a QIF file starts with a header such as !Type:Bank") };
+}
+
+void TestEntryImport::realQifFilesThatNoRuleReadsAreRefusedWithTheirLine()
+{
+    QFETCH(QString, name);
+    QFETCH(QStringList, problems);
+    const EntryFileContents contents = EntryImport::read(realFile(QStringLiteral("qif"), name));
+    QCOMPARE(contents.problemLines(), problems);
+    QVERIFY(!contents.isAcceptable());
+}

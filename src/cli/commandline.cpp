@@ -9,6 +9,7 @@
 #include "entryexport.h"
 #include "entryimport.h"
 #include "qifformat.h"
+#include "textencoding.h"
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
@@ -33,10 +34,10 @@ int exportEntries(DatabaseManager &store, const QString &fileName, QTextStream &
     return CommandLine::Success;
 }
 
-int importEntries(DatabaseManager &store, const QString &fileName, QifFormat::DateOrder order, QTextStream &out,
-                  QTextStream &err)
+int importEntries(DatabaseManager &store, const QString &fileName, std::optional<QifFormat::DateOrder> order,
+                  std::optional<TextEncoding::Kind> encoding, QTextStream &out, QTextStream &err)
 {
-    const EntryFileContents contents = EntryImport::read(fileName, order);
+    const EntryFileContents contents = EntryImport::read(fileName, order, encoding);
     if (!contents.isAcceptable()) {
         for (const QString &line : contents.problemLines(fileName))
             err << line << '\n';
@@ -94,11 +95,18 @@ int CommandLine::run(const QStringList &arguments)
     const QCommandLineOption version = parser.addVersionOption();
     const QCommandLineOption dateOrder(
         QStringLiteral("date-order"),
-        tr("import: whether QIF dates that the file leaves open put the month (mdy, the default) or the day "
-           "(dmy) first."),
-        QStringLiteral("mdy|dmy"));
+        tr("import: read QIF dates month first (mdy), day first (dmy) or year first (ymd), whatever the file "
+           "seems to say. Without it the file decides, and where it cannot, slashed dates are month first and "
+           "dotted ones day first."),
+        QStringLiteral("mdy|dmy|ymd"));
+    const QCommandLineOption encoding(
+        QStringLiteral("encoding"),
+        tr("import: read the file's text in NAME (UTF-8, UTF-16LE, UTF-16BE, Windows-1252, ISO-8859-1) instead "
+           "of the encoding it seems to be in."),
+        QStringLiteral("NAME"));
     const QCommandLineOption force(QStringLiteral("force"), tr("backup: replace FILE when it exists."));
     parser.addOption(dateOrder);
+    parser.addOption(encoding);
     parser.addOption(force);
 
     // parse() rather than process(): process() ends the program itself, with
@@ -134,15 +142,28 @@ int CommandLine::run(const QStringList &arguments)
         return usageError(tr("%1 takes one FILE.").arg(command));
     if (parser.isSet(dateOrder) && command != QLatin1String("import"))
         return usageError(tr("--date-order goes with import only."));
+    if (parser.isSet(encoding) && command != QLatin1String("import"))
+        return usageError(tr("--encoding goes with import only."));
     if (parser.isSet(force) && command != QLatin1String("backup"))
         return usageError(tr("--force goes with backup only."));
-    QifFormat::DateOrder order = QifFormat::DateOrder::MonthFirst;
+    std::optional<QifFormat::DateOrder> order;
     if (parser.isSet(dateOrder)) {
         const QString value = parser.value(dateOrder);
-        if (value == QLatin1String("dmy"))
-            order = QifFormat::DateOrder::DayFirst;
-        else if (value != QLatin1String("mdy"))
-            return usageError(tr("--date-order is mdy or dmy, not \"%1\".").arg(value));
+        for (const QifFormat::DateOrder known :
+             { QifFormat::DateOrder::MonthFirst, QifFormat::DateOrder::DayFirst, QifFormat::DateOrder::YearFirst }) {
+            if (value == QifFormat::orderName(known))
+                order = known;
+        }
+        if (!order)
+            return usageError(tr("--date-order is mdy, dmy or ymd, not \"%1\".").arg(value));
+    }
+    std::optional<TextEncoding::Kind> textEncoding;
+    if (parser.isSet(encoding)) {
+        TextEncoding::Kind kind = TextEncoding::Utf8;
+        if (!TextEncoding::fromName(parser.value(encoding), &kind))
+            return usageError(tr("--encoding is one of %1, not \"%2\".")
+                                  .arg(TextEncoding::names().join(QLatin1String(", ")), parser.value(encoding)));
+        textEncoding = kind;
     }
     const QString fileName = positional.at(1);
     if (command != QLatin1String("backup") && !CsvFormat::matches(fileName) && !QifFormat::matches(fileName))
@@ -161,6 +182,6 @@ int CommandLine::run(const QStringList &arguments)
     if (command == QLatin1String("export"))
         return exportEntries(store, fileName, out, err);
     if (command == QLatin1String("import"))
-        return importEntries(store, fileName, order, out, err);
+        return importEntries(store, fileName, order, textEncoding, out, err);
     return backUp(store, fileName, parser.isSet(force), out, err);
 }
