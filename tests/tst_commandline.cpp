@@ -152,7 +152,8 @@ void TestCommandLine::helpListsTheCommandsAndOptions()
     for (const QString &line :
          { QStringLiteral("Commands, on the database %1/ledgerlydatabase.db:").arg(home->path()),
            QStringLiteral("  export FILE   Writes every entry into FILE, as CSV or QIF by its name (.csv, .qif)."),
-           QStringLiteral("  import FILE   Adds the entries of a CSV or QIF file; a file with any problem adds none."),
+           QStringLiteral("  import FILE   Adds the entries of a CSV, QIF or OFX (.ofx, .qfx, .qbo) file; a file with any"),
+           QStringLiteral("                problem adds none."),
            QStringLiteral("  backup FILE   Writes a copy of the database into FILE."),
            QStringLiteral("Exit status: 0 when done, 1 when the data or a file is refused, 2 for a usage error.") })
         QVERIFY2(run.out.contains(QLatin1Char('\n') + line + QLatin1Char('\n')), qPrintable(line));
@@ -177,7 +178,8 @@ void TestCommandLine::usageErrorsExitWith2AndTouchNothing_data()
     QTest::newRow("export to another format")
         << QStringList { "export", "out.xlsx" } << QStringLiteral("out.xlsx names no .csv or .qif file.");
     QTest::newRow("import of another format")
-        << QStringList { "import", "bank.ofx" } << QStringLiteral("bank.ofx names no .csv or .qif file.");
+        << QStringList { "import", "bank.xlsx" }
+        << QStringLiteral("bank.xlsx names no .csv, .qif, .ofx, .qfx or .qbo file.");
     QTest::newRow("date order of another kind") << QStringList { "import", "bank.qif", "--date-order", "dym" }
                                                 << QStringLiteral("--date-order is mdy, dmy or ymd, not \"dym\".");
     QTest::newRow("encoding of another kind")

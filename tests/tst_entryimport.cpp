@@ -94,6 +94,10 @@ private slots:
     void realQifFilesGiveWhatACarefulReaderGets();
     void realQifFilesThatNoRuleReadsAreRefusedWithTheirLine_data();
     void realQifFilesThatNoRuleReadsAreRefusedWithTheirLine();
+    void realOfxFilesGiveWhatACarefulReaderGets_data();
+    void realOfxFilesGiveWhatACarefulReaderGets();
+    void realOfxFilesKeepTheirNamesCharacterForCharacter_data();
+    void realOfxFilesKeepTheirNamesCharacterForCharacter();
     void aBadLineAmongAThousandIsFoundBeforeAnythingIsWritten();
     void aFileThatCannotBeReadIsAProblemOfTheWholeFile_data();
     void aFileThatCannotBeReadIsAProblemOfTheWholeFile();
@@ -368,7 +372,7 @@ void TestEntryImport::aFileThatCannotBeReadIsAProblemOfTheWholeFile_data()
                              << QStringLiteral("%1 cannot be read: No such file or directory");
     QTest::newRow("a directory") << QStringLiteral("folder.qif") << QStringLiteral("%1 cannot be read: ");
     QTest::newRow("another suffix") << QStringLiteral("entries.txt")
-                                    << QStringLiteral("%1 is neither a .csv nor a .qif file");
+                                    << QStringLiteral("%1 is not a .csv, .qif, .ofx, .qfx or .qbo file");
 }
 
 void TestEntryImport::aFileThatCannotBeReadIsAProblemOfTheWholeFile()
@@ -520,4 +524,106 @@ void TestEntryImport::realQifFilesThatNoRuleReadsAreRefusedWithTheirLine()
     const EntryFileContents contents = EntryImport::read(realFile(QStringLiteral("qif"), name));
     QCOMPARE(contents.problemLines(), problems);
     QVERIFY(!contents.isAcceptable());
+}
+
+void TestEntryImport::realOfxFilesGiveWhatACarefulReaderGets_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<int>("count");
+    QTest::addColumn<qint64>("cents");
+    QTest::addColumn<QDate>("first");
+    QTest::addColumn<QDate>("last");
+    QTest::addColumn<QString>("skipped");
+    const auto row = [](const char *name, int count, qint64 cents, QDate first, QDate last, const char *skipped) {
+        QTest::newRow(name) << QString::fromLatin1(name) << count << cents << first << last
+                            << QString::fromLatin1(skipped);
+    };
+    // Worked out from each file's STMTTRN elements: the negative TRNAMTs,
+    // their sum, and the days of their DTPOSTED; transactions of investment
+    // statements are other sections.
+    row("Govcraft_ofx-rs_mercury-checking.ofx", 559, 4292292, QDate(2024, 3, 16), QDate(2026, 3, 18), "skipped 115 (income 115)");
+    row("OCA_bank-statement-import_test_ofx.ofx", 4, 36000, QDate(2013, 8, 24), QDate(2013, 8, 24), "skipped 0");
+    row("asgrim_ofxparser_ofx-multiple-accounts-xml.ofx", 1, 398, QDate(2014, 7, 17), QDate(2014, 7, 17), "skipped 2 (income 2)");
+    row("asgrim_ofxparser_ofxdata-bb-two-stmtrs.ofx", 4, 7843253, QDate(2017, 3, 6), QDate(2017, 3, 27), "skipped 32 (income 32)");
+    row("asgrim_ofxparser_ofxdata-cmfr.ofx", 32, 2119957, QDate(2016, 6, 1), QDate(2016, 6, 27), "skipped 10 (income 10)");
+    row("asgrim_ofxparser_ofxdata-emptyDateTime.ofx", 0, 0, QDate(), QDate(), "skipped 2 (income 2)");
+    row("asgrim_ofxparser_ofxdata-memoWithAmpersand.ofx", 13, 73405, QDate(2018, 9, 13), QDate(2018, 10, 5), "skipped 3 (income 3)");
+    row("asgrim_ofxparser_ofxdata-oneline.ofx", 7, 217710, QDate(2016, 2, 16), QDate(2016, 7, 19), "skipped 1 (income 1)");
+    row("asgrim_ofxparser_ofxdata-selfclose.ofx", 3, 11500, QDate(2019, 9, 18), QDate(2019, 9, 23), "skipped 2 (income 2)");
+    row("beancount_beangulp_2013-12-03.bofa.ofx", 27, 98926, QDate(2013, 10, 26), QDate(2013, 12, 2), "skipped 0");
+    row("beancount_beangulp_example.ofx", 17, 57732, QDate(2013, 12, 6), QDate(2013, 12, 16), "skipped 0");
+    row("beancount_beangulp_example.qbo", 17, 147248, QDate(2013, 7, 2), QDate(2013, 9, 3), "skipped 6 (income 6)");
+    row("ccavanaugh_jgnash_File_with_Accents.ofx", 3, 13500, QDate(2009, 12, 1), QDate(2009, 12, 3), "skipped 0");
+    row("ccavanaugh_jgnash_Sample.ofx", 4, 6300000, QDate(2003, 9, 5), QDate(2003, 9, 28), "skipped 1 (income 1)");
+    row("ccavanaugh_jgnash_activity.ofx", 9, 21892, QDate(2008, 10, 21), QDate(2008, 11, 23), "skipped 2 (income 2)");
+    row("ccavanaugh_jgnash_uglyFormat.ofx", 1, 123456, QDate(2017, 3, 24), QDate(2017, 3, 24), "skipped 4 (income 4)");
+    row("chilts_node-ofx_example-xml.qfx", 0, 0, QDate(), QDate(), "skipped 1 (income 1)");
+    row("csingley_ofxtools_br_nubank_cc.ofx", 6, 128091, QDate(2024, 3, 22), QDate(2024, 3, 23), "skipped 0");
+    row("csingley_ofxtools_stmtrs_euro.ofx", 2, 50000, QDate(2005, 10, 4), QDate(2005, 10, 20), "skipped 0");
+    row("egh_ledger-autosync_accented_characters_latin1.ofx", 1, 5873, QDate(2014, 9, 20), QDate(2014, 9, 20), "skipped 0");
+    row("egh_ledger-autosync_comments.ofx", 0, 0, QDate(), QDate(), "skipped 2 (income 1, zero amounts 1)");
+    row("euforic_banking.js_sample.ofx", 7, 385053, QDate(2012, 1, 3), QDate(2012, 1, 25), "skipped 4 (income 4)");
+    row("gpaulissen_ofxstatement-french_46297554894_02092025_04102025.ofx", 0, 0, QDate(), QDate(), "skipped 0");
+    row("gpaulissen_ofxstatement-french_BPACA_OP_20220828.ofx", 59, 544284, QDate(2022, 8, 2), QDate(2022, 8, 26), "skipped 10 (income 10)");
+    row("hsoft_moneyguru_blank_first_line.ofx", 4, 23925, QDate(2008, 8, 27), QDate(2008, 8, 28), "skipped 1 (income 1)");
+    row("hsoft_moneyguru_ccstmtrs.ofx", 5, 31323, QDate(2013, 6, 22), QDate(2013, 8, 9), "skipped 0");
+    row("hsoft_moneyguru_desjardins.ofx", 14, 700859, QDate(2008, 1, 14), QDate(2008, 2, 11), "skipped 6 (income 6)");
+    row("hsoft_moneyguru_desjardins.qfx", 14, 700859, QDate(2008, 1, 14), QDate(2008, 2, 11), "skipped 6 (income 6)");
+    row("hsoft_moneyguru_fortis.ofx", 1, 260, QDate(2008, 9, 5), QDate(2008, 9, 5), "skipped 0");
+    row("hsoft_moneyguru_ing.qfx", 0, 0, QDate(), QDate(), "skipped 1 (income 1)");
+    row("jbms_beancount-import_amex.ofx", 3, 19075, QDate(2013, 11, 24), QDate(2013, 11, 26), "skipped 0");
+    row("jbms_beancount-import_checking2.ofx", 0, 0, QDate(), QDate(), "skipped 13 (other sections 13)");
+    row("jseutter_ofxparse_anzcc.ofx", 1, 550, QDate(2017, 5, 8), QDate(2017, 5, 8), "skipped 0");
+    row("jseutter_ofxparse_ofx-v102-empty-tags.ofx", 0, 0, QDate(), QDate(), "skipped 1 (income 1)");
+    row("jseutter_ofxparse_suncorp.ofx", 1, 1685, QDate(2013, 12, 15), QDate(2013, 12, 15), "skipped 0");
+}
+
+void TestEntryImport::realOfxFilesGiveWhatACarefulReaderGets()
+{
+    QFETCH(QString, name);
+    QFETCH(int, count);
+    QFETCH(qint64, cents);
+    QFETCH(QDate, first);
+    QFETCH(QDate, last);
+    QFETCH(QString, skipped);
+    const QString file = realFile(QStringLiteral("ofx"), name);
+    QVERIFY2(QFile::exists(file), qPrintable(file));
+    const EntryFileContents contents = EntryImport::read(file);
+    QCOMPARE(contents.problemLines(), QStringList());
+    const Totals totals = totalsOf(contents.entries);
+    QCOMPARE(totals.count, count);
+    QCOMPARE(totals.cents, cents);
+    QCOMPARE(totals.first, first);
+    QCOMPARE(totals.last, last);
+    QCOMPARE(contents.skippedSummary(), skipped);
+    for (const EntryFileContents::LineEntry &read : contents.entries) {
+        QVERIFY(!read.entry.LocationText.contains(QChar::ReplacementCharacter));
+        QVERIFY(!read.entry.ItemName.contains(QChar::ReplacementCharacter));
+    }
+    QVERIFY(EntryImport::write(*store, contents.entries).written);
+    QCOMPARE(store->GetTotalNumberOfEntries(), count);
+}
+
+void TestEntryImport::realOfxFilesKeepTheirNamesCharacterForCharacter_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QString>("place");
+    QTest::newRow("ISO-8859-1 declared") << QStringLiteral("ccavanaugh_jgnash_File_with_Accents.ofx")
+                                         << QStringLiteral("Second Transaction (ÀàÉéÈèÊêËëÏïÙù)");
+    QTest::newRow("UTF-8 with a mark") << QStringLiteral("ccavanaugh_jgnash_Sample.ofx") << QStringLiteral("電話料");
+    QTest::newRow("Latin-1 under 1252") << QStringLiteral("egh_ledger-autosync_accented_characters_latin1.ofx")
+                                        << QStringLiteral("Virement Interac à: Jean");
+    QTest::newRow("an entity") << QStringLiteral("beancount_beangulp_2013-12-03.bofa.ofx")
+                               << QStringLiteral("BARNES & NOBLE 2675 NEW YORK");
+}
+
+void TestEntryImport::realOfxFilesKeepTheirNamesCharacterForCharacter()
+{
+    QFETCH(QString, name);
+    QFETCH(QString, place);
+    const EntryFileContents contents = EntryImport::read(realFile(QStringLiteral("ofx"), name));
+    QStringList places;
+    for (const EntryFileContents::LineEntry &read : contents.entries)
+        places.append(read.entry.LocationText);
+    QVERIFY2(places.contains(place), qPrintable(places.join(QLatin1String(" | "))));
 }

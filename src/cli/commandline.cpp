@@ -8,6 +8,7 @@
 #include "databasemanager.h"
 #include "entryexport.h"
 #include "entryimport.h"
+#include "ofxformat.h"
 #include "qifformat.h"
 #include "textencoding.h"
 
@@ -84,7 +85,8 @@ int CommandLine::run(const QStringList &arguments)
            "\n"
            "Commands, on the database %1:\n"
            "  export FILE   Writes every entry into FILE, as CSV or QIF by its name (.csv, .qif).\n"
-           "  import FILE   Adds the entries of a CSV or QIF file; a file with any problem adds none.\n"
+           "  import FILE   Adds the entries of a CSV, QIF or OFX (.ofx, .qfx, .qbo) file; a file with any\n"
+           "                problem adds none.\n"
            "  backup FILE   Writes a copy of the database into FILE.\n"
            "\n"
            "Exit status: 0 when done, 1 when the data or a file is refused, 2 for a usage error.")
@@ -166,8 +168,11 @@ int CommandLine::run(const QStringList &arguments)
         textEncoding = kind;
     }
     const QString fileName = positional.at(1);
-    if (command != QLatin1String("backup") && !CsvFormat::matches(fileName) && !QifFormat::matches(fileName))
+    if (command == QLatin1String("export") && !CsvFormat::matches(fileName) && !QifFormat::matches(fileName))
         return usageError(tr("%1 names no .csv or .qif file.").arg(fileName));
+    if (command == QLatin1String("import") && !CsvFormat::matches(fileName) && !QifFormat::matches(fileName) &&
+        !OfxFormat::matches(fileName))
+        return usageError(tr("%1 names no .csv, .qif, .ofx, .qfx or .qbo file.").arg(fileName));
 
     // The program's own store, as the window opens it: a new home gets the
     // file with its tables and default rows.

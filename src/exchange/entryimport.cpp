@@ -4,6 +4,7 @@
 #include "entryimport.h"
 
 #include "csvformat.h"
+#include "ofxformat.h"
 
 #include <QCoreApplication>
 #include <QFile>
@@ -30,8 +31,9 @@ EntryFileContents EntryImport::read(const QString &fileName, std::optional<QifFo
 {
     EntryFileContents contents;
     const bool csv = CsvFormat::matches(fileName);
-    if (!csv && !QifFormat::matches(fileName)) {
-        contents.addProblem(0, tr("%1 is neither a .csv nor a .qif file").arg(fileName));
+    const bool ofx = OfxFormat::matches(fileName);
+    if (!csv && !ofx && !QifFormat::matches(fileName)) {
+        contents.addProblem(0, tr("%1 is not a .csv, .qif, .ofx, .qfx or .qbo file").arg(fileName));
         return contents;
     }
     QFile file(fileName);
@@ -48,7 +50,11 @@ EntryFileContents EntryImport::read(const QString &fileName, std::optional<QifFo
         contents.addProblem(0, tr("%1 cannot be read: %2").arg(fileName, file.errorString()));
         return contents;
     }
-    return csv ? CsvFormat::read(bytes) : QifFormat::read(bytes, dateOrder, encoding);
+    if (csv)
+        return CsvFormat::read(bytes);
+    if (ofx)
+        return OfxFormat::read(bytes, encoding);
+    return QifFormat::read(bytes, dateOrder, encoding);
 }
 
 EntryImport::Outcome EntryImport::write(DatabaseManager &store, const QList<EntryFileContents::LineEntry> &entries,

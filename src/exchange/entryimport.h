@@ -18,7 +18,7 @@ class EntryImport
 {
 public:
     // Reads and checks the file; nothing is written. The format is the
-    // file name's: .csv or .qif, in any case. QIF dates read in
+    // file name's: .csv, .qif, or .ofx, .qfx and .qbo, in any case. QIF dates read in
     // `dateOrder` when it is given, whatever the file seems to say; the
     // text in `encoding` when it is given (see QifFormat::read()).
     static EntryFileContents read(const QString &fileName,

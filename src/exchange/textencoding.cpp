@@ -26,15 +26,25 @@ QString fromUtf16(QByteArrayView bytes, QStringConverter::Encoding encoding)
     return decoder.decode(bytes);
 }
 
+// Whether the bytes are UTF-16 throughout: whole units, surrogates in pairs.
+bool isValidUtf16(QByteArrayView bytes, QStringConverter::Encoding encoding)
+{
+    QStringDecoder decoder(encoding, QStringConverter::Flag::Stateless);
+    const QString text = decoder.decode(bytes);
+    return !decoder.hasError() && bytes.size() % 2 == 0;
+}
+
 } // namespace
 
 TextEncoding::Kind TextEncoding::detect(QByteArrayView bytes)
 {
-    if (bytes.startsWith("\xEF\xBB\xBF"))
+    // A mark, or zeros, that the rest of the file does not bear out are
+    // bytes that happen to look so.
+    if (bytes.startsWith("\xEF\xBB\xBF") && QUtf8StringView(bytes).isValidUtf8())
         return Utf8;
-    if (bytes.startsWith("\xFF\xFE"))
+    if (bytes.startsWith("\xFF\xFE") && isValidUtf16(bytes, QStringConverter::Utf16LE))
         return Utf16LittleEndian;
-    if (bytes.startsWith("\xFE\xFF"))
+    if (bytes.startsWith("\xFE\xFF") && isValidUtf16(bytes, QStringConverter::Utf16BE))
         return Utf16BigEndian;
     // Text outside Latin-1 (a euro sign) fills both bytes of its unit, so
     // three units in four with a zero on the same side are enough.
@@ -48,9 +58,9 @@ TextEncoding::Kind TextEncoding::detect(QByteArrayView bytes)
             highZero += second && !first;
             lowZero += first && !second;
         }
-        if (highZero * 4 >= units * 3)
+        if (highZero * 4 >= units * 3 && isValidUtf16(bytes, QStringConverter::Utf16LE))
             return Utf16LittleEndian;
-        if (lowZero * 4 >= units * 3)
+        if (lowZero * 4 >= units * 3 && isValidUtf16(bytes, QStringConverter::Utf16BE))
             return Utf16BigEndian;
     }
     if (QUtf8StringView(bytes).isValidUtf8())
