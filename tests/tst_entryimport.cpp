@@ -301,7 +301,7 @@ void TestEntryImport::aCancelledImportWritesNothing()
         entries.append({ i + 2,
                          makeEntry(at(2026, 1, 1).addSecs(i * 60), QStringLiteral("Item %1").arg(i % 9),
                                    QStringLiteral("New %1").arg(i % 3), 1.0f + i),
-                         QString() });
+                         QString(), QString() });
     QList<qint64> told;
     const EntryImport::Outcome outcome = EntryImport::write(*store, entries, [&](qint64 done, qint64 total) {
         told.append(total);
@@ -319,7 +319,7 @@ void TestEntryImport::progressIsToldInStepsUpToTheTotal()
     for (int i = 0; i < 600; ++i)
         entries.append(
             { i + 2, makeEntry(at(2026, 1, 1).addSecs(i), QStringLiteral("Tea"), QStringLiteral("Drinks"), 1.0f),
-              QString() });
+              QString(), QString() });
     QList<QPair<qint64, qint64>> told;
     const EntryImport::Outcome outcome = EntryImport::write(*store, entries, [&](qint64 done, qint64 total) {
         told.append({ done, total });

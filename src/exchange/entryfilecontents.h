@@ -26,6 +26,9 @@ public:
         // file gives that (an OFX account and transaction id); empty when
         // the entry's own date, amount, item and place must do.
         QString sourceId;
+        // What an import remembers the record by (see
+        // EntryImport::recognise()); empty until then.
+        QString fingerprint;
     };
     // Line 0 stands for the file as a whole.
     struct Problem

@@ -258,7 +258,7 @@ public:
         // pairs give the same id.
         const QString sourceId =
             t.fitId.isEmpty() ? QString() : QStringLiteral("OFX\x1f%1\x1f%2").arg(account, t.fitId);
-        contents.entries.append({ t.line, entry, sourceId });
+        contents.entries.append({ t.line, entry, sourceId, QString() });
     }
 
 private:

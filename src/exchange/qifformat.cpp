@@ -562,7 +562,7 @@ EntryFileContents QifFormat::read(QByteArrayView bytes, std::optional<DateOrder>
             entry.LocationText = r.payee.isNull() ? QLatin1String("") : r.payee;
             entry.ItemName = item;
             entry.CategoryName = category;
-            contents.entries.append({ r.line, entry, QString() });
+            contents.entries.append({ r.line, entry, QString(), QString() });
         };
 
         if (r.splits.isEmpty()) {
