@@ -372,9 +372,12 @@ EntryFileContents OfxFormat::read(QByteArrayView bytes, std::optional<TextEncodi
         }
         const bool selfClosing = inside.back() == QLatin1Char('/');
         QStringView name = selfClosing ? inside.chopped(1) : inside;
-        const qsizetype blank = name.indexOf(QRegularExpression(QStringLiteral("\\s")));
-        if (blank >= 0)
-            name = name.first(blank);
+        for (qsizetype i = 0; i < name.size(); ++i) {
+            if (name[i].isSpace()) {
+                name = name.first(i);
+                break;
+            }
+        }
         const QString tag = name.toString().toUpper();
         reader.start(tag, tagLine);
         if (selfClosing) {
