@@ -3,6 +3,7 @@
 
 #include "databasemanager.h"
 #include "describedfile.h"
+#include "migrations.h"
 #include "rawdatabase.h"
 #include "temphome.h"
 #include "testsupport.h"
@@ -154,6 +155,7 @@ private slots:
     // File, schema and default rows
     void aNewHomeGetsExactlyTheSixTablesWithTheirCreateStatements();
     void aNewHomeGetsTheDefaultCategoriesNumberedInOrder();
+    void aFileOfTheSixTablesGetsTheRecordOfImportsAndKeepsItsRows();
     void aNewHomeGetsTheDefaultModesNumberedInOrder();
     void startingAgainOnTheSameFileChangesNothing();
     void aRenamedDefaultCategoryComesBackWithTheNextFreeNumber();
@@ -330,7 +332,16 @@ void tst_DatabaseManager::aNewHomeGetsExactlyTheSixTablesWithTheirCreateStatemen
     RawDatabase raw(home->databasePath());
     const QList<QVariantList> rows = raw.rows(
         QStringLiteral("select name, sql from sqlite_master where type = 'table' and name <> 'sqlite_sequence'"));
-    QCOMPARE(rows.size(), describedCreateStatements().size());
+    // The six described tables, and beside them only the record of imports.
+    QStringList others;
+    for (const QVariantList &row : rows) {
+        if (std::none_of(describedCreateStatements().begin(), describedCreateStatements().end(),
+                         [&row](const auto &table) { return table.first == row.at(0).toString(); }))
+            others.append(row.at(0).toString());
+    }
+    others.sort();
+    QCOMPARE(others, QStringList({ QStringLiteral("ImportLog"), QStringLiteral("ImportedEntry") }));
+    QCOMPARE(rows.size(), describedCreateStatements().size() + others.size());
     for (const auto &table : describedCreateStatements()) {
         const QList<QVariantList> matching = raw.rows(
             QStringLiteral("select sql from sqlite_master where type = 'table' and name = '%1'").arg(table.first));
@@ -341,6 +352,34 @@ void tst_DatabaseManager::aNewHomeGetsExactlyTheSixTablesWithTheirCreateStatemen
                                        "sql is not null"))
                  .toInt(),
              0);
+}
+
+void tst_DatabaseManager::aFileOfTheSixTablesGetsTheRecordOfImportsAndKeepsItsRows()
+{
+    {
+        // A file as the described statements make it: version 0.
+        RawDatabase raw(home->databasePath());
+        for (const auto &table : describedCreateStatements())
+            QVERIFY2(raw.exec(table.second), qPrintable(raw.lastError()));
+        QVERIFY(raw.insertEntry(QStringLiteral("Tea"), QStringLiteral("Drinks"), QDateTime(QDate(2024, 1, 2), QTime()),
+                                2.5) > 0);
+        QCOMPARE(raw.scalar(QStringLiteral("PRAGMA user_version")).toInt(), 0);
+    }
+    auto store = startStore();
+    QVERIFY(store->isUsable());
+    QCOMPARE(store->writeProblem(), QString());
+    RawDatabase raw(home->databasePath());
+    QCOMPARE(raw.scalar(QStringLiteral("PRAGMA user_version")).toInt(), Migrations::latestVersion());
+    QVERIFY(Migrations::latestVersion() >= 1);
+    QCOMPARE(raw.scalar(QStringLiteral("select count(*) from Entry where ItemName = 'Tea'")).toInt(), 1);
+    // The new tables take their rows.
+    QVERIFY2(raw.exec(QStringLiteral("INSERT INTO ImportLog (ImportedAt, FileName, EntryCount) VALUES "
+                                     "('2024-01-02T10:00:00', '/tmp/bank.qif', 1)")),
+             qPrintable(raw.lastError()));
+    QVERIFY2(raw.exec(QStringLiteral("INSERT INTO ImportedEntry (EntrySNo, ImportSNo, Fingerprint) VALUES (1, 1, 'f')")),
+             qPrintable(raw.lastError()));
+    QCOMPARE(raw.scalar(QStringLiteral("select count(*) from ImportedEntry join ImportLog on ImportLog.SNo = "
+                                       "ImportedEntry.ImportSNo")).toInt(), 1);
 }
 
 void tst_DatabaseManager::aNewHomeGetsTheDefaultCategoriesNumberedInOrder()

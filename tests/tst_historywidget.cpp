@@ -1484,7 +1484,8 @@ void TestHistoryWidget::textsTypedOnTheNewEntryPageShowLiterallyInEveryTableAndT
         tables.append(row.at(0).toString());
     QCOMPARE(tables,
              QStringList(
-                 { "Category", "Entry", "HistoricLocation", "ItemSubstitutes", "Items", "Mode", "sqlite_sequence" }));
+                 { "Category", "Entry", "HistoricLocation", "ImportLog", "ImportedEntry", "ItemSubstitutes", "Items",
+                   "Mode", "sqlite_sequence" }));
 }
 
 void TestHistoryWidget::tappingARowOfTheCategoryTableChangesNothing()
