@@ -142,7 +142,7 @@ private slots:
     void aWindowIsFoundWhenAScreenShowsEnoughOfIt_data();
     void aWindowIsFoundWhenAScreenShowsEnoughOfIt();
 
-    void menuBarHasFileGoAndHelpWithTheirCommandsInOrder();
+    void menuBarHasFileGoViewAndHelpWithTheirCommandsInOrder();
     void everyMenuCommandHasItsNameTextShortcutAndState_data();
     void everyMenuCommandHasItsNameTextShortcutAndState();
     void goCommandsDoWhatTheirMenuButtonsDo();
@@ -183,6 +183,12 @@ private slots:
     void aDailyBackupThatCannotBeWrittenIsReportedOnceTheWindowIsShown();
     void withoutADatabaseTheFileCommandsAreOff();
 
+    void eachLookIsCheckedKeptAndRestoredAtTheNextStart_data();
+    void eachLookIsCheckedKeptAndRestoredAtTheNextStart();
+    void switchingTheLookRestylesTheShownPageAndClassicGivesEverySheetBack();
+    void everyTextOfEveryPageIsReadableInTheDesktopLooks_data();
+    void everyTextOfEveryPageIsReadableInTheDesktopLooks();
+
 private:
     // Points the settings at a fresh configuration directory, as a start
     // with XDG_CONFIG_HOME set there would.
@@ -209,6 +215,8 @@ void TestMainWindow::init()
 
 void TestMainWindow::cleanup()
 {
+    if (Look::chosen() != Look::Kind::Classic)
+        Look::apply(Look::Kind::Classic);
     VERIFY_NO_WIDGETS_LEFT();
 }
 
@@ -766,7 +774,7 @@ void TestMainWindow::aWindowIsFoundWhenAScreenShowsEnoughOfIt()
     QCOMPARE(MainWindow::isOnAScreen(window, screens), found);
 }
 
-void TestMainWindow::menuBarHasFileGoAndHelpWithTheirCommandsInOrder()
+void TestMainWindow::menuBarHasFileGoViewAndHelpWithTheirCommandsInOrder()
 {
     MainWindowFixture f;
     MainWindow &window = f.window();
@@ -775,19 +783,26 @@ void TestMainWindow::menuBarHasFileGoAndHelpWithTheirCommandsInOrder()
     QStringList titles;
     for (const QAction *entry : bar->actions())
         titles.append(entry->text());
-    QCOMPARE(titles, QStringList({ "File", "Go", "Help" }));
+    QCOMPARE(titles, QStringList({ "File", "Go", "View", "Help" }));
 
     const auto names = [](const QMenu *menu) {
         QStringList list;
         for (const QAction *entry : menu->actions())
-            list.append(entry->isSeparator() ? QStringLiteral("-") : entry->objectName());
+            list.append(entry->isSeparator() ? QStringLiteral("-")
+                            : entry->menu()  ? entry->menu()->objectName()
+                                             : entry->objectName());
         return list;
     };
     QCOMPARE(names(bar->actions().at(0)->menu()),
              QStringList({ "actionImport", "actionExport", "actionBackUp", "-", "actionQuit" }));
     QCOMPARE(names(bar->actions().at(1)->menu()),
              QStringList({ "actionHome", "actionNewEntry", "actionHistory", "actionOptions" }));
-    QCOMPARE(names(bar->actions().at(2)->menu()), QStringList({ "actionAbout", "actionAboutQt" }));
+    QCOMPARE(names(bar->actions().at(2)->menu()), QStringList({ "menuLook" }));
+    const QMenu *looks = bar->actions().at(2)->menu()->actions().at(0)->menu();
+    QCOMPARE(looks->title(), QStringLiteral("Look"));
+    QCOMPARE(names(looks),
+             QStringList({ "actionLookClassic", "actionLookLight", "actionLookDark", "actionLookSystem" }));
+    QCOMPARE(names(bar->actions().at(3)->menu()), QStringList({ "actionAbout", "actionAboutQt" }));
 }
 
 void TestMainWindow::everyMenuCommandHasItsNameTextShortcutAndState_data()
@@ -1703,3 +1718,154 @@ void TestMainWindow::withoutADatabaseTheFileCommandsAreOff()
 QTEST_MAIN(TestMainWindow)
 
 #include "tst_mainwindow.moc"
+
+namespace {
+
+QAction *lookAction(const MainWindow &window, Look::Kind kind)
+{
+    return child<QAction>(window, QStringLiteral("actionLook") + Look::name(kind));
+}
+
+// Every style sheet under `top`, by the widget's path of object names.
+QMap<QString, QString> styleSheetsUnder(QWidget *top)
+{
+    QMap<QString, QString> sheets;
+    QList<QWidget *> widgets = top->findChildren<QWidget *>();
+    widgets.prepend(top);
+    for (int i = 0; i < widgets.size(); ++i) {
+        const QWidget *widget = widgets.at(i);
+        QString path;
+        for (const QObject *step = widget; step; step = step->parent())
+            path.prepend(step->objectName() + QLatin1Char('/'));
+        sheets.insert(path + QString::number(i), widget->styleSheet());
+    }
+    return sheets;
+}
+
+} // namespace
+
+void TestMainWindow::eachLookIsCheckedKeptAndRestoredAtTheNextStart_data()
+{
+    QTest::addColumn<Look::Kind>("kind");
+    QTest::addColumn<Look::Kind>("shown");
+    QTest::newRow("light") << Look::Kind::Light << Look::Kind::Light;
+    QTest::newRow("dark") << Look::Kind::Dark << Look::Kind::Dark;
+    // The offscreen platform's palette is light.
+    QTest::newRow("system") << Look::Kind::System << Look::Kind::Light;
+    QTest::newRow("classic") << Look::Kind::Classic << Look::Kind::Classic;
+}
+
+void TestMainWindow::eachLookIsCheckedKeptAndRestoredAtTheNextStart()
+{
+    QFETCH(Look::Kind, kind);
+    QFETCH(Look::Kind, shown);
+    MainWindowFixture f;
+    MainWindow &window = f.window();
+    // Classic until the user picks another.
+    QVERIFY(lookAction(window, Look::Kind::Classic)->isChecked());
+    QCOMPARE(Look::chosen(), Look::Kind::Classic);
+    if (kind == Look::Kind::Classic)
+        lookAction(window, Look::Kind::Dark)->trigger();
+
+    lookAction(window, kind)->trigger();
+    for (const Look::Kind other : { Look::Kind::Classic, Look::Kind::Light, Look::Kind::Dark, Look::Kind::System })
+        QCOMPARE(lookAction(window, other)->isChecked(), other == kind);
+    QCOMPARE(Look::chosen(), kind);
+    QCOMPARE(Look::shown(), shown);
+    QCOMPARE(
+        QSettings(QStringLiteral("Ledgerly"), QStringLiteral("Ledgerly")).value(QStringLiteral("View/look")).toString(),
+        Look::name(kind));
+
+    // The next start: the program begins in Classic, as main() sets it up,
+    // and the window brings the kept look back.
+    Look::apply(Look::Kind::Classic);
+    MainWindow &next = f.restart();
+    QVERIFY(lookAction(next, kind)->isChecked());
+    QCOMPARE(Look::chosen(), kind);
+    QCOMPARE(Look::shown(), shown);
+}
+
+void TestMainWindow::switchingTheLookRestylesTheShownPageAndClassicGivesEverySheetBack()
+{
+    MainWindowFixture f;
+    MainWindow &window = f.window();
+    QVERIFY(f.show());
+    f.click("pushButtonNewEntry");
+    QWidget *page = f.page();
+    const QMap<QString, QString> classicSheets = styleSheetsUnder(&window);
+    auto *field = child<QLineEdit>(*page, "lineEditItemName");
+    auto *add = child<QPushButton>(*page, "pushButtonAdd");
+    const auto groundOf = [&window](QWidget *widget) {
+        const QImage picture = window.grab().toImage();
+        return groundColour(picture,
+                            QRect(widget->mapTo(&window, QPoint(0, 0)), widget->size()).adjusted(4, 4, -4, -4));
+    };
+    QCOMPARE(groundOf(page), QColor(Qt::black));
+    QCOMPARE(groundOf(field), QColor(254, 255, 189));
+
+    lookAction(window, Look::Kind::Light)->trigger();
+    // The page shown is restyled at once: no black page, plain fields and
+    // buttons.
+    QVERIFY2(groundOf(page).lightness() > 200, qPrintable(groundOf(page).name()));
+    QCOMPARE(groundOf(field), QColor(Qt::white));
+    QVERIFY(!add->styleSheet().contains(QStringLiteral("gradient")));
+    QCOMPARE(groundOf(add).red(), groundOf(add).blue());
+
+    lookAction(window, Look::Kind::Dark)->trigger();
+    QVERIFY2(groundOf(page).lightness() < 60, qPrintable(groundOf(page).name()));
+    // No yellow field in the dark look.
+    QVERIFY2(groundOf(field).lightness() < 60, qPrintable(groundOf(field).name()));
+    // A page made while the look shows is in the look too.
+    f.click("pushButtonOptions");
+    QVERIFY2(groundOf(f.page()).lightness() < 100, qPrintable(groundOf(f.page()).name()));
+
+    f.click("pushButtonNewEntry");
+    lookAction(window, Look::Kind::Classic)->trigger();
+    QCOMPARE(styleSheetsUnder(&window), classicSheets);
+    QCOMPARE(groundOf(f.page()), QColor(Qt::black));
+    QCOMPARE(groundOf(child<QLineEdit>(*f.page(), "lineEditItemName")), QColor(254, 255, 189));
+}
+
+void TestMainWindow::everyTextOfEveryPageIsReadableInTheDesktopLooks_data()
+{
+    QTest::addColumn<Look::Kind>("kind");
+    QTest::addColumn<QByteArray>("button");
+    for (const Look::Kind kind : { Look::Kind::Light, Look::Kind::Dark }) {
+        for (const char *button :
+             { "pushButtonHome", "pushButtonNewEntry", "pushButtonHistory", "pushButtonOptions", "pushButtonExit" })
+            QTest::addRow("%s %s", qPrintable(Look::name(kind)), button) << kind << QByteArray(button);
+    }
+}
+
+void TestMainWindow::everyTextOfEveryPageIsReadableInTheDesktopLooks()
+{
+    QFETCH(Look::Kind, kind);
+    QFETCH(QByteArray, button);
+    MainWindowFixture f;
+    f.addEntry(QStringLiteral("Coffee"), QStringLiteral("Drinks"), QDateTime(QDate(2026, 11, 15), QTime(8, 30)), 2.5);
+    f.addEntry(QStringLiteral("Bread"), QStringLiteral("Food"), QDateTime(QDate(2026, 11, 16), QTime(9, 0)), 3.0);
+    MainWindow &window = f.window();
+    QVERIFY(f.show());
+    lookAction(window, kind)->trigger();
+    f.click(button.constData());
+    QWidget *shownPage = f.stack()->currentWidget();
+    const QImage picture = window.grab().toImage();
+    int checked = 0;
+    const QList<QWidget *> widgets = shownPage->findChildren<QWidget *>();
+    for (QWidget *widget : widgets) {
+        QString text;
+        if (auto *label = qobject_cast<QLabel *>(widget))
+            text = label->text();
+        else if (auto *button = qobject_cast<QAbstractButton *>(widget))
+            text = button->text();
+        if (text.trimmed().isEmpty() || !widget->isVisible() || widget->visibleRegion().isEmpty())
+            continue;
+        const QRect area = QRect(widget->mapTo(&window, QPoint(0, 0)), widget->size()).intersected(picture.rect());
+        const double contrast = drawnContrast(picture, area);
+        QVERIFY2(contrast >= 4.5, qPrintable(QStringLiteral("%1: %2").arg(widget->objectName()).arg(contrast)));
+        ++checked;
+    }
+    // The home page shows a picture only.
+    if (button != "pushButtonHome")
+        QVERIFY(checked > 0);
+}
