@@ -405,6 +405,22 @@ QColor Look::readable(const QColor &colour, const QColor &ground)
     return shade.toRgb();
 }
 
+Look::GraphColours Look::graphColours()
+{
+    const QColor orange(246, 146, 64);
+    if (shown() == Kind::Classic)
+        return { Qt::black, Qt::white, QColor(63, 63, 63), QColor(134, 134, 134), Qt::white, orange };
+    const QPalette look = palette(shown());
+    const QColor plot = look.color(QPalette::Base);
+    const bool dark = shown() == Kind::Dark;
+    return { look.color(QPalette::Window),
+             look.color(QPalette::Mid),
+             plot,
+             dark ? QColor(0x5a, 0x5a, 0x5a) : QColor(0xc4, 0xc4, 0xc4),
+             look.color(QPalette::WindowText),
+             readable(orange, plot) };
+}
+
 QString Look::readableRichText(const QString &text, const QColor &ground)
 {
     static const QRegularExpression named(QStringLiteral("(color\\s*[:=]\\s*[\"']?)(#[0-9a-fA-F]{6}|#[0-9a-fA-F]{3})"),

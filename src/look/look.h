@@ -55,6 +55,20 @@ public:
     // guidelines ask of text): lighter on a dark ground, darker on a light.
     static QColor readable(const QColor &colour, const QColor &ground);
 
+    // The colours a line graph is drawn in: in Classic the graph's own (a
+    // grey plot with an orange line on black, white labels), in the
+    // desktop looks the look's grounds and text with a line that stands out.
+    struct GraphColours
+    {
+        QColor background;
+        QColor border;
+        QColor plot;
+        QColor grid;
+        QColor text;
+        QColor line;
+    };
+    static GraphColours graphColours();
+
     // Rich text with each colour it names made readable on `ground`.
     static QString readableRichText(const QString &text, const QColor &ground);
 
