@@ -3,7 +3,7 @@
 
 #include "historybuckets.h"
 
-#include "databasemanager.h"
+#include "records.h"
 #include "format.h"
 
 #include <QHash>

@@ -4,7 +4,7 @@
 #include "csvformat.h"
 
 #include "amount.h"
-#include "databasemanager.h"
+#include "records.h"
 #include "storageform.h"
 
 #include <QCoreApplication>

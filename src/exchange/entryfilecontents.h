@@ -3,7 +3,7 @@
 
 #pragma once
 
-#include "databasemanager.h"
+#include "records.h"
 
 #include <QByteArrayView>
 #include <QDate>

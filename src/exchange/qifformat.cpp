@@ -5,7 +5,7 @@
 
 #include "amount.h"
 #include "csvformat.h"
-#include "databasemanager.h"
+#include "records.h"
 
 #include <QCoreApplication>
 #include <QRegularExpression>

@@ -3,7 +3,7 @@
 
 #include "placesmap.h"
 
-#include "databasemanager.h"
+#include "records.h"
 #include "format.h"
 
 #include <QFile>

@@ -13,181 +13,15 @@
 #include <QVariant>
 
 #include <functional>
+#include <memory>
 #include <optional>
 #include <unordered_map>
 #include <utility>
 
+#include "records.h"
+#include "statements.h"
+
 class QSqlTableModel;
-
-// Plain records, one per table row, field for field in column order. Records
-// that DatabaseManager returns are allocated per call and owned by the caller.
-
-class Category
-{
-public:
-    Category();
-    ~Category();
-
-    int SNo;
-    QString CategoryName;
-};
-
-class Mode
-{
-public:
-    Mode();
-    ~Mode();
-
-    int SNo;
-    QString ModeName;
-};
-
-class Items
-{
-public:
-    Items();
-    ~Items();
-
-    int SNo;
-    QString ItemName;
-    QString CategoryName;
-    int CategoryID;
-    float LastPrice;
-    int UseFrequency;
-};
-
-class ItemSubstitutes
-{
-public:
-    ItemSubstitutes();
-    ~ItemSubstitutes();
-
-    int SNo;
-    QString ItemName;
-    QString SubstituteName;
-    int ItemID;
-    int SubstituteID; // stored in the column "SubstitueID"
-};
-
-class HistoricLocation
-{
-public:
-    HistoricLocation();
-    ~HistoricLocation();
-
-    int SNo;
-    QString LocationName;
-    float LocationLongitude;
-    float LocationLatitude;
-    QString ReverseGeoLocation;
-    QString CoordinateText;
-};
-
-class Entry
-{
-public:
-    Entry();
-    ~Entry();
-
-    int SNo;
-    QString ItemName;
-    QString CategoryName;
-    int CategoryID;
-    QDateTime TransactDateTime;
-    float Price;
-    QString LocationText;
-    bool EnableGeoLoc;
-    int GeoLocID;
-    float GeoLocLongit;
-    float GeoLocLatit;
-    int ItemID;
-};
-
-// What the entries at one place text add up to: a line of the places
-// report, grouped from table Entry, not a row of a table of its own.
-class PlaceSpending
-{
-public:
-    PlaceSpending();
-    ~PlaceSpending();
-
-    QString LocationText;
-    int NumberOfEntries;
-    float Total;
-    float Average;
-    QDateTime LastVisit;
-};
-
-// What the entries of one category add up to: a line of the history page's
-// per-category figures, grouped from table Entry.
-class CategorySpending
-{
-public:
-    CategorySpending();
-    ~CategorySpending();
-
-    QString CategoryName;
-    // The distinct stored date-times of the category's entries, as
-    // GetAllDistinctDatesOfEntriesOfCategory() lists them.
-    int NumberOfDateTimes;
-    // The prices added in single precision in the order that
-    // GetAllEntriesOfCategory() lists the entries, so that the sum is the
-    // very float that adding up that list gives.
-    float Total;
-};
-
-// A remembered place (a HistoricLocation row) with what the entries that
-// point at it (by GeoLocID) add up to.
-class RememberedPlaceSpending
-{
-public:
-    RememberedPlaceSpending();
-    ~RememberedPlaceSpending();
-
-    int SNo;
-    QString LocationName;
-    float LocationLongitude;
-    float LocationLatitude;
-    int NumberOfEntries;
-    float Total;
-};
-
-// Owns the records of one list that the store returned and deletes them with
-// itself; it reads like the list (range-for, size(), at(), list()). Made by
-// owned(): `const auto entries = owned(store.GetAllEntries());`.
-template<typename Record> class OwnedList
-{
-public:
-    explicit OwnedList(QList<Record *> records) : records(std::move(records)) { }
-    ~OwnedList() { qDeleteAll(records); }
-    OwnedList(OwnedList &&other) noexcept : records(std::exchange(other.records, {})) { }
-    OwnedList &operator=(OwnedList &&other) noexcept
-    {
-        records.swap(other.records);
-        return *this;
-    }
-    OwnedList(const OwnedList &) = delete;
-    OwnedList &operator=(const OwnedList &) = delete;
-
-    const QList<Record *> &list() const { return records; }
-    // Hands the records over to the caller, who then deletes them; the list
-    // is left empty.
-    QList<Record *> release() { return std::exchange(records, {}); }
-    qsizetype size() const { return records.size(); }
-    bool isEmpty() const { return records.isEmpty(); }
-    Record *at(qsizetype i) const { return records.at(i); }
-    Record *operator[](qsizetype i) const { return records.at(i); }
-    auto begin() const { return records.cbegin(); }
-    auto end() const { return records.cend(); }
-
-private:
-    QList<Record *> records;
-};
-
-template<typename Record> OwnedList<Record> owned(QList<Record *> records)
-{
-    return OwnedList<Record>(std::move(records));
-}
 
 // The expense store: owns the SQLite connection (registered under Qt's
 // default connection name) and every SQL statement of the program. Failures
@@ -205,7 +39,11 @@ template<typename Record> OwnedList<Record> owned(QList<Record *> records)
 // refused and unusable, so that no model ever loses the file it shows. The
 // last store to go closes the connection; table models made by the store
 // must go before it.
-struct sqlite3;
+class EntryQuery;
+class SqliteReader;
+class Statements;
+class StoreConnection;
+class Transactions;
 
 class DatabaseManager : public QObject
 {
@@ -230,6 +68,10 @@ public:
     // Item catalogue
     bool AddItem(Items *t);
     bool EditItem(Items *old, Items *newItem);
+    // Fills its statement's text with the values unquoted, as it always
+    // has, so that anything but a bare number makes SQLite refuse it: it
+    // deletes nothing in practice. Nothing calls it, and nothing may; every
+    // deletion the program makes binds its values, by SNo or by key.
     bool DeleteItem(Items *t);
     int GetItemID(QString itemname, QString itemCategory);
     int GetItemID(Items *t);
@@ -239,6 +81,10 @@ public:
     // Item substitutes
     bool AddItemSubstitutes(ItemSubstitutes *t);
     bool EditItemSubstitutes(ItemSubstitutes *old, ItemSubstitutes *newItem);
+    // Fills its statement's text with the values unquoted, as it always
+    // has, so that anything but a bare number makes SQLite refuse it: it
+    // deletes nothing in practice. Nothing calls it, and nothing may; every
+    // deletion the program makes binds its values, by SNo or by key.
     bool DeleteItemSubstitutes(ItemSubstitutes *t);
     int GetItemSubstitutesID(QString itemname, QString subName);
     int GetItemSubstitutesID(ItemSubstitutes *t);
@@ -247,6 +93,10 @@ public:
     // Remembered places
     bool AddHistoricLocation(HistoricLocation *loc);
     bool EditHistoricLocation(HistoricLocation *OldLoc, HistoricLocation *NewLoc);
+    // Fills its statement's text with the values unquoted, as it always
+    // has, so that anything but a bare number makes SQLite refuse it: it
+    // deletes nothing in practice. Nothing calls it, and nothing may; every
+    // deletion the program makes binds its values, by SNo or by key.
     bool DeleteHistoricLocation(HistoricLocation *loc);
     int GetHistoricLocationID(HistoricLocation *loc);
     HistoricLocation *GetHistoricLocationByCoordinates(float longit, float latit);
@@ -254,6 +104,10 @@ public:
 
     // Entries
     bool AddEntry(Entry *enteredEntry);
+    // Fills its statement's text with the values unquoted, as it always
+    // has, so that anything but a bare number makes SQLite refuse it: it
+    // deletes nothing in practice. Nothing calls it, and nothing may; every
+    // deletion the program makes binds its values, by SNo or by key.
     bool DeleteEntry(Entry *ent);
     int GetEntryID(Entry *en);
 
@@ -383,92 +237,36 @@ public:
     using Progress = std::function<bool(qint64 done, qint64 total)>;
     bool backUpTo(const QString &destination, const Progress &progress = {}, QString *failure = nullptr);
 
+    // Empty when the file takes writes; else why it does not (read-only, a
+    // full disk, a step of its schema that could not be applied), to be told
+    // once at start-up. The store stays usable for reading.
+    QString writeProblem() const;
+    // Whether the file could not be opened only because another program
+    // held it locked at start-up.
+    bool isHeldByAnotherProgram() const;
+
+    // The statements of the store's connection, for the store's own classes
+    // that keep tables of their own in the file.
+    Statements &statementRunner();
+
 private:
     bool setupDatabase(QString dbname);
-    bool createCategoryTable();
-    bool createItemsTable();
-    bool createModeTable();
-    bool createHistoricLocationTable();
-    bool createItemSubstitutesTable();
-    bool createEntryTable();
-    void addDefaultCategories();
-    void addDefaultModes();
-    void createTablesAndDefaultRows();
-
-    bool createTableIfMissing(const QString &table, const QString &createStatement);
-    // The one way a name is added (a category, a mode, a default row) and
-    // renamed; the statements differ, the rules do not.
-    bool addNameIfMissing(const QString &name, const QString &countStatement, const QString &insertStatement);
     bool renameIfStoredOnce(const QString &oldName, const QString &newName, const QString &countStatement,
                             const QString &updateStatement);
-    void setBusyTimeout(int milliseconds);
-    bool driverRunsOurSqlite();
-
-    // A write of several statements that succeeds or fails as one: between
-    // beginWrite() and endWrite(), the first statement that fails because of
-    // the file makes every later one fail at once, and endWrite() then
-    // undoes them all. endWrite() returns `result` when the work was kept.
-    bool beginWrite();
-    bool endWrite(bool result);
-    void noteFailure(bool executed, const QSqlQuery &query);
     // AddEntry's statements, inside its write.
     bool writeEntry(const Entry *enteredEntry);
-
-    // Named parameters and the values bound to them, already in their
-    // storage forms (see the *Value helpers in the .cpp).
-    using Bindings = QList<QPair<QString, QVariant>>;
-
-    // The one way statements run: on a forward-only query made into `query`
-    // on the store's connection, prepared and bound. When the connection is
-    // not open no query is made at all, so an unopened store fails silently.
-    bool run(std::optional<QSqlQuery> &query, const QString &statement, const Bindings &bindings = {});
-    // A bound statement ready to execute, for the helpers that read at most
-    // its first row: inside runInTransaction() the query kept for its text,
-    // prepared once; otherwise `fresh`, prepared now. Null when it cannot be
-    // prepared. A caller reads what it needs before the same text runs again.
-    QSqlQuery *bound(std::optional<QSqlQuery> &fresh, const QString &statement, const Bindings &bindings);
-    // Executes what bound() gave (false for null), noting a failure of the
-    // file as run() does.
-    bool executeBound(QSqlQuery *query);
-    // Runs a bound statement whose rows nobody reads.
-    bool execute(const QString &statement, const Bindings &bindings);
-    // Runs a finished statement text as it is, without binding anything.
-    bool runText(std::optional<QSqlQuery> &query, const QString &statement);
-    // Runs a count statement; *count is column 0 of the first row, or 0.
-    bool runCount(const QString &statement, const Bindings &bindings, int *count);
-    int count(const QString &statement, const Bindings &bindings = {});
-    int firstId(const QString &statement, const Bindings &bindings);
-    QString firstText(const QString &statement, const Bindings &bindings);
     QDateTime entryDateBound(const QString &statement, const Bindings &bindings = {});
-    QList<Entry *> entryList(const QString &clause, const Bindings &bindings = {});
-    // Runs a statement and hands each row to `visit`, as a QSqlQuery or, on
-    // the connection's own handle where it can be used, as a row of that
-    // handle that answers value() alike. False when the statement could not
-    // run or reading stopped before the last row.
-    template<typename Visit> bool readRows(const QString &statement, const Bindings &bindings, Visit visit);
-    // The connection's own SQLite handle, or null when there is none to use.
-    sqlite3 *sqliteHandle() const;
     QList<Items *> itemList(const QString &statement, const Bindings &bindings = {});
     QList<ItemSubstitutes *> itemSubstitutesList(const QString &statement, const Bindings &bindings = {});
     QList<HistoricLocation *> historicLocationList(const QString &statement, const Bindings &bindings = {});
-    template<typename Record, typename Read>
-    QList<Record *> recordList(const QString &statement, const Bindings &bindings, Read read);
 
-    bool indexItemsForImport();
-    void forgetPreparedStatements();
-
-    QSqlDatabase db;
-    QString fileName;
+    // The connection and what runs on it, each of its own concern; declared
+    // in the order they depend on each other, so that they go in reverse.
+    std::unique_ptr<StoreConnection> connection;
+    std::unique_ptr<Statements> statements;
+    std::unique_ptr<Transactions> transactions;
+    std::unique_ptr<SqliteReader> reader;
+    std::unique_ptr<EntryQuery> entries;
     QString lastOpenError;
-    bool handleUsable = false;
-    bool writing = false;
-    bool writeFailed = false;
-    // Inside a transaction, the queries of the statements run so far, by
-    // statement text: an import runs the same dozen statements for every
-    // entry, and preparing them is most of the cost of each. A prepared
-    // query holds its statement open, so they are let go before the
-    // transaction ends; outside one every statement is prepared afresh and
-    // none keeps the file's read lock between calls.
-    std::unordered_map<QString, QSqlQuery> preparedStatements;
-    bool inTransaction = false;
+    QString lastWriteProblem;
 };

@@ -66,3 +66,10 @@ QString StorageForm::boolean(bool value)
 {
     return value ? QStringLiteral("true") : QStringLiteral("false");
 }
+
+QDateTime StorageForm::readDateTime(const QVariant &value)
+{
+    if (value.typeId() != QMetaType::QString)
+        return value.toDateTime();
+    return readDateTime(value.toString());
+}

@@ -5,6 +5,7 @@
 
 #include <QDateTime>
 #include <QString>
+#include <QVariant>
 
 // The forms in which the database file keeps the values that Qt's SQLite
 // driver would write differently. The store binds through these, and so do
@@ -22,6 +23,9 @@ public:
     // (milliseconds, a zone, 24:00) as Qt's general parser reads it; invalid
     // when the text is no date-time at all.
     static QDateTime readDateTime(const QString &text);
+    // A value read from a date column: as above for a text; a number there
+    // is no date-time, whatever its digits say.
+    static QDateTime readDateTime(const QVariant &value);
 
     // "true" or "false": the driver would write 1 or 0, and the file has
     // always held the texts, which QVariant::toBool reads back.

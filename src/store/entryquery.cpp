@@ -1,0 +1,146 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// Copyright 2026 The Ledgerly developers
+
+#include "entryquery.h"
+
+#include "sqlitereader.h"
+#include "storageform.h"
+
+#include <QHash>
+#include <QStringList>
+
+namespace {
+
+// The texts of one list, each kept once. Entries repeat a few hundred item,
+// category and place names over thousands of rows; sharing one string per
+// distinct text, rather than holding one per row, keeps long lists (and the
+// tables that show them, which keep the same strings) a good deal lighter.
+class TextPool
+{
+public:
+    QString shared(const QString &text)
+    {
+        // A null text (NULL in the file) and an empty one compare equal here
+        // but are not the same value: neither is pooled.
+        if (text.isEmpty())
+            return text;
+        const auto found = texts.constFind(text);
+        if (found != texts.constEnd())
+            return *found;
+        texts.insert(text, text);
+        return text;
+    }
+
+private:
+    QHash<QString, QString> texts;
+};
+
+// Reads one entry row from anything that answers value(column) as Qt's
+// SQLite driver would: a QSqlQuery, or a SqliteRow.
+template<typename Row> Entry *readEntry(const Row &row, TextPool &texts)
+{
+    auto *entry = new Entry;
+    entry->SNo = row.value(0).toInt();
+    entry->ItemName = texts.shared(row.value(1).toString());
+    entry->CategoryName = texts.shared(row.value(2).toString());
+    entry->CategoryID = row.value(3).toInt();
+    entry->TransactDateTime = StorageForm::readDateTime(row.value(4));
+    entry->Price = row.value(5).toFloat();
+    entry->LocationText = texts.shared(row.value(6).toString());
+    entry->EnableGeoLoc = row.value(7).toBool();
+    entry->GeoLocID = row.value(8).toInt();
+    entry->GeoLocLongit = row.value(9).toFloat();
+    entry->GeoLocLatit = row.value(10).toFloat();
+    entry->ItemID = row.value(11).toInt();
+    return entry;
+}
+
+} // namespace
+
+EntryFilter EntryFilter::ofCategory(const QString &name)
+{
+    EntryFilter filter;
+    filter.category = name;
+    return filter;
+}
+
+EntryFilter &EntryFilter::at(const QDateTime &when)
+{
+    dates = Dates::At;
+    first = last = when;
+    return *this;
+}
+
+EntryFilter &EntryFilter::between(const QDateTime &from, const QDateTime &to)
+{
+    dates = Dates::Between;
+    first = from;
+    last = to;
+    return *this;
+}
+
+EntryFilter &EntryFilter::cheapestFirst()
+{
+    order = Order::CheapestFirst;
+    return *this;
+}
+
+EntryQuery::EntryQuery(Statements &statements, SqliteReader &reader) : statements(statements), reader(reader) { }
+
+const QString &EntryQuery::columns()
+{
+    static const QString text = QStringLiteral("select SNo,ItemName,CategoryName,CategoryID,TransactDateTime,Price,"
+                                               "LocationText,EnableGeoLoc,GeoLocID,GeoLocLongit,GeoLocLatit,ItemID "
+                                               "from Entry");
+    return text;
+}
+
+QString EntryQuery::where(const EntryFilter &filter, Bindings *bindings)
+{
+    QStringList conditions;
+    if (filter.category) {
+        conditions << QStringLiteral("CategoryName = :catName");
+        bindings->append({ QStringLiteral(":catName"), *filter.category });
+    }
+    switch (filter.dates) {
+    case EntryFilter::Dates::Any:
+        break;
+    case EntryFilter::Dates::At:
+        conditions << QStringLiteral("TransactDateTime = :givenDate");
+        bindings->append({ QStringLiteral(":givenDate"), StorageForm::dateTime(filter.first) });
+        break;
+    case EntryFilter::Dates::Between:
+        conditions << QStringLiteral("TransactDateTime >= :firstDate and TransactDateTime <= :endDate");
+        bindings->append({ QStringLiteral(":firstDate"), StorageForm::dateTime(filter.first) });
+        bindings->append({ QStringLiteral(":endDate"), StorageForm::dateTime(filter.last) });
+        break;
+    }
+    return conditions.isEmpty() ? QString() : QStringLiteral(" where ") + conditions.join(QStringLiteral(" and "));
+}
+
+QList<Entry *> EntryQuery::list(const EntryFilter &filter)
+{
+    Bindings bindings;
+    // Sorted by date-time or by price only: rows that tie keep the order of
+    // the table, as they always have.
+    const QString statement = columns() + where(filter, &bindings) +
+        (filter.order == EntryFilter::Order::NewestFirst ? QStringLiteral(" order by TransactDateTime desc")
+                                                         : QStringLiteral(" order by Price"));
+    // The list grows with the rows it gets: a count of the table first
+    // would decide nothing.
+    QList<Entry *> records;
+    TextPool texts;
+    if (!reader.readRows(statement, bindings, [&](const auto &row) { records.append(readEntry(row, texts)); })) {
+        qDeleteAll(records);
+        records.clear();
+    }
+    return records;
+}
+
+int EntryQuery::count(const EntryFilter &filter)
+{
+    Bindings bindings;
+    const QString condition = where(filter, &bindings);
+    return statements.count(QStringLiteral("SELECT COUNT(ItemName) FROM Entry") + condition + QLatin1Char(';'),
+                            bindings);
+}
