@@ -159,11 +159,18 @@ bool allCellsAreRedReadOnlyAndStretched(const QTableWidget *table)
                 return false;
         }
     }
+    // The columns share the width; one whose heading would not fit in its
+    // share keeps the heading's width instead.
+    const QHeaderView *header = table->horizontalHeader();
+    bool stretched = false;
     for (int column = 0; column < table->columnCount(); ++column) {
-        if (table->horizontalHeader()->sectionResizeMode(column) != QHeaderView::Stretch)
+        if (header->sectionResizeMode(column) == QHeaderView::Stretch)
+            stretched = true;
+        else if (header->sectionResizeMode(column) != QHeaderView::Fixed ||
+                 header->sectionSize(column) < header->sectionSizeHint(column))
             return false;
     }
-    return true;
+    return stretched;
 }
 
 // Pixels of a cell's text in a picture of the table as it shows on screen:

@@ -525,7 +525,8 @@ void TestLook::desktopLooksUseFusionAndTheirPaletteEverywhere()
     QFETCH(Look::Kind, kind);
     const QString desktopStyle = QApplication::style()->name();
     Look::apply(kind);
-    QCOMPARE(QApplication::style()->name(), QStringLiteral("fusion"));
+    QVERIFY(qobject_cast<PageStyle *>(QApplication::style()));
+    QCOMPARE(static_cast<QProxyStyle *>(QApplication::style())->baseStyle()->name(), QStringLiteral("fusion"));
     const QPalette look = Look::palette(kind);
     for (const char *className : { "QComboBox", "QCheckBox", "QMenu", "QMenuBar", "QLabel" })
         QCOMPARE(QApplication::palette(className).color(QPalette::WindowText), look.color(QPalette::WindowText));

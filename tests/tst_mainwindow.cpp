@@ -12,6 +12,7 @@
 #include "contrast.h"
 #include "filedialoganswerer.h"
 #include "mainwindowfixture.h"
+#include "pagewalk.h"
 #include "messageboxanswerer.h"
 #include "rawdatabase.h"
 #include "temphome.h"
@@ -188,6 +189,12 @@ private slots:
     void switchingTheLookRestylesTheShownPageAndClassicGivesEverySheetBack();
     void everyTextOfEveryPageIsReadableInTheDesktopLooks_data();
     void everyTextOfEveryPageIsReadableInTheDesktopLooks();
+
+    // Also run at a scale factor of 2 (see tests/CMakeLists.txt).
+    void noTextOfAnyPageIsCutOffAtTheDefaultSize_data();
+    void noTextOfAnyPageIsCutOffAtTheDefaultSize();
+    void everyControlOfEveryPageHasAnAccessibleName();
+    void theTabKeyReachesTheMenuThenTheTabsThenTheirTables();
 
 private:
     // Points the settings at a fresh configuration directory, as a start
@@ -1868,4 +1875,123 @@ void TestMainWindow::everyTextOfEveryPageIsReadableInTheDesktopLooks()
     // The home page shows a picture only.
     if (button != "pushButtonHome")
         QVERIFY(checked > 0);
+}
+
+namespace {
+
+// Entries as a year of use leaves them: long names, places and prices. At
+// midnight, as the new-entry page stores them, so that the date-wise tab's
+// first day (the newest entry's) holds one.
+void addEveryDayEntries(MainWindowFixture &f)
+{
+    f.addEntry(QStringLiteral("Weekly groceries at the market"), QStringLiteral("Food"),
+               QDateTime(QDate(2026, 10, 30), QTime(0, 0)), 123.45);
+    f.addEntry(QStringLiteral("Coffee"), QStringLiteral("Drinks"), QDateTime(QDate(2026, 11, 15), QTime(0, 0)), 2.5);
+    f.addEntry(QStringLiteral("Train ticket to the coast"), QStringLiteral("Travel"),
+               QDateTime(QDate(2026, 11, 16), QTime(0, 0)), 38.9);
+}
+
+} // namespace
+
+void TestMainWindow::noTextOfAnyPageIsCutOffAtTheDefaultSize_data()
+{
+    QTest::addColumn<Look::Kind>("kind");
+    for (const Look::Kind kind : { Look::Kind::Classic, Look::Kind::Light, Look::Kind::Dark })
+        QTest::newRow(qPrintable(Look::name(kind))) << kind;
+}
+
+void TestMainWindow::noTextOfAnyPageIsCutOffAtTheDefaultSize()
+{
+    QFETCH(Look::Kind, kind);
+    MainWindowFixture f;
+    addEveryDayEntries(f);
+    // None is expected; one that comes fails the test instead of waiting.
+    MessageBoxAnswerer answerer;
+    MainWindow &window = f.window();
+    QVERIFY(f.show());
+    lookAction(window, kind)->trigger();
+    QStringList cut;
+    QSet<QString> seen;
+    int pages = 0;
+    visitEveryPage(f, [&cut, &seen, &pages, &window](const QString &where, QWidget *) {
+        ++pages;
+        // Each once, at the first page that shows it.
+        for (const QString &text : cutTexts(&window)) {
+            if (!seen.contains(text))
+                cut.append(where + QStringLiteral(": ") + text);
+            seen.insert(text);
+        }
+    });
+    // Home, About, new entry, five history tabs, details, three options tabs.
+    QCOMPARE(pages, 12);
+    QVERIFY2(answerer.errors().isEmpty(), qPrintable(answerer.errors().join(QLatin1Char('\n'))));
+    if (!qEnvironmentVariableIsEmpty("LEDGERLY_GRAB"))
+        window.grab().save(qEnvironmentVariable("LEDGERLY_GRAB"));
+    // Every one, where a failure message would cut the list short.
+    for (const QString &text : std::as_const(cut))
+        qInfo().noquote() << text;
+    QVERIFY2(cut.isEmpty(), qPrintable(QStringLiteral("%1 texts cut off").arg(cut.size())));
+}
+
+void TestMainWindow::everyControlOfEveryPageHasAnAccessibleName()
+{
+    MainWindowFixture f;
+    addEveryDayEntries(f);
+    MessageBoxAnswerer answerer;
+    MainWindow &window = f.window();
+    QVERIFY(f.show());
+    QStringList unnamed;
+    QSet<QString> seen;
+    int controls = 0;
+    visitEveryPage(f, [&](const QString &where, QWidget *) {
+        for (const QString &control : unnamedControls(&window)) {
+            if (!seen.contains(control))
+                unnamed.append(where + QStringLiteral(": ") + control);
+            seen.insert(control);
+        }
+        const QList<QWidget *> widgets = window.findChildren<QWidget *>();
+        for (const QWidget *widget : widgets)
+            controls += widget->isVisible() && widget->focusPolicy() != Qt::NoFocus ? 1 : 0;
+    });
+    QVERIFY(controls > 40);
+    QVERIFY2(answerer.errors().isEmpty(), qPrintable(answerer.errors().join(QLatin1Char('\n'))));
+    for (const QString &control : std::as_const(unnamed))
+        qInfo().noquote() << control;
+    QVERIFY2(unnamed.isEmpty(), qPrintable(QStringLiteral("%1 controls without a name").arg(unnamed.size())));
+}
+
+void TestMainWindow::theTabKeyReachesTheMenuThenTheTabsThenTheirTables()
+{
+    MainWindowFixture f;
+    addEveryDayEntries(f);
+    MainWindow &window = f.window();
+    QVERIFY(f.show());
+    f.click("pushButtonHistory");
+    auto *tabs = child<QTabWidget>(*f.page(), "tabWidgetHistoryContainer");
+    auto *entries = child<QTableWidget>(*f.page(), "tableWidgetAllEntries");
+    tabs->setCurrentWidget(entries->parentWidget());
+    QCOMPARE(tabs->currentWidget(), entries->parentWidget());
+
+    // What the Tab key visits, from the first menu button on, in its order:
+    // the focus chain's widgets that take the focus by Tab and can.
+    QStringList order;
+    QWidget *first = child<QPushButton>(window, "pushButtonHome");
+    QWidget *step = first;
+    do {
+        if ((step->focusPolicy() & Qt::TabFocus) && step->isVisible() && step->isEnabled() && !step->focusProxy())
+            order.append(step->objectName().isEmpty() ? QString::fromLatin1(step->metaObject()->className())
+                                                      : step->objectName());
+        step = step->nextInFocusChain();
+    } while (step != first && order.size() < 200);
+
+    const QStringList expected = { "pushButtonHome", "pushButtonNewEntry",  "pushButtonHistory",    "pushButtonOptions",
+                                   "pushButtonExit", "qt_tabwidget_tabbar", "tableWidgetAllEntries" };
+    qsizetype from = 0;
+    for (const QString &name : expected) {
+        const qsizetype at = order.indexOf(name, from);
+        QVERIFY2(at >= 0, qPrintable(name + QStringLiteral(" not after ") + order.join(QLatin1Char(' '))));
+        from = at + 1;
+    }
+    // The menu comes first.
+    QCOMPARE(order.mid(0, 5), expected.mid(0, 5));
 }

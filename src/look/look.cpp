@@ -7,6 +7,7 @@
 
 #include <QApplication>
 #include <QDialog>
+#include <QAbstractItemView>
 #include <QLabel>
 #include <QRegularExpression>
 #include <QStyleFactory>
@@ -114,6 +115,19 @@ public:
         case QEvent::StyleChange:
             if (shown != Look::Kind::Classic && watched->isWidgetType())
                 restyle(static_cast<QWidget *>(watched));
+            break;
+        case QEvent::Show:
+            if (auto *label = qobject_cast<QLabel *>(watched))
+                Look::fitToText(label);
+            break;
+        case QEvent::LayoutRequest:
+            // What a label asks of a parent without a layout when its text
+            // changes: the totals and figures the pages write as they go.
+            if (watched->isWidgetType()) {
+                const QList<QLabel *> labels = watched->findChildren<QLabel *>(QString(), Qt::FindDirectChildrenOnly);
+                for (QLabel *label : labels)
+                    Look::fitToText(label);
+            }
             break;
         case QEvent::Paint:
             // A page writes its label texts whenever its figures change;
@@ -264,7 +278,7 @@ void applyClassic(LookKeeper *keeper)
 // lists and tool tips included.
 void applyDesktopLook(LookKeeper *keeper, const QPalette &palette)
 {
-    QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
+    QApplication::setStyle(new PageStyle(QStringLiteral("Fusion")));
     keeper->dialogPalette = everyRoleSet(palette);
     QApplication::setPalette(palette);
     for (const char *className : { "QComboBox", "QCheckBox", "QMenuBar", "QMenu" })
@@ -436,6 +450,19 @@ QString Look::readableRichText(const QString &text, const QColor &ground)
     }
     result += QStringView(text).mid(done);
     return result;
+}
+
+void Look::fitToText(QLabel *label)
+{
+    QWidget *parent = label->parentWidget();
+    // Labels in a layout are sized by it, those in a table's cells by the
+    // table; a wrapped label has its text's width whatever it is given.
+    if (!parent || parent->layout() || label->wordWrap() || label->text().isEmpty() ||
+        qobject_cast<QAbstractItemView *>(parent->parentWidget()))
+        return;
+    const int needed = label->sizeHint().width();
+    if (needed > label->width())
+        label->resize(needed, label->height());
 }
 
 void Look::applyButtonFontWeight(QWidget *button)

@@ -7,6 +7,7 @@
 #include <QString>
 
 class QIcon;
+class QLabel;
 class QMenuBar;
 class QPalette;
 class QWidget;
@@ -71,6 +72,12 @@ public:
 
     // Rich text with each colour it names made readable on `ground`.
     static QString readableRichText(const QString &text, const QColor &ground);
+
+    // Widens a label that stands on its own (not in a layout or a table
+    // cell) until its text fits at its font, keeping its left edge; a label
+    // that fits keeps its size. The application's looks call it for every
+    // label as it shows and whenever its text changes.
+    static void fitToText(QLabel *label);
 
     // The menu buttons and the Add buttons carry a font of weight 9 on the
     // old 0-99 scale, set after family, size, bold and italic. Qt 6's form

@@ -18,11 +18,48 @@
 #include <QBrush>
 #include <QFile>
 #include <QHeaderView>
+#include <QScrollBar>
 #include <QSignalBlocker>
+#include <QStyle>
 #include <QTableWidget>
 #include <QTableWidgetItem>
 
 namespace {
+
+// The columns share the table's width equally, as designed; a column whose
+// heading would not fit in its share keeps the heading's width, and the
+// others share what is left. A heading is never cut; a cell may be (its tool
+// tip tells the whole text).
+void keepHeadingsWhole(QTableWidget *table)
+{
+    QHeaderView *header = table->horizontalHeader();
+    header->setSectionResizeMode(QHeaderView::Stretch);
+    // The room the columns have once the table shows, with a vertical
+    // scroll bar, whether or not it comes.
+    int available = table->width() - 2 * table->frameWidth() -
+        table->style()->pixelMetric(QStyle::PM_ScrollBarExtent, nullptr, table);
+    if (table->verticalHeader()->isVisibleTo(table))
+        available -= table->verticalHeader()->sizeHint().width();
+    QList<int> shared;
+    for (int column = 0; column < header->count(); ++column)
+        shared.append(column);
+    for (bool changed = true; changed && !shared.isEmpty();) {
+        changed = false;
+        const int share = available / int(shared.size());
+        for (int i = 0; i < shared.size(); ++i) {
+            const int column = shared.at(i);
+            const int heading = header->sectionSizeHint(column);
+            if (heading > share) {
+                header->setSectionResizeMode(column, QHeaderView::Fixed);
+                header->resizeSection(column, heading);
+                available -= heading;
+                shared.removeAt(i);
+                changed = true;
+                break;
+            }
+        }
+    }
+}
 
 // The periods of the date-wise tab, in the order of the period box.
 enum Period { Daily = 0, Weekly = 1, Monthly = 2 };
@@ -487,7 +524,7 @@ void HistoryWidget::fillEntryTable(QTableWidget *table, OwnedList<Entry> entries
         { tr("No."), tr("Item Name"), tr("Category"), tr("Price"), tr("Date"), tr("Location Text") });
     if (fitColumns && fit == ColumnFit::AfterHeaders)
         table->resizeColumnsToContents();
-    table->horizontalHeader()->setSectionResizeMode(QHeaderView::Stretch);
+    keepHeadingsWhole(table);
 
     // Items, not a label per cell: label cells cost a widget each and do not
     // survive years of entries. Each setItem() would announce its own change
