@@ -18,7 +18,6 @@
 #include <QBrush>
 #include <QFile>
 #include <QHeaderView>
-#include <QScrollBar>
 #include <QSignalBlocker>
 #include <QStyle>
 #include <QTableWidget>
