@@ -19,6 +19,7 @@
 #include "qifformat.h"
 #include "settings.h"
 
+#include <QActionGroup>
 #include <QCloseEvent>
 #include <QDir>
 #include <QGridLayout>
@@ -95,6 +96,7 @@ MainWindow::MainWindow(QWidget *parent) : QMainWindow(parent), ui(new Ui::MainWi
     setUpPageArea();
     connectMenuBar();
     Look::applyHighlights(menuBar(), ui->centralWidget);
+    connectLookMenu();
     restoreWindowGeometry();
 
     if (!dbManager->isUsable()) {
@@ -200,6 +202,29 @@ void MainWindow::connectMenuBar()
     // Without a database there is nothing to bring in, take out or copy.
     for (QAction *command : { ui->actionImport, ui->actionExport, ui->actionBackUp })
         command->setEnabled(dbManager->isUsable());
+}
+
+void MainWindow::connectLookMenu()
+{
+    // One look at a time; the one kept from the last session is applied as
+    // the window opens, and a new pick at once and for the next start.
+    auto *looks = new QActionGroup(this);
+    looks->setExclusive(true);
+    const QList<QPair<QAction *, Look::Kind>> choices = { { ui->actionLookClassic, Look::Kind::Classic },
+                                                          { ui->actionLookLight, Look::Kind::Light },
+                                                          { ui->actionLookDark, Look::Kind::Dark },
+                                                          { ui->actionLookSystem, Look::Kind::System } };
+    const Look::Kind kept = Look::fromName(Settings().lookName());
+    for (const auto &[action, kind] : choices) {
+        looks->addAction(action);
+        action->setChecked(kind == kept);
+        connect(action, &QAction::triggered, this, [kind = kind] {
+            Settings().setLookName(Look::name(kind));
+            Look::apply(kind);
+        });
+    }
+    if (Look::chosen() != kept)
+        Look::apply(kept);
 }
 
 void MainWindow::restoreWindowGeometry()

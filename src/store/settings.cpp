@@ -9,6 +9,7 @@ namespace {
 
 const char geometryKey[] = "MainWindow/geometry";
 const char maximizedKey[] = "MainWindow/maximized";
+const char lookKey[] = "View/look";
 
 } // namespace
 
@@ -38,4 +39,14 @@ void Settings::setMainWindowGeometry(const QRect &geometry, bool maximized)
 {
     settings.setValue(QLatin1String(geometryKey), geometry);
     settings.setValue(QLatin1String(maximizedKey), maximized);
+}
+
+QString Settings::lookName() const
+{
+    return settings.value(QLatin1String(lookKey)).toString();
+}
+
+void Settings::setLookName(const QString &name)
+{
+    settings.setValue(QLatin1String(lookKey), name);
 }

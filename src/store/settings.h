@@ -32,6 +32,11 @@ public:
     bool isMainWindowMaximized() const;
     void setMainWindowGeometry(const QRect &geometry, bool maximized);
 
+    // The name of the look the user picked in the View menu, key View/look;
+    // empty when none was picked.
+    QString lookName() const;
+    void setLookName(const QString &name);
+
 private:
     QSettings settings;
 };
