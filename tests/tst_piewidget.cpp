@@ -9,6 +9,7 @@
 #include <QColor>
 #include <QFontMetrics>
 #include <QImage>
+#include <QPainter>
 #include <QtMath>
 #include <QtTest>
 
@@ -397,6 +398,86 @@ private slots:
         QVERIFY(inkBetween(textLeft, textRight) > 20);
         // No value or share after the label.
         QCOMPARE(inkBetween(textRight + 2, 390), 0);
+    }
+
+    void aLongLabelShowsWholeInTheLegendAtTheDefaultSize()
+    {
+        // The date-wise tab's pie, inside its 401 x 281 area's frame, in the
+        // pages' font: the legend beside the pie is about 70 pixels wide.
+        PieWidget pie;
+        QFont pageFont(QStringLiteral("MS Shell Dlg 2"));
+        pageFont.setPointSize(14);
+        pageFont.setBold(true);
+        pie.setFont(pageFont);
+        QPalette palette = pie.palette();
+        palette.setColor(QPalette::WindowText, Qt::white);
+        pie.setPalette(palette);
+        const QString longLabel = QStringLiteral("Entertainment and outings");
+        pie.addEntry(longLabel, 3);
+        pie.resize(397, 277);
+        const QImage image = picture(pie);
+
+        // The room of the only row: after the pie (as wide as the widget is
+        // tall), the 10 pixel margin, the swatch and an x's width; up to the
+        // right margin; down to the next row, two text lines below.
+        const QFontMetrics metrics(pageFont);
+        const int fh = metrics.height();
+        const int left = 277 + 10 + fh + metrics.horizontalAdvance(QLatin1Char('x'));
+        const QRect room(left, 10, (397 - 10) - left, 2 * fh - 2);
+        QVERIFY2(metrics.horizontalAdvance(longLabel) > room.width(), "the label would be cut on one line");
+
+        const PieWidget::LegendText text = PieWidget::legendText(longLabel, pageFont, room.size());
+        // Still a font one reads, and the label's words all inside the room.
+        QVERIFY(text.font.pointSizeF() >= 7);
+        const QRect needed =
+            QFontMetrics(text.font).boundingRect(QRect(QPoint(0, 0), room.size()), text.flags, longLabel);
+        QVERIFY2(needed.width() <= room.width() && needed.height() <= room.height(),
+                 qPrintable(QStringLiteral("%1 x %2 in %3 x %4")
+                                .arg(needed.width())
+                                .arg(needed.height())
+                                .arg(room.width())
+                                .arg(room.height())));
+
+        // Painted whole: as much ink in the room as the same text drawn
+        // without any clipping, none outside it, and on more than one line.
+        QImage whole(room.size() + QSize(200, 200), QImage::Format_ARGB32);
+        whole.fill(background);
+        {
+            QPainter painter(&whole);
+            painter.setRenderHint(QPainter::Antialiasing);
+            painter.setPen(Qt::white);
+            painter.setFont(text.font);
+            painter.drawText(QRect(QPoint(0, 0), room.size()), text.flags | Qt::TextDontClip, longLabel);
+        }
+        auto ink = [](const QImage &picture, const QRect &area) {
+            int count = 0;
+            for (int y = area.top(); y <= area.bottom(); ++y) {
+                for (int x = area.left(); x <= area.right(); ++x) {
+                    if (qGray(picture.pixel(x, y)) > 60)
+                        ++count;
+                }
+            }
+            return count;
+        };
+        const int drawnWhole = ink(whole, whole.rect());
+        QVERIFY(drawnWhole > 50);
+        // Within a few smoothed edge pixels: a cut letter or line loses far
+        // more.
+        const int inLegend = ink(image, QRect(room.left(), 0, 397 - room.left(), 277));
+        QVERIFY2(qAbs(inLegend - drawnWhole) <= drawnWhole / 25,
+                 qPrintable(QStringLiteral("%1 of %2").arg(inLegend).arg(drawnWhole)));
+        QCOMPARE(ink(image, room), inLegend);
+        QVERIFY(ink(image, QRect(room.left(), 10 + fh, room.width(), fh - 2)) > 10);
+    }
+
+    void aLabelThatFitsKeepsTheWidgetsFontOnOneLine()
+    {
+        QFont font;
+        font.setPointSize(14);
+        const QSize room(QFontMetrics(font).horizontalAdvance(QStringLiteral("Food")) + 1, 40);
+        const PieWidget::LegendText text = PieWidget::legendText(QStringLiteral("Food"), font, room);
+        QCOMPARE(text.font, font);
+        QCOMPARE(text.flags, int(Qt::AlignVCenter | Qt::AlignLeft));
     }
 
     void aScreenReaderHearsPieChartAndEachSliceWithItsShare()

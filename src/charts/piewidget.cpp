@@ -73,6 +73,34 @@ QList<int> PieWidget::pieSpans(const QList<int> &values)
     return spans;
 }
 
+PieWidget::LegendText PieWidget::legendText(const QString &label, const QFont &font, const QSize &room)
+{
+    const int oneLine = Qt::AlignVCenter | Qt::AlignLeft;
+    if (QFontMetrics(font).horizontalAdvance(label) <= room.width())
+        return { font, oneLine };
+    const auto fits = [&](const QFont &candidate, int flags) {
+        const QRect needed = QFontMetrics(candidate).boundingRect(QRect(QPoint(0, 0), room), flags, label);
+        return needed.width() <= room.width() && needed.height() <= room.height();
+    };
+    // Smaller by half a point at a time, down to a size still read easily;
+    // a word longer than a line is broken only there.
+    const int wrapped = Qt::AlignTop | Qt::AlignLeft | Qt::TextWordWrap;
+    const bool inPixels = font.pointSizeF() <= 0;
+    const qreal largest = inPixels ? font.pixelSize() : font.pointSizeF();
+    const qreal smallest = inPixels ? 9 : 7;
+    const qreal step = inPixels ? 1 : 0.5;
+    QFont candidate = font;
+    for (qreal size = largest; size >= smallest; size -= step) {
+        if (inPixels)
+            candidate.setPixelSize(int(size));
+        else
+            candidate.setPointSizeF(size);
+        if (fits(candidate, wrapped))
+            return { candidate, wrapped };
+    }
+    return { candidate, Qt::AlignTop | Qt::AlignLeft | Qt::TextWrapAnywhere };
+}
+
 void PieWidget::paintEvent(QPaintEvent *)
 {
     QList<int> amounts;
@@ -136,7 +164,19 @@ void PieWidget::paintEvent(QPaintEvent *)
 
         const QRect labelRect(swatch.topRight() + QPoint(xWidth, 0), QPoint(legendRect.right(), swatch.bottom()));
         painter.setPen(pen);
-        painter.drawText(labelRect, Qt::AlignVCenter | Qt::AlignLeft, labels.at(i));
+        // A label too long for its row takes the spacing below it as well.
+        const QRect room(labelRect.topLeft(), QSize(labelRect.width(), 2 * fh - 2));
+        const LegendText text = legendText(labels.at(i), font(), room.size());
+        if (text.flags & Qt::AlignVCenter) {
+            painter.drawText(labelRect, text.flags, labels.at(i));
+        } else {
+            painter.save();
+            painter.setFont(text.font);
+            // Measured to fit; a glyph's edge that reaches past its advance
+            // is drawn all the same.
+            painter.drawText(room, text.flags | Qt::TextDontClip, labels.at(i));
+            painter.restore();
+        }
     }
     painter.end();
 }

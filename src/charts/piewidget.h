@@ -4,6 +4,7 @@
 #pragma once
 
 #include <QHash>
+#include <QFont>
 #include <QList>
 #include <QString>
 #include <QWidget>
@@ -31,6 +32,17 @@ public:
     // span is truncated, so together they may fall a little short of a full
     // turn. A zero total yields no span at all.
     static QList<int> pieSpans(const QList<int> &values);
+
+    // How a legend label is written in `room` (beside its swatch, down to
+    // the next row): in `font` on one line when it fits; else wrapped onto
+    // as many lines as the room holds, in a font made smaller as far as
+    // that needs, so that the whole label shows.
+    struct LegendText
+    {
+        QFont font;
+        int flags;
+    };
+    static LegendText legendText(const QString &label, const QFont &font, const QSize &room);
 
     // Colour index of the first slice into QColor::colorNames().
     static constexpr int firstColorIndex = 13;
