@@ -16,6 +16,7 @@
 #include "look.h"
 #include "notice.h"
 #include "optionswidget.h"
+#include "pagegrowth.h"
 #include "qifformat.h"
 #include "settings.h"
 
@@ -128,6 +129,7 @@ void MainWindow::setUpPageArea()
     // place; the page area keeps its designed margins and follows the
     // window, so that a page is seen whole wherever the window has the room.
     const QSize designed = size();
+    designedHostSize = ui->stackedWidget->size();
     auto *windowLayout = new QGridLayout(ui->centralWidget);
     windowLayout->setContentsMargins(marginsAround(ui->scrollArea->geometry(), designed));
     windowLayout->addWidget(ui->scrollArea);
@@ -139,9 +141,11 @@ void MainWindow::setUpPageArea()
     auto *hostLayout = new QGridLayout(ui->NewEntryContainerWidget);
     hostLayout->setContentsMargins(QMargins());
     hostLayout->addWidget(ui->scrollArea_2);
-    // A data page keeps its designed size: centred when the area is wider,
-    // scrolled when it is smaller.
+    // A data page keeps its designed size and place at the designed window
+    // size, centred at the top. It grows by as much as the host grows beyond
+    // that size and is scrolled when the host is smaller.
     ui->scrollArea_2->setAlignment(Qt::AlignHCenter | Qt::AlignTop);
+    ui->scrollArea_2->viewport()->installEventFilter(this);
 
     ui->scrollArea->viewport()->installEventFilter(this);
     connect(ui->stackedWidget, &QStackedWidget::currentChanged, this, &MainWindow::fitPageArea);
@@ -179,6 +183,8 @@ bool MainWindow::eventFilter(QObject *watched, QEvent *event)
 {
     if (watched == ui->scrollArea->viewport() && event->type() == QEvent::Resize)
         fitPageArea();
+    if (watched == ui->scrollArea_2->viewport() && event->type() == QEvent::Resize)
+        fitDataPage();
     return QMainWindow::eventFilter(watched, event);
 }
 
@@ -265,10 +271,19 @@ void MainWindow::showDataPage(QWidget *page)
 {
     // The scroll area takes the page over and deletes the one it held, so at
     // most one data page lives at a time.
+    designedPageSize = page->size();
+    PageGrowth::install(page);
     ui->scrollArea_2->setWidget(page);
     ui->stackedWidget->setCurrentIndex(2);
     // After setWidget, so the page keeps its designed size and scrolls.
     ui->scrollArea_2->setWidgetResizable(false);
+    fitDataPage();
+}
+
+void MainWindow::fitDataPage()
+{
+    if (QWidget *page = ui->scrollArea_2->widget(); page && designedPageSize.isValid())
+        page->resize(designedPageSize + (ui->scrollArea_2->size() - designedHostSize).expandedTo(QSize(0, 0)));
 }
 
 void MainWindow::reportUnusableDatabase()
@@ -322,10 +337,11 @@ QString MainWindow::chooseFile(QFileDialog::AcceptMode mode, const QString &titl
 
 void MainWindow::importEntries()
 {
-    const QString fileName = chooseFile(QFileDialog::AcceptOpen, tr("Import Entries"),
-                                        { tr("CSV, QIF and OFX files (*.csv *.qif *.ofx *.qfx *.qbo *.CSV *.QIF *.OFX *.QFX *.QBO)"),
-                                          tr("All files (*)") },
-                                        QDir::homePath() + QLatin1Char('/'));
+    const QString fileName =
+        chooseFile(QFileDialog::AcceptOpen, tr("Import Entries"),
+                   { tr("CSV, QIF and OFX files (*.csv *.qif *.ofx *.qfx *.qbo *.CSV *.QIF *.OFX *.QFX *.QBO)"),
+                     tr("All files (*)") },
+                   QDir::homePath() + QLatin1Char('/'));
     if (fileName.isEmpty())
         return;
 

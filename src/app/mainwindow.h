@@ -7,6 +7,7 @@
 #include <QList>
 #include <QMainWindow>
 #include <QRect>
+#include <QSize>
 #include <QString>
 #include <QStringList>
 
@@ -47,6 +48,7 @@ private slots:
 private:
     void setUpPageArea();
     void fitPageArea();
+    void fitDataPage();
     void connectMenuBar();
     void connectLookMenu();
     void restoreWindowGeometry();
@@ -68,4 +70,7 @@ private:
     DatabaseManager *dbManager;
     bool IsEntryPresentInDatabase;
     QString automaticBackupFailure;
+    // The data pages' host and a data page at the designed window size.
+    QSize designedHostSize;
+    QSize designedPageSize;
 };

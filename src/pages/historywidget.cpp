@@ -18,6 +18,8 @@
 #include <QBrush>
 #include <QFile>
 #include <QHeaderView>
+#include <QImageReader>
+#include <QScrollArea>
 #include <QSignalBlocker>
 #include <QStyle>
 #include <QTableWidget>
@@ -174,6 +176,9 @@ void colourGraph(ZRLineGraph *graph)
     graph->setGraphLine(colours.line);
 }
 
+// The file a graph shown on the page was written to.
+const char savedAsProperty[] = "_ledgerly_savedAs";
+
 ZRLineGraph *newGraph()
 {
     auto *graph = new ZRLineGraph;
@@ -220,6 +225,14 @@ HistoryWidget::HistoryWidget(QPointer<DatabaseManager> dbManager, QWidget *paren
 
     ShowTotalDetails();
     ShowAllEntryDetails();
+
+    // A page that grows with the window draws its graphs larger; the files
+    // follow once the resizing has settled.
+    graphsResized.setSingleShot(true);
+    graphsResized.setInterval(100);
+    connect(&graphsResized, &QTimer::timeout, this, &HistoryWidget::saveShownGraphsAgain);
+    ui->scrollAreaCategoryLineChart->installEventFilter(this);
+    ui->scrollAreaDateWiseLineChart->installEventFilter(this);
 }
 
 HistoryWidget::~HistoryWidget()
@@ -275,6 +288,23 @@ void HistoryWidget::changeEvent(QEvent *event)
     QWidget::changeEvent(event);
 }
 
+bool HistoryWidget::eventFilter(QObject *watched, QEvent *event)
+{
+    if (event->type() == QEvent::Resize)
+        graphsResized.start();
+    return QWidget::eventFilter(watched, event);
+}
+
+void HistoryWidget::saveShownGraphsAgain()
+{
+    for (QScrollArea *area : { ui->scrollAreaCategoryLineChart, ui->scrollAreaDateWiseLineChart }) {
+        auto *graph = qobject_cast<ZRLineGraph *>(area->widget());
+        const QString file = graph ? graph->property(savedAsProperty).toString() : QString();
+        if (!file.isEmpty() && QImageReader(file).size() != area->size())
+            graph->save(file, area->size());
+    }
+}
+
 void HistoryWidget::ShowCategoryWiseDetails()
 {
     const QString name = ui->comboBoxCategory->currentText();
@@ -315,6 +345,7 @@ void HistoryWidget::ShowCategoryWiseDetails()
         graph->append(ZRLineGraphData(Format::date(day.day), Format::number(day.total)));
     graph->setSortY(true);
     graph->save(graphFile, graphSize);
+    graph->setProperty(savedAsProperty, graphFile);
     ui->scrollAreaCategoryLineChart->setWidget(graph);
 
     fillEntryTable(ui->tableWidgetCategoryRecentEntries, std::move(entries),
@@ -385,6 +416,7 @@ void HistoryWidget::ShowDateWiseDetails()
             graph->append(ZRLineGraphData(bucket.label, Format::number(bucket.total)));
         graph->setSortY(true);
         graph->save(graphFile, graphSize);
+        graph->setProperty(savedAsProperty, graphFile);
         ui->scrollAreaDateWiseLineChart->setWidget(graph);
 
         auto *pie = new PieWidget;

@@ -8,6 +8,7 @@
 #include <QList>
 #include <QPointer>
 #include <QString>
+#include <QTimer>
 #include <QWidget>
 
 class PlacesMap;
@@ -41,6 +42,7 @@ private slots:
 
 protected:
     void changeEvent(QEvent *event) override;
+    bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
     // When an entry table fits its columns to their contents: after the
@@ -72,6 +74,9 @@ private:
     // about to change) and the caller records the key once the tab is
     // computed.
     static bool isShowing(QString *shownFor, const QString &key, bool graphOnDisk = true);
+    // Writes the graphs shown again at the size of their areas, once the
+    // page has grown or shrunk: a saved graph has the size it is shown at.
+    void saveShownGraphsAgain();
 
     Ui::HistoryWidget *ui;
     QPointer<DatabaseManager> dbManager;
@@ -86,4 +91,5 @@ private:
     QString totalTabShownFor;
     QString entriesTabShownFor;
     QString placesTabShownFor;
+    QTimer graphsResized;
 };
