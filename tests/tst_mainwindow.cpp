@@ -4,12 +4,14 @@
 #include "addentrywidget.h"
 #include "backup.h"
 #include "databasemanager.h"
+#include "format.h"
 #include "historywidget.h"
 #include "look.h"
 #include "mainwindow.h"
 #include "optionswidget.h"
 
 #include "contrast.h"
+#include "dialoganswerer.h"
 #include "filedialoganswerer.h"
 #include "mainwindowfixture.h"
 #include "pagewalk.h"
@@ -20,6 +22,7 @@
 #include "widgettest.h"
 
 #include <QAbstractItemView>
+#include <QCheckBox>
 #include <QComboBox>
 #include <QCompleter>
 #include <QCryptographicHash>
@@ -173,8 +176,13 @@ private slots:
     void exportRefusesANameOfAnotherFormat();
     void cancellingTheFileDialogDoesNothing();
     void importAddsAFilesEntriesAndSaysWhatItSkipped();
-    void importAsksWhichComesFirstWhenTheFileLeavesItOpen_data();
-    void importAsksWhichComesFirstWhenTheFileLeavesItOpen();
+    void thePreviewsDateOrderDecidesWhereTheFileLeavesItOpen_data();
+    void thePreviewsDateOrderDecidesWhereTheFileLeavesItOpen();
+    void cancelInTheImportPreviewWritesNothing();
+    void importWritesExactlyTheEntriesThePreviewShows();
+    void theImportsDialogListsTheImportsNewestFirst();
+    void removingAnImportAfterConfirmingRemovesExactlyItsEntries();
+    void removingAnImportCancelledRemovesNothing();
     void aRefusedFileImportsNothingAndShowsItsProblems();
     void anImportCancelledFromItsProgressDialogWritesNothing();
     void aHistoryPageOnScreenIsReplacedAfterAnImport();
@@ -804,7 +812,7 @@ void TestMainWindow::menuBarHasFileGoViewAndHelpWithTheirCommandsInOrder()
         return list;
     };
     QCOMPARE(names(bar->actions().at(0)->menu()),
-             QStringList({ "actionImport", "actionExport", "actionBackUp", "-", "actionQuit" }));
+             QStringList({ "actionImport", "actionImports", "actionExport", "actionBackUp", "-", "actionQuit" }));
     QCOMPARE(names(bar->actions().at(1)->menu()),
              QStringList({ "actionHome", "actionNewEntry", "actionHistory", "actionOptions" }));
     QCOMPARE(names(bar->actions().at(2)->menu()), QStringList({ "menuLook" }));
@@ -823,6 +831,7 @@ void TestMainWindow::everyMenuCommandHasItsNameTextShortcutAndState_data()
     QTest::addColumn<bool>("enabled");
     QTest::newRow("import") << QByteArray("actionImport") << QStringLiteral("Import Entries…") << QKeySequence()
                             << true;
+    QTest::newRow("imports") << QByteArray("actionImports") << QStringLiteral("Imports…") << QKeySequence() << true;
     QTest::newRow("export") << QByteArray("actionExport") << QStringLiteral("Export Entries…") << QKeySequence()
                             << true;
     QTest::newRow("back up") << QByteArray("actionBackUp") << QStringLiteral("Back Up Database…") << QKeySequence()
@@ -1304,12 +1313,19 @@ void addTwoEntries(MainWindowFixture &f)
                3.25);
 }
 
+void pressImport(QDialog &preview)
+{
+    child<QPushButton>(preview, "pushButtonImport")->click();
+}
+
 // Runs a File command: its file dialog is answered by choosing `file`
-// (after `nameFilter`, when given), the boxes that follow with `answers`.
+// (after `nameFilter`, when given), an import's preview by pressing Import,
+// the boxes that follow with `answers`.
 struct FileCommand
 {
     FileDialogAnswerer dialogs;
     MessageBoxAnswerer boxes;
+    DialogAnswerer previews { QStringLiteral("ImportPreviewDialog") };
 
     void run(const MainWindow &window, const char *name, const QString &file,
              std::initializer_list<QMessageBox::StandardButton> answers = { QMessageBox::Ok },
@@ -1317,6 +1333,8 @@ struct FileCommand
     {
         dialogs.choose(file, nameFilter);
         boxes.answer(answers);
+        if (qstrcmp(name, "actionImport") == 0)
+            previews.answer(pressImport);
         action(window, name)->trigger();
     }
 };
@@ -1440,18 +1458,20 @@ void TestMainWindow::importAddsAFilesEntriesAndSaysWhatItSkipped()
                                 QStringLiteral("2026-11-20T00:00:00") } }));
 }
 
-void TestMainWindow::importAsksWhichComesFirstWhenTheFileLeavesItOpen_data()
+void TestMainWindow::thePreviewsDateOrderDecidesWhereTheFileLeavesItOpen_data()
 {
-    QTest::addColumn<int>("answer");
+    QTest::addColumn<int>("order");
+    QTest::addColumn<bool>("import");
     QTest::addColumn<QString>("stored");
-    QTest::newRow("month first") << int(QMessageBox::Yes) << QStringLiteral("2026-03-04T00:00:00");
-    QTest::newRow("day first") << int(QMessageBox::No) << QStringLiteral("2026-04-03T00:00:00");
-    QTest::newRow("cancel") << int(QMessageBox::Cancel) << QString();
+    QTest::newRow("month first") << 0 << true << QStringLiteral("2026-03-04T00:00:00");
+    QTest::newRow("day first") << 1 << true << QStringLiteral("2026-04-03T00:00:00");
+    QTest::newRow("cancel") << 1 << false << QString();
 }
 
-void TestMainWindow::importAsksWhichComesFirstWhenTheFileLeavesItOpen()
+void TestMainWindow::thePreviewsDateOrderDecidesWhereTheFileLeavesItOpen()
 {
-    QFETCH(int, answer);
+    QFETCH(int, order);
+    QFETCH(bool, import);
     QFETCH(QString, stored);
     MainWindowFixture f;
     QVERIFY(f.show());
@@ -1459,33 +1479,261 @@ void TestMainWindow::importAsksWhichComesFirstWhenTheFileLeavesItOpen()
     QVERIFY(writeFile(file,
                       "!Type:Cash\r\nD05/05/2026\r\nT-1\r\nMSame either way\r\n^\r\n"
                       "D03/04/2026\r\nT-2\r\nMTea\r\n^\r\n"));
+    RawDatabase raw(f.home.databasePath());
+    const QStringList before = raw.dumpTables();
     FileDialogAnswerer dialogs;
     dialogs.choose(file);
     MessageBoxAnswerer boxes;
-    boxes.answer(QMessageBox::StandardButton(answer));
-    if (!stored.isEmpty())
+    if (import)
         boxes.answer(QMessageBox::Ok);
+    DialogAnswerer previews(QStringLiteral("ImportPreviewDialog"));
+    QString openDate;
+    previews.answer([&](QDialog &preview) {
+        openDate = child<QLabel>(preview, "labelOpenDate")->text();
+        auto *combo = child<QComboBox>(preview, "comboBoxDateOrder");
+        combo->setFocus();
+        if (order == 1)
+            QTest::keyClick(combo, Qt::Key_Down);
+        child<QPushButton>(preview, import ? "pushButtonImport" : "pushButtonCancel")->click();
+    });
     action(f.window(), "actionImport")->trigger();
 
+    QCOMPARE(previews.errors(), QStringList());
+    QCOMPARE(previews.answered(), 1);
     QCOMPARE(boxes.errors(), QStringList());
-    const SeenMessageBox &question = boxes.seen().constFirst();
-    QCOMPARE(question.text,
-             QStringLiteral("The dates in %1 can be read two ways: 03/04/2026 (line 6) is Wed Mar 4 2026 "
-                            "with the month first, or Fri Apr 3 2026 with the day first.\n\n"
-                            "Which comes first in this file?")
-                 .arg(file));
-    QCOMPARE(question.buttons, QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel);
-    QCOMPARE(question.defaultButton, QMessageBox::Yes);
-    QVERIFY(!question.hasParent);
-    RawDatabase raw(f.home.databasePath());
+    // The preview asks, no message box does.
+    QCOMPARE(openDate,
+             QStringLiteral("The dates can be read two ways: 03/04/2026 (line 6) is Wed Mar 4 2026 with the month "
+                            "first, or Fri Apr 3 2026 with the day first. Choose the date order that this file is "
+                            "written in."));
     if (stored.isEmpty()) {
-        QCOMPARE(boxes.seen().size(), 1);
-        QCOMPARE(raw.scalar(QStringLiteral("select count(*) from Entry")).toInt(), 0);
+        QVERIFY(boxes.seen().isEmpty());
+        QCOMPARE(raw.dumpTables(), before);
     } else {
-        QCOMPARE(boxes.seen().size(), 2);
+        QCOMPARE(boxes.seen().size(), 1);
         QCOMPARE(raw.scalar(QStringLiteral("select TransactDateTime from Entry where ItemName = 'Tea'")).toString(),
                  stored);
     }
+}
+
+void TestMainWindow::cancelInTheImportPreviewWritesNothing()
+{
+    MainWindowFixture f;
+    addTwoEntries(f);
+    QVERIFY(f.show());
+    const QString file = f.home.filePath(QStringLiteral("more.csv"));
+    QVERIFY(writeFile(file, csvHeader + "2026-11-16T10:00:00,Tea,Drinks,1.5,Kiosk,false,0,0\r\n"));
+    RawDatabase raw(f.home.databasePath());
+    const QStringList before = raw.dumpTables();
+    FileDialogAnswerer dialogs;
+    dialogs.choose(file);
+    MessageBoxAnswerer boxes;
+    DialogAnswerer previews(QStringLiteral("ImportPreviewDialog"));
+    QString added;
+    previews.answer([&](QDialog &preview) {
+        added = child<QLabel>(preview, "labelAdded")->text();
+        child<QPushButton>(preview, "pushButtonCancel")->click();
+    });
+    action(f.window(), "actionImport")->trigger();
+
+    QCOMPARE(previews.errors(), QStringList());
+    QCOMPARE(added, QStringLiteral("Adds 1 entry."));
+    QVERIFY(boxes.seen().isEmpty());
+    QCOMPARE(raw.dumpTables(), before);
+}
+
+void TestMainWindow::importWritesExactlyTheEntriesThePreviewShows()
+{
+    MainWindowFixture f;
+    QVERIFY(f.show());
+    // UTF-8 names, read as Windows-1252 because the user says so; one record
+    // an earlier import brought in, imported again because duplicates are
+    // allowed.
+    const QString file = f.home.filePath(QStringLiteral("shop.qif"));
+    QVERIFY(writeFile(file,
+                      "!Type:Cash\r\nD2026-05-01\r\nT-3\r\nMCaf\xc3\xa9\r\nLDrinks\r\nPKiosk\r\n^\r\n"
+                      "D2026-05-02\r\nT-4.25\r\nMBread\r\nLFood\r\nPBakery\r\n^\r\n"
+                      "D2026-05-03\r\nT10\r\nMRefund\r\n^\r\n"));
+    {
+        FileCommand first;
+        first.run(f.window(), "actionImport", file);
+        QCOMPARE(first.previews.errors(), QStringList());
+    }
+    RawDatabase raw(f.home.databasePath());
+    QCOMPARE(raw.scalar(QStringLiteral("select count(*) from Entry")).toInt(), 2);
+
+    FileDialogAnswerer dialogs;
+    dialogs.choose(file);
+    MessageBoxAnswerer boxes;
+    boxes.answer(QMessageBox::Ok);
+    DialogAnswerer previews(QStringLiteral("ImportPreviewDialog"));
+    QList<QVariantList> shown;
+    previews.answer([&](QDialog &preview) {
+        auto *encoding = child<QComboBox>(preview, "comboBoxEncoding");
+        encoding->setFocus();
+        while (encoding->currentText() != QStringLiteral("Windows-1252"))
+            QTest::keyClick(encoding, Qt::Key_Down);
+        child<QCheckBox>(preview, "checkBoxAllowDuplicates")->click();
+        auto *table = child<QTableWidget>(preview, "tableWidgetEntries");
+        for (int row = 0; row < table->rowCount(); ++row)
+            shown.append({ table->item(row, 1)->text(), table->item(row, 2)->text(),
+                           table->item(row, 3)->text().toDouble(), table->item(row, 4)->text() });
+        pressImport(preview);
+    });
+    action(f.window(), "actionImport")->trigger();
+
+    QCOMPARE(previews.errors(), QStringList());
+    QCOMPARE(shown, QList<QVariantList>({ { QString::fromUtf8("Caf\xc3\x83\xc2\xa9"), "Drinks", 3.0, "Kiosk" },
+                                          { "Bread", "Food", 4.25, "Bakery" } }));
+    QCOMPARE(boxes.texts(),
+             QStringList { QStringLiteral("Imported 2 entries from %1; skipped 1 (income 1).\n\n"
+                                          "Importing the same file again adds only what it has not added yet.")
+                               .arg(file) });
+    QCOMPARE(raw.rows(QStringLiteral("select ItemName, CategoryName, Price, LocationText from Entry where SNo > 2 "
+                                     "order by SNo")),
+             shown);
+}
+
+namespace {
+
+// Two imports, a day's coffee and a week's shopping, beside the two entries
+// typed by hand; the later import is listed first.
+void importTwoFiles(MainWindowFixture &f, QString *coffee, QString *shopping)
+{
+    *coffee = f.home.filePath(QStringLiteral("coffee.csv"));
+    *shopping = f.home.filePath(QStringLiteral("shopping.qif"));
+    QVERIFY(writeFile(*coffee, csvHeader + "2026-11-16T10:00:00,Tea,Drinks,1.5,Kiosk,false,0,0\r\n"));
+    QVERIFY(writeFile(*shopping, "!Type:Cash\r\nD2026-11-17\r\nT-20\r\nMSoap\r\nLHousehold\r\n^\r\n"
+                                 "D2026-11-18\r\nT-5\r\nMMilk\r\nLFood\r\n^\r\n"));
+    for (const QString &file : { *coffee, *shopping }) {
+        FileCommand command;
+        command.run(f.window(), "actionImport", file);
+        QCOMPARE(command.previews.errors(), QStringList());
+        QCOMPARE(command.boxes.seen().size(), 1);
+    }
+}
+
+QList<QStringList> importRows(const QDialog &dialog)
+{
+    auto *table = child<QTableWidget>(dialog, "tableWidgetImports");
+    QList<QStringList> rows;
+    for (int row = 0; row < table->rowCount(); ++row)
+        rows.append({ table->item(row, 1)->text(), table->item(row, 2)->text() });
+    return rows;
+}
+
+} // namespace
+
+void TestMainWindow::theImportsDialogListsTheImportsNewestFirst()
+{
+    MainWindowFixture f;
+    addTwoEntries(f);
+    QVERIFY(f.show());
+    QString coffee, shopping;
+    importTwoFiles(f, &coffee, &shopping);
+    RawDatabase raw(f.home.databasePath());
+    const QString when = Format::dateTime(
+        QDateTime::fromString(raw.scalar(QStringLiteral("select ImportedAt from ImportLog where FileName = '%1'")
+                                             .arg(shopping))
+                                  .toString(),
+                              Qt::ISODate));
+
+    DialogAnswerer imports(QStringLiteral("ImportsDialog"));
+    QList<QStringList> rows;
+    QStringList headings;
+    QString firstWhen;
+    bool parentless = false;
+    imports.answer([&](QDialog &dialog) {
+        parentless = dialog.parentWidget() == nullptr;
+        rows = importRows(dialog);
+        auto *table = child<QTableWidget>(dialog, "tableWidgetImports");
+        for (int column = 0; column < table->columnCount(); ++column)
+            headings.append(table->horizontalHeaderItem(column)->text());
+        firstWhen = table->item(0, 0)->text();
+        child<QPushButton>(dialog, "pushButtonClose")->click();
+    });
+    action(f.window(), "actionImports")->trigger();
+
+    QCOMPARE(imports.errors(), QStringList());
+    QCOMPARE(imports.answered(), 1);
+    QVERIFY(parentless);
+    QCOMPARE(headings, QStringList({ "When", "File", "Entries" }));
+    QCOMPARE(rows, QList<QStringList>({ { shopping, "2 entries" }, { coffee, "1 entry" } }));
+    QCOMPARE(firstWhen, when);
+}
+
+void TestMainWindow::removingAnImportAfterConfirmingRemovesExactlyItsEntries()
+{
+    MainWindowFixture f;
+    addTwoEntries(f);
+    QVERIFY(f.show());
+    QString coffee, shopping;
+    importTwoFiles(f, &coffee, &shopping);
+    f.click("pushButtonHistory");
+    QPointer<QWidget> shown = f.page();
+    QCOMPARE(child<QTableWidget>(*shown, "tableWidgetAllEntries")->rowCount(), 5);
+
+    MessageBoxAnswerer boxes;
+    boxes.answer(QMessageBox::Yes);
+    DialogAnswerer imports(QStringLiteral("ImportsDialog"));
+    QList<QStringList> after;
+    imports.answer([&](QDialog &dialog) {
+        // The newest import is selected first.
+        child<QPushButton>(dialog, "pushButtonRemove")->click();
+        after = importRows(dialog);
+        child<QPushButton>(dialog, "pushButtonClose")->click();
+    });
+    action(f.window(), "actionImports")->trigger();
+
+    QCOMPARE(imports.errors(), QStringList());
+    QCOMPARE(boxes.errors(), QStringList());
+    QCOMPARE(boxes.seen().size(), 1);
+    const SeenMessageBox &question = boxes.seen().constFirst();
+    QVERIFY(question.text.startsWith(QStringLiteral("Remove the 2 entries that the import of %1 on ").arg(shopping)));
+    QCOMPARE(question.buttons, QMessageBox::Yes | QMessageBox::Cancel);
+    QCOMPARE(question.defaultButton, QMessageBox::Cancel);
+    QVERIFY(!question.hasParent);
+    QCOMPARE(after, QList<QStringList>({ { coffee, "1 entry" } }));
+
+    RawDatabase raw(f.home.databasePath());
+    QCOMPARE(raw.rows(QStringLiteral("select ItemName from Entry order by SNo")),
+             QList<QVariantList>({ { "Coffee" }, { "Bread, rye" }, { "Tea" } }));
+    QCOMPARE(raw.scalar(QStringLiteral("select count(*) from ImportLog")).toInt(), 1);
+    QCOMPARE(raw.scalar(QStringLiteral("select count(*) from ImportedEntry")).toInt(), 1);
+    // The page on screen shows what is left.
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    QVERIFY(shown.isNull());
+    QCOMPARE(child<QTableWidget>(*f.page(), "tableWidgetAllEntries")->rowCount(), 3);
+}
+
+void TestMainWindow::removingAnImportCancelledRemovesNothing()
+{
+    MainWindowFixture f;
+    addTwoEntries(f);
+    QVERIFY(f.show());
+    QString coffee, shopping;
+    importTwoFiles(f, &coffee, &shopping);
+    RawDatabase raw(f.home.databasePath());
+    const QStringList before = raw.dumpTables();
+
+    MessageBoxAnswerer boxes;
+    boxes.answer(QMessageBox::Cancel);
+    DialogAnswerer imports(QStringLiteral("ImportsDialog"));
+    QList<QStringList> after;
+    imports.answer([&](QDialog &dialog) {
+        child<QTableWidget>(dialog, "tableWidgetImports")->selectRow(1);
+        child<QPushButton>(dialog, "pushButtonRemove")->click();
+        after = importRows(dialog);
+        child<QPushButton>(dialog, "pushButtonClose")->click();
+    });
+    action(f.window(), "actionImports")->trigger();
+
+    QCOMPARE(imports.errors(), QStringList());
+    QCOMPARE(boxes.seen().size(), 1);
+    QVERIFY(boxes.seen().constFirst().text.startsWith(
+        QStringLiteral("Remove the 1 entry that the import of %1 on ").arg(coffee)));
+    QCOMPARE(after, QList<QStringList>({ { shopping, "2 entries" }, { coffee, "1 entry" } }));
+    QCOMPARE(raw.dumpTables(), before);
 }
 
 void TestMainWindow::aRefusedFileImportsNothingAndShowsItsProblems()
@@ -1607,9 +1855,7 @@ void TestMainWindow::anOptionsPageWithUnsavedEditsStaysAfterAnImport()
     QPointer<QWidget> unchanged = options;
     const QString other = f.home.filePath(QStringLiteral("other.csv"));
     QVERIFY(writeFile(other, csvHeader + "2026-11-17T10:00:00,Tea,Drinks,1.5,Kiosk,false,0,0\r\n"));
-    command.dialogs.choose(other);
-    command.boxes.answer(QMessageBox::Ok);
-    action(f.window(), "actionImport")->trigger();
+    command.run(f.window(), "actionImport", other);
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     QVERIFY(unchanged.isNull());
     QVERIFY(qobject_cast<OptionsWidget *>(f.page()));
@@ -1729,7 +1975,7 @@ void TestMainWindow::withoutADatabaseTheFileCommandsAreOff()
     f.window();
     runPendingEventsAndClearQuit();
     QCOMPARE(boxes.seen().size(), 1);
-    for (const char *command : { "actionImport", "actionExport", "actionBackUp" })
+    for (const char *command : { "actionImport", "actionImports", "actionExport", "actionBackUp" })
         QVERIFY2(!action(f.window(), command)->isEnabled(), command);
     QVERIFY(!QDir(Backup::automaticDirectory()).exists());
 }

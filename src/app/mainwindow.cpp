@@ -11,8 +11,9 @@
 #include "databasemanager.h"
 #include "entryexport.h"
 #include "entryimport.h"
-#include "format.h"
 #include "historywidget.h"
+#include "importpreviewdialog.h"
+#include "importsdialog.h"
 #include "look.h"
 #include "notice.h"
 #include "optionswidget.h"
@@ -197,10 +198,11 @@ void MainWindow::connectMenuBar()
     connect(ui->actionAboutQt, &QAction::triggered, this, [] { QMessageBox::aboutQt(nullptr); });
 
     connect(ui->actionImport, &QAction::triggered, this, &MainWindow::importEntries);
+    connect(ui->actionImports, &QAction::triggered, this, &MainWindow::showImports);
     connect(ui->actionExport, &QAction::triggered, this, &MainWindow::exportEntries);
     connect(ui->actionBackUp, &QAction::triggered, this, &MainWindow::backUpDatabase);
     // Without a database there is nothing to bring in, take out or copy.
-    for (QAction *command : { ui->actionImport, ui->actionExport, ui->actionBackUp })
+    for (QAction *command : { ui->actionImport, ui->actionImports, ui->actionExport, ui->actionBackUp })
         command->setEnabled(dbManager->isUsable());
 }
 
@@ -329,29 +331,24 @@ void MainWindow::importEntries()
     if (fileName.isEmpty())
         return;
 
-    EntryFileContents contents = EntryImport::read(fileName);
-    if (contents.isAcceptable() && !contents.openDate.isEmpty()) {
-        const Notice::Choice order = Notice::choose(
-            tr("The dates in %1 can be read two ways: %2 (line %3) is %4 with the month first, or %5 with the day "
-               "first.\n\nWhich comes first in this file?")
-                .arg(fileName, contents.openDate, QString::number(contents.openDateLine),
-                     Format::date(contents.openDateMonthFirst), Format::date(contents.openDateDayFirst)),
-            tr("Month First"), tr("Day First"));
-        if (order == Notice::Choice::Neither)
-            return;
-        if (order == Notice::Choice::Second)
-            contents = EntryImport::read(fileName, QifFormat::DateOrder::DayFirst);
-    }
-    if (!contents.isAcceptable()) {
+    // The whole file is read and checked before anything shows; the
+    // preview then tells what an import would do, and lets the encoding,
+    // the date order (where the file leaves it open, too) and duplicates be
+    // chosen. Only "Import" writes.
+    const EntryFileContents read = EntryImport::read(fileName);
+    if (!read.isAcceptable()) {
         Notice::warn(tr("Nothing was imported from %1: it cannot be read as it is.\n\n%2")
-                         .arg(fileName, contents.problemLines().join(QLatin1Char('\n'))));
+                         .arg(fileName, read.problemLines().join(QLatin1Char('\n'))));
         return;
     }
+    ImportPreviewDialog preview(*dbManager, fileName, read);
+    if (preview.exec() != QDialog::Accepted)
+        return;
+    const EntryFileContents &contents = preview.contents();
 
     EntryImport::Outcome outcome;
     {
         Progress progress(tr("Importing entries…"));
-        EntryImport::recognise(*dbManager, contents);
         outcome = EntryImport::write(*dbManager, contents.entries, progress.reporter(), fileName);
     }
     if (!outcome.written) {
@@ -364,6 +361,14 @@ void MainWindow::importEntries()
     }
     Notice::inform(EntryImport::summary(fileName, contents, outcome.added) + QStringLiteral(".\n\n") +
                    tr("Importing the same file again adds only what it has not added yet."));
+}
+
+void MainWindow::showImports()
+{
+    ImportsDialog dialog(*dbManager);
+    dialog.exec();
+    if (dialog.removedAny())
+        rebuildDataPageAfterImport();
 }
 
 void MainWindow::rebuildDataPageAfterImport()

@@ -57,8 +57,10 @@ private:
     void reportAutomaticBackupFailure();
 
     void importEntries();
+    void showImports();
     void exportEntries();
     void backUpDatabase();
+    // After entries came in or an import was taken back.
     void rebuildDataPageAfterImport();
     // Asks for a file in a dialog of its own; empty when the user cancels.
     QString chooseFile(QFileDialog::AcceptMode mode, const QString &title, const QStringList &nameFilters,
