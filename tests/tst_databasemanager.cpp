@@ -181,6 +181,7 @@ private slots:
     void anImportTransactionIndexesTheCatalogueOnlyWhileItRuns();
     void anImportTransactionBesideAnUnfinishedReadRunsWithoutTheIndex();
     void statementsRepeatedInATransactionGiveTheSameResultsAsOutside();
+    void anImportFindsCategoriesAddedOrRenamedWhileItRuns();
     void aBackupWhileAModelHoldsAStatementOpenEqualsTheFile();
     void aCancelledBackupSaysSoAndCopiesNothingMore();
     void aBackupEqualsTheFileWithOrWithoutTheSqliteHandle();
@@ -985,6 +986,35 @@ void tst_DatabaseManager::statementsRepeatedInATransactionGiveTheSameResultsAsOu
     // Five items in two categories, each pair used four times.
     QCOMPARE(raw.scalar(QStringLiteral("select count(*) from Items")).toInt(), 10);
     QCOMPARE(raw.scalar(QStringLiteral("select min(UseFrequency) from Items")).toInt(), 4);
+}
+
+void tst_DatabaseManager::anImportFindsCategoriesAddedOrRenamedWhileItRuns()
+{
+    // An import keeps the categories' numbers it looked up; a category
+    // added or renamed meanwhile is found by its new name only.
+    auto store = startStore();
+    int missing = -1;
+    int added = -1;
+    int oldName = -1;
+    int newName = -1;
+    QVERIFY(store->runInTransaction(DatabaseManager::WriteKind::Import, [&] {
+        missing = store->GetCategoryID(QStringLiteral("Pets"));
+        if (!store->AddCategory(QStringLiteral("Pets")))
+            return false;
+        added = store->GetCategoryID(QStringLiteral("Pets"));
+        if (!store->EditCategory(QStringLiteral("Pets"), QStringLiteral("Animals")))
+            return false;
+        oldName = store->GetCategoryID(QStringLiteral("Pets"));
+        newName = store->GetCategoryID(QStringLiteral("Animals"));
+        return true;
+    }));
+    RawDatabase raw(home->databasePath());
+    const int stored = raw.scalar(QStringLiteral("select SNo from Category where CategoryName = 'Animals'")).toInt();
+    QVERIFY(stored > 0);
+    QCOMPARE(missing, 0);
+    QCOMPARE(added, stored);
+    QCOMPARE(oldName, 0);
+    QCOMPARE(newName, stored);
 }
 
 void tst_DatabaseManager::aBackupWhileAModelHoldsAStatementOpenEqualsTheFile()

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <QDateTime>
+#include <QHash>
 #include <QList>
 #include <QObject>
 #include <QPair>
@@ -255,6 +256,8 @@ private:
                             const QString &updateStatement);
     // AddEntry's statements, inside its write.
     bool writeEntry(const Entry *enteredEntry);
+    // The catalogue's part of writeEntry(): the item's number, 0 on failure.
+    int addItemOfEntry(const Items &item);
     QDateTime entryDateBound(const QString &statement, const Bindings &bindings = {});
     QList<Items *> itemList(const QString &statement, const Bindings &bindings = {});
     QList<ItemSubstitutes *> itemSubstitutesList(const QString &statement, const Bindings &bindings = {});
@@ -269,4 +272,7 @@ private:
     std::unique_ptr<EntryQuery> entries;
     QString lastOpenError;
     QString lastWriteProblem;
+    // GetCategoryID's answers, kept while an import runs.
+    QHash<QString, int> categoryIds;
+    bool keepingCategoryIds = false;
 };
