@@ -1337,6 +1337,16 @@ struct FileCommand
             previews.answer(pressImport);
         action(window, name)->trigger();
     }
+
+    // An import of `file` whose preview `preview` answers.
+    void import(const MainWindow &window, const QString &file, const DialogAnswerer::Step &preview,
+                std::initializer_list<QMessageBox::StandardButton> answers)
+    {
+        dialogs.choose(file);
+        boxes.answer(answers);
+        previews.answer(preview);
+        action(window, "actionImport")->trigger();
+    }
 };
 
 } // namespace
@@ -1481,25 +1491,24 @@ void TestMainWindow::thePreviewsDateOrderDecidesWhereTheFileLeavesItOpen()
                       "D03/04/2026\r\nT-2\r\nMTea\r\n^\r\n"));
     RawDatabase raw(f.home.databasePath());
     const QStringList before = raw.dumpTables();
-    FileDialogAnswerer dialogs;
-    dialogs.choose(file);
-    MessageBoxAnswerer boxes;
-    if (import)
-        boxes.answer(QMessageBox::Ok);
-    DialogAnswerer previews(QStringLiteral("ImportPreviewDialog"));
+    FileCommand command;
     QString openDate;
-    previews.answer([&](QDialog &preview) {
-        openDate = child<QLabel>(preview, "labelOpenDate")->text();
-        auto *combo = child<QComboBox>(preview, "comboBoxDateOrder");
-        combo->setFocus();
-        if (order == 1)
-            QTest::keyClick(combo, Qt::Key_Down);
-        child<QPushButton>(preview, import ? "pushButtonImport" : "pushButtonCancel")->click();
-    });
-    action(f.window(), "actionImport")->trigger();
+    command.import(
+        f.window(), file,
+        [&](QDialog &preview) {
+            openDate = child<QLabel>(preview, "labelOpenDate")->text();
+            auto *combo = child<QComboBox>(preview, "comboBoxDateOrder");
+            combo->setFocus();
+            if (order == 1)
+                QTest::keyClick(combo, Qt::Key_Down);
+            child<QPushButton>(preview, import ? "pushButtonImport" : "pushButtonCancel")->click();
+        },
+        import ? std::initializer_list<QMessageBox::StandardButton> { QMessageBox::Ok }
+               : std::initializer_list<QMessageBox::StandardButton> {});
+    const MessageBoxAnswerer &boxes = command.boxes;
 
-    QCOMPARE(previews.errors(), QStringList());
-    QCOMPARE(previews.answered(), 1);
+    QCOMPARE(command.previews.errors(), QStringList());
+    QCOMPARE(command.previews.answered(), 1);
     QCOMPARE(boxes.errors(), QStringList());
     // The preview asks, no message box does.
     QCOMPARE(openDate,
@@ -1525,20 +1534,18 @@ void TestMainWindow::cancelInTheImportPreviewWritesNothing()
     QVERIFY(writeFile(file, csvHeader + "2026-11-16T10:00:00,Tea,Drinks,1.5,Kiosk,false,0,0\r\n"));
     RawDatabase raw(f.home.databasePath());
     const QStringList before = raw.dumpTables();
-    FileDialogAnswerer dialogs;
-    dialogs.choose(file);
-    MessageBoxAnswerer boxes;
-    DialogAnswerer previews(QStringLiteral("ImportPreviewDialog"));
+    FileCommand command;
     QString added;
-    previews.answer([&](QDialog &preview) {
-        added = child<QLabel>(preview, "labelAdded")->text();
-        child<QPushButton>(preview, "pushButtonCancel")->click();
-    });
-    action(f.window(), "actionImport")->trigger();
+    command.import(f.window(), file,
+                   [&](QDialog &preview) {
+                       added = child<QLabel>(preview, "labelAdded")->text();
+                       child<QPushButton>(preview, "pushButtonCancel")->click();
+                   },
+                   {});
 
-    QCOMPARE(previews.errors(), QStringList());
+    QCOMPARE(command.previews.errors(), QStringList());
     QCOMPARE(added, QStringLiteral("Adds 1 entry."));
-    QVERIFY(boxes.seen().isEmpty());
+    QVERIFY(command.boxes.seen().isEmpty());
     QCOMPARE(raw.dumpTables(), before);
 }
 
@@ -1562,30 +1569,28 @@ void TestMainWindow::importWritesExactlyTheEntriesThePreviewShows()
     RawDatabase raw(f.home.databasePath());
     QCOMPARE(raw.scalar(QStringLiteral("select count(*) from Entry")).toInt(), 2);
 
-    FileDialogAnswerer dialogs;
-    dialogs.choose(file);
-    MessageBoxAnswerer boxes;
-    boxes.answer(QMessageBox::Ok);
-    DialogAnswerer previews(QStringLiteral("ImportPreviewDialog"));
+    FileCommand command;
     QList<QVariantList> shown;
-    previews.answer([&](QDialog &preview) {
-        auto *encoding = child<QComboBox>(preview, "comboBoxEncoding");
-        encoding->setFocus();
-        while (encoding->currentText() != QStringLiteral("Windows-1252"))
-            QTest::keyClick(encoding, Qt::Key_Down);
-        child<QCheckBox>(preview, "checkBoxAllowDuplicates")->click();
-        auto *table = child<QTableWidget>(preview, "tableWidgetEntries");
-        for (int row = 0; row < table->rowCount(); ++row)
-            shown.append({ table->item(row, 1)->text(), table->item(row, 2)->text(),
-                           table->item(row, 3)->text().toDouble(), table->item(row, 4)->text() });
-        pressImport(preview);
-    });
-    action(f.window(), "actionImport")->trigger();
+    command.import(f.window(), file,
+                   [&](QDialog &preview) {
+                       auto *encoding = child<QComboBox>(preview, "comboBoxEncoding");
+                       encoding->setFocus();
+                       while (encoding->currentText() != QStringLiteral("Windows-1252"))
+                           QTest::keyClick(encoding, Qt::Key_Down);
+                       child<QCheckBox>(preview, "checkBoxAllowDuplicates")->click();
+                       auto *table = child<QTableWidget>(preview, "tableWidgetEntries");
+                       for (int row = 0; row < table->rowCount(); ++row)
+                           shown.append({ table->item(row, 1)->text(), table->item(row, 2)->text(),
+                                          table->item(row, 3)->text().toDouble(), table->item(row, 4)->text() });
+                       pressImport(preview);
+                   },
+                   { QMessageBox::Ok });
 
-    QCOMPARE(previews.errors(), QStringList());
-    QCOMPARE(shown, QList<QVariantList>({ { QString::fromUtf8("Caf\xc3\x83\xc2\xa9"), "Drinks", 3.0, "Kiosk" },
-                                          { "Bread", "Food", 4.25, "Bakery" } }));
-    QCOMPARE(boxes.texts(),
+    QCOMPARE(command.previews.errors(), QStringList());
+    QCOMPARE(shown,
+             QList<QVariantList>({ { QString::fromUtf8("Caf\xc3\x83\xc2\xa9"), "Drinks", 3.0, "Kiosk" },
+                                   { "Bread", "Food", 4.25, "Bakery" } }));
+    QCOMPARE(command.boxes.texts(),
              QStringList { QStringLiteral("Imported 2 entries from %1; skipped 1 (income 1).\n\n"
                                           "Importing the same file again adds only what it has not added yet.")
                                .arg(file) });
@@ -1603,8 +1608,9 @@ void importTwoFiles(MainWindowFixture &f, QString *coffee, QString *shopping)
     *coffee = f.home.filePath(QStringLiteral("coffee.csv"));
     *shopping = f.home.filePath(QStringLiteral("shopping.qif"));
     QVERIFY(writeFile(*coffee, csvHeader + "2026-11-16T10:00:00,Tea,Drinks,1.5,Kiosk,false,0,0\r\n"));
-    QVERIFY(writeFile(*shopping, "!Type:Cash\r\nD2026-11-17\r\nT-20\r\nMSoap\r\nLHousehold\r\n^\r\n"
-                                 "D2026-11-18\r\nT-5\r\nMMilk\r\nLFood\r\n^\r\n"));
+    QVERIFY(writeFile(*shopping,
+                      "!Type:Cash\r\nD2026-11-17\r\nT-20\r\nMSoap\r\nLHousehold\r\n^\r\n"
+                      "D2026-11-18\r\nT-5\r\nMMilk\r\nLFood\r\n^\r\n"));
     for (const QString &file : { *coffee, *shopping }) {
         FileCommand command;
         command.run(f.window(), "actionImport", file);
@@ -1632,11 +1638,9 @@ void TestMainWindow::theImportsDialogListsTheImportsNewestFirst()
     QString coffee, shopping;
     importTwoFiles(f, &coffee, &shopping);
     RawDatabase raw(f.home.databasePath());
-    const QString when = Format::dateTime(
-        QDateTime::fromString(raw.scalar(QStringLiteral("select ImportedAt from ImportLog where FileName = '%1'")
-                                             .arg(shopping))
-                                  .toString(),
-                              Qt::ISODate));
+    const QString when = Format::dateTime(QDateTime::fromString(
+        raw.scalar(QStringLiteral("select ImportedAt from ImportLog where FileName = '%1'").arg(shopping)).toString(),
+        Qt::ISODate));
 
     DialogAnswerer imports(QStringLiteral("ImportsDialog"));
     QList<QStringList> rows;

@@ -72,9 +72,8 @@ WrittenDate readWrittenDate(const QString &written)
     // Blanks may stand anywhere inside a date (`6/ 1/94`); those of ASCII
     // are left out, as programs write them.
     QString text = written;
-    text.removeIf([](QChar c) {
-        return c == u' ' || c == u'\t' || c == u'\n' || c == u'\v' || c == u'\f' || c == u'\r';
-    });
+    text.removeIf(
+        [](QChar c) { return c == u' ' || c == u'\t' || c == u'\n' || c == u'\v' || c == u'\f' || c == u'\r'; });
     WrittenDate date;
     if (const QRegularExpressionMatch match = compact.match(text); match.hasMatch()) {
         date.valid = true;
