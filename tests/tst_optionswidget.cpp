@@ -193,8 +193,8 @@ private slots:
     void theEntriesTabShowsTheEditableColumnsOfTheEntryTable();
     void savingStoresAnEditedPriceAndItemNameAndSaysNothing();
     void cancelRestoresTheStoredValues();
-    void switchingAwayAndBackReloadsTheTableInANewModel();
-    void saveReachesEditsMadeBeforeTheTableWasReloaded();
+    void switchingAwayAndBackKeepsTheOneModelAndRereadsAnUneditedTable();
+    void anEditSurvivesSwitchingAwayAndBackAndSaveStoresIt();
     void anEditedDateIsStoredInTheStorageForm();
     void typedTextCannotReachTheDateOrPriceColumns_data();
     void typedTextCannotReachTheDateOrPriceColumns();
@@ -214,7 +214,7 @@ private slots:
     void theDeleteKeyInACellsEditorDeletesTextNotTheRow();
     void aLockedFileOnSaveStoresNothingAndKeepsTheMarksAndEdits();
     void aSaveRefusedAtItsCommitGivesBackEveryEditAndMark();
-    void rowsMarkedBeforeTheTableWasReloadedAreDeletedBySaveToo();
+    void rowsMarkedBeforeSwitchingAwayStayMarkedAndSaveDeletesThem();
 
     // The main window
     void optionsShowsThePageOnStackedPage2();
@@ -791,7 +791,7 @@ void TestOptionsWidget::cancelRestoresTheStoredValues()
     page.close();
 }
 
-void TestOptionsWidget::switchingAwayAndBackReloadsTheTableInANewModel()
+void TestOptionsWidget::switchingAwayAndBackKeepsTheOneModelAndRereadsAnUneditedTable()
 {
     Fixture f;
     const int sno = f.raw.insertEntry(QStringLiteral("Coffee"), QStringLiteral("Drinks"),
@@ -808,10 +808,10 @@ void TestOptionsWidget::switchingAwayAndBackReloadsTheTableInANewModel()
     tabs(page)->setCurrentIndex(ModeTab);
     tabs(page)->setCurrentIndex(EntriesTab);
 
+    // The same model, read afresh: it held nothing unsaved.
     QSqlTableModel *second = entriesModel(page);
-    QVERIFY(second != first);
-    QVERIFY(first); // earlier models stay with the page
-    QCOMPARE(page.findChildren<QSqlTableModel *>().size(), 2);
+    QCOMPARE(second, first.data());
+    QCOMPARE(page.findChildren<QSqlTableModel *>().size(), 1);
     QCOMPARE(second->rowCount(), 2);
     QCOMPARE(second->index(0, PriceColumn).data().toDouble(), 4.0);
     QCOMPARE(second->index(1, ItemNameColumn).data().toString(), QStringLiteral("Bread"));
@@ -819,7 +819,7 @@ void TestOptionsWidget::switchingAwayAndBackReloadsTheTableInANewModel()
     QVERIFY(entriesView(page)->isColumnHidden(11));
 }
 
-void TestOptionsWidget::saveReachesEditsMadeBeforeTheTableWasReloaded()
+void TestOptionsWidget::anEditSurvivesSwitchingAwayAndBackAndSaveStoresIt()
 {
     Fixture f;
     const int sno = f.raw.insertEntry(QStringLiteral("Coffee"), QStringLiteral("Drinks"),
@@ -834,11 +834,13 @@ void TestOptionsWidget::saveReachesEditsMadeBeforeTheTableWasReloaded()
     commit(editor);
     QTRY_VERIFY(first->isDirty());
 
-    // Leaving the tab unsaved and coming back shows the file again; the
-    // earlier edit waits in the earlier model and the next Save stores it.
+    // Leaving the tab unsaved and coming back shows the same model with the
+    // edit in it (two models would hold two versions of one row), and the
+    // next Save stores it.
     tabs(page)->setCurrentIndex(CategoryTab);
     tabs(page)->setCurrentIndex(EntriesTab);
-    QCOMPARE(entriesModel(page)->index(0, ItemNameColumn).data().toString(), QStringLiteral("Coffee"));
+    QCOMPARE(entriesModel(page), first);
+    QCOMPARE(entriesModel(page)->index(0, ItemNameColumn).data().toString(), QStringLiteral("Espresso"));
 
     MessageBoxAnswerer answerer;
     child<QPushButton>(page, "pushButtonSaveChanges")->click();
@@ -1376,8 +1378,7 @@ void TestOptionsWidget::aSaveRefusedAtItsCommitGivesBackEveryEditAndMark()
 {
     DeletionFixture d;
     QVERIFY(QTest::qWaitForWindowExposed(&d.page));
-    // Two visits: two models, and the first one's edit is written before
-    // the second's.
+    // Edits made over two visits of the tab, in its one model.
     QWidget *editor = openEditor(d.view(), 3, ItemNameColumn);
     typeInto(editor, QStringLiteral("Green tea"));
     commit(editor);
@@ -1387,7 +1388,8 @@ void TestOptionsWidget::aSaveRefusedAtItsCommitGivesBackEveryEditAndMark()
     editor = openEditor(d.view(), 0, PriceColumn);
     typeInto(editor, QStringLiteral("6.5"));
     commit(editor);
-    QTRY_VERIFY(d.model()->isDirty());
+    // The model is dirty already: wait for this very edit.
+    QTRY_COMPARE(d.model()->index(0, PriceColumn).data().toDouble(), 6.5);
     d.select({ 2 });
     d.pressDelete();
     const QStringList before = d.f.raw.dumpTables();
@@ -1406,9 +1408,9 @@ void TestOptionsWidget::aSaveRefusedAtItsCommitGivesBackEveryEditAndMark()
     QVERIFY(reader.exec(QStringLiteral("COMMIT")));
     QCOMPARE(d.f.raw.dumpTables(), before);
 
-    // Both models hold their edits again, and the mark stands.
+    // The model holds its edits again, and the mark stands.
     const QList<QSqlTableModel *> models = d.page.findChildren<QSqlTableModel *>();
-    QCOMPARE(models.size(), 2);
+    QCOMPARE(models.size(), 1);
     for (QSqlTableModel *model : models)
         QVERIFY(model->isDirty());
     QCOMPARE(d.hiddenRows(), QList<bool>({ false, false, true, false }));
@@ -1422,7 +1424,7 @@ void TestOptionsWidget::aSaveRefusedAtItsCommitGivesBackEveryEditAndMark()
     d.page.close();
 }
 
-void TestOptionsWidget::rowsMarkedBeforeTheTableWasReloadedAreDeletedBySaveToo()
+void TestOptionsWidget::rowsMarkedBeforeSwitchingAwayStayMarkedAndSaveDeletesThem()
 {
     DeletionFixture d;
     QVERIFY(QTest::qWaitForWindowExposed(&d.page));
@@ -1430,8 +1432,8 @@ void TestOptionsWidget::rowsMarkedBeforeTheTableWasReloadedAreDeletedBySaveToo()
     d.pressDelete();
     tabs(d.page)->setCurrentIndex(ModeTab);
     tabs(d.page)->setCurrentIndex(EntriesTab);
-    // The new table shows every stored row.
-    QCOMPARE(d.hiddenRows(), QList<bool>({ false, false, false, false }));
+    // The mark stands: the row stays hidden until Save or Cancel.
+    QCOMPARE(d.hiddenRows(), QList<bool>({ true, false, false, false }));
     QVERIFY(d.page.hasUnsavedEntryChanges());
     child<QPushButton>(d.page, "pushButtonSaveChanges")->click();
     QCOMPARE(d.storedSNos(), QList<int>({ d.snos.at(1), d.snos.at(2), d.snos.at(3) }));

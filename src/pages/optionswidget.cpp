@@ -222,21 +222,22 @@ void OptionsWidget::on_pushButtonChangeMode_clicked()
 
 void OptionsWidget::ShowEditEntriesDetails()
 {
-    // Each visit reads the table afresh into a new model. Earlier models stay
-    // with the page, so Save and Cancel reach them all.
+    // One model for the page: a later visit shows the same model again, so
+    // that two models never hold conflicting edits of the same row. A model
+    // without edits or marks reads the table afresh (another page may have
+    // written meanwhile); one with them keeps them until Save or Cancel.
     if (!dbManager)
         return;
-    QSqlTableModel *model = dbManager->createTableModel(QStringLiteral("Entry"), this);
-    if (!model)
+    if (entryModel) {
+        if (!entryModel->isDirty() && markedEntries.isEmpty())
+            entryModel->select();
+        hideMarkedRows();
         return;
-    QItemSelectionModel *oldSelection = ui->tableViewEditEntries->selectionModel();
-    // Rows hidden for the model shown before would hide rows of this one.
-    if (QAbstractItemModel *shown = ui->tableViewEditEntries->model()) {
-        for (int row = 0; row < shown->rowCount(); ++row)
-            ui->tableViewEditEntries->setRowHidden(row, false);
     }
-    ui->tableViewEditEntries->setModel(model);
-    delete oldSelection;
+    entryModel = dbManager->createTableModel(QStringLiteral("Entry"), this);
+    if (!entryModel)
+        return;
+    ui->tableViewEditEntries->setModel(entryModel);
 
     for (int column : { SNoColumn, CategoryNameColumn, CategoryIDColumn, EnableGeoLocColumn, GeoLocIDColumn,
                         GeoLocLongitColumn, GeoLocLatitColumn, ItemIDColumn })
@@ -246,13 +247,12 @@ void OptionsWidget::ShowEditEntriesDetails()
 
 bool OptionsWidget::hasUnsavedEntryChanges() const
 {
-    const QList<QSqlTableModel *> models = entryModels();
-    return std::any_of(models.cbegin(), models.cend(), [](const QSqlTableModel *model) { return model->isDirty(); });
+    return entryModel && entryModel->isDirty();
 }
 
 QList<QSqlTableModel *> OptionsWidget::entryModels() const
 {
-    return findChildren<QSqlTableModel *>(QString(), Qt::FindDirectChildrenOnly);
+    return entryModel ? QList<QSqlTableModel *> { entryModel } : QList<QSqlTableModel *> {};
 }
 
 void OptionsWidget::markSelectedEntriesForDeletion()
@@ -297,8 +297,8 @@ void OptionsWidget::cancelEntryEdits()
 
 void OptionsWidget::saveEntryEdits()
 {
-    // One transaction for the edits and deletions of every model the page
-    // made: either all of them are stored, or none is.
+    // One transaction for the edits and deletions: either all of them are
+    // stored, or none is.
     const QList<QSqlTableModel *> models = entryModels();
     if (!dbManager || !hasUnsavedEntryChanges())
         return;

@@ -55,4 +55,6 @@ private:
     QString currentMode;
     // The entries each table model has marked for deletion, by SNo.
     QHash<QSqlTableModel *, QSet<int>> markedEntries;
+    // The entry table's one model, made on the first visit of its tab.
+    QSqlTableModel *entryModel = nullptr;
 };
