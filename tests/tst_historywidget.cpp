@@ -16,6 +16,7 @@
 #include "mainwindowfixture.h"
 #include "messageboxanswerer.h"
 #include "rawdatabase.h"
+#include "sampleentries.h"
 #include "temphome.h"
 #include "testsupport.h"
 #include "webenginesanitizeroptions.h"
@@ -55,11 +56,6 @@
 #include <sqlite3.h>
 
 namespace {
-
-QDateTime at(int year, int month, int day, int hour = 0, int minute = 0)
-{
-    return QDateTime(QDate(year, month, day), QTime(hour, minute));
-}
 
 QString textDate(const QDate &date)
 {
