@@ -3,12 +3,15 @@
 
 #include "settings.h"
 
+#include "budgetperiod.h"
+
 #include <QString>
 
 namespace {
 
 const char geometryKey[] = "MainWindow/geometry";
 const char maximizedKey[] = "MainWindow/maximized";
+const char monthStartKey[] = "Budgets/monthStart";
 
 } // namespace
 
@@ -38,4 +41,20 @@ void Settings::setMainWindowGeometry(const QRect &geometry, bool maximized)
 {
     settings.setValue(QLatin1String(geometryKey), geometry);
     settings.setValue(QLatin1String(maximizedKey), maximized);
+}
+
+int Settings::budgetMonthStart() const
+{
+    bool isNumber = false;
+    const int day = settings.value(QLatin1String(monthStartKey)).toInt(&isNumber);
+    return isNumber && BudgetPeriods::isMonthStart(day) ? day : BudgetPeriods::firstMonthStart;
+}
+
+bool Settings::setBudgetMonthStart(int day)
+{
+    if (!BudgetPeriods::isMonthStart(day))
+        return false;
+    settings.setValue(QLatin1String(monthStartKey), day);
+    settings.sync();
+    return settings.status() == QSettings::NoError;
 }
