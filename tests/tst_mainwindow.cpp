@@ -1507,9 +1507,16 @@ void TestMainWindow::importAddsAFilesEntriesAndSaysWhatItSkipped()
     QVERIFY(!command.dialogs.seen().constFirst().hasParent);
     QCOMPARE(command.boxes.texts(),
              QStringList { QStringLiteral("Imported 1 entry from %1; skipped 2 (income 1, other sections 1).\n\n"
-                                          "Importing the same file again would add its entries a second time.")
+                                          "Importing the same file again adds only what it has not added yet.")
                                .arg(file) });
     VERIFY_BOX_SHAPE(command.boxes.seen().constFirst(), BoxKind::Information);
+    command.run(f.window(), "actionImport", file);
+    QCOMPARE(command.boxes.texts().size(), 2);
+    QCOMPARE(command.boxes.texts().constLast(),
+             QString(QStringLiteral("Imported 0 entries from %1; skipped 3 (income 1, already imported 1, other "
+                                          "sections 1).\n\n"
+                                          "Importing the same file again adds only what it has not added yet.")
+                         .arg(file)));
     RawDatabase raw(f.home.databasePath());
     QCOMPARE(
         raw.rows(QStringLiteral("select ItemName, CategoryName, Price, TransactDateTime from Entry where SNo = 3")),
@@ -1682,7 +1689,9 @@ void TestMainWindow::anOptionsPageWithUnsavedEditsStaysAfterAnImport()
     // Without edits, it is made afresh.
     child<QPushButton>(*options, "pushButtonCancelChanges")->click();
     QPointer<QWidget> unchanged = options;
-    command.dialogs.choose(file);
+    const QString other = f.home.filePath(QStringLiteral("other.csv"));
+    QVERIFY(writeFile(other, csvHeader + "2026-11-17T10:00:00,Tea,Drinks,1.5,Kiosk,false,0,0\r\n"));
+    command.dialogs.choose(other);
     command.boxes.answer(QMessageBox::Ok);
     action(f.window(), "actionImport")->trigger();
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);

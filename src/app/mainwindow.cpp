@@ -303,7 +303,8 @@ QString MainWindow::chooseFile(QFileDialog::AcceptMode mode, const QString &titl
 void MainWindow::importEntries()
 {
     const QString fileName = chooseFile(QFileDialog::AcceptOpen, tr("Import Entries"),
-                                        { tr("CSV and QIF files (*.csv *.qif *.CSV *.QIF)"), tr("All files (*)") },
+                                        { tr("CSV, QIF and OFX files (*.csv *.qif *.ofx *.qfx *.qbo *.CSV *.QIF *.OFX *.QFX *.QBO)"),
+                                          tr("All files (*)") },
                                         QDir::homePath() + QLatin1Char('/'));
     if (fileName.isEmpty())
         return;
@@ -330,7 +331,8 @@ void MainWindow::importEntries()
     EntryImport::Outcome outcome;
     {
         Progress progress(tr("Importing entries…"));
-        outcome = EntryImport::write(*dbManager, contents.entries, progress.reporter());
+        EntryImport::recognise(*dbManager, contents);
+        outcome = EntryImport::write(*dbManager, contents.entries, progress.reporter(), fileName);
     }
     if (!outcome.written) {
         Notice::warn(tr("Nothing was imported from %1: %2.").arg(fileName, outcome.failure));
@@ -341,7 +343,7 @@ void MainWindow::importEntries()
         rebuildDataPageAfterImport();
     }
     Notice::inform(EntryImport::summary(fileName, contents, outcome.added) + QStringLiteral(".\n\n") +
-                   tr("Importing the same file again would add its entries a second time."));
+                   tr("Importing the same file again adds only what it has not added yet."));
 }
 
 void MainWindow::rebuildDataPageAfterImport()

@@ -8,7 +8,18 @@ const QList<Migration> &Migrations::all()
     // A new step goes at the end with the next number; a step that has been
     // released is never changed, since files out there carry its tables.
     static const QList<Migration> steps = {
-        { 1, QStringLiteral("budgets"),
+        { 1,
+          QStringLiteral("the record of imports"),
+          { // One row per import that wrote entries: when, from which file
+            // (its absolute path), how many.
+            QStringLiteral("CREATE TABLE ImportLog ( SNo integer PRIMARY KEY AUTOINCREMENT NOT NULL, ImportedAt "
+                           "datetime NOT NULL, FileName text NOT NULL, EntryCount integer NOT NULL )"),
+            // Every entry an import wrote, by the entry's SNo (never used
+            // twice: the Entry table counts up), with what names its record
+            // in its file, so that the same record is known again.
+            QStringLiteral("CREATE TABLE ImportedEntry ( EntrySNo integer PRIMARY KEY NOT NULL, ImportSNo integer "
+                           "NOT NULL, Fingerprint text NOT NULL )") } },
+        { 2, QStringLiteral("budgets"),
           { QStringLiteral("CREATE TABLE Budget (CategoryName text PRIMARY KEY NOT NULL, "
                            "Amount real NOT NULL CHECK (Amount > 0 AND Amount <= 9999999.99), "
                            "Period text NOT NULL DEFAULT 'month' CHECK (Period IN ('month', 'week', 'year')))") } },
