@@ -3,6 +3,7 @@
 
 #include "addentrywidget.h"
 #include "backup.h"
+#include "budgetlevelcolours.h"
 #include "databasemanager.h"
 #include "historywidget.h"
 #include "look.h"
@@ -40,7 +41,9 @@
 #include <QScrollBar>
 #include <QSettings>
 #include <QSqlTableModel>
+#include <QSignalSpy>
 #include <QStackedWidget>
+#include <QStatusBar>
 #include <QTabWidget>
 #include <QTableView>
 #include <QTableWidget>
@@ -114,6 +117,9 @@ private slots:
     void initTestCase();
     void init();
     void cleanup();
+
+    void aBudgetWarningShowsWhenAnEntryCrossesAThresholdUntilTheNextPage();
+    void noBudgetWarningForACategoryWithoutABudget();
 
     void formHasTheDesignedWidgetsAndGeometry_data();
     void formHasTheDesignedWidgetsAndGeometry();
@@ -228,6 +234,106 @@ void TestMainWindow::cleanup()
     if (Look::chosen() != Look::Kind::Classic)
         Look::apply(Look::Kind::Classic);
     VERIFY_NO_WIDGETS_LEFT();
+}
+
+namespace {
+
+// Types an entry of `amount` into the new-entry page, for the category
+// `category`, dated today, and stores it.
+void addThroughThePage(AddEntryWidget *page, MessageBoxAnswerer &answerer, const QString &category,
+                       const QString &amount)
+{
+    auto *combo = page->findChild<QComboBox *>(QStringLiteral("comboBoxCategory"));
+    combo->setCurrentIndex(combo->findText(category));
+    QTest::keyClicks(page->findChild<QLineEdit *>(QStringLiteral("lineEditItemName")), QStringLiteral("Groceries"));
+    QTest::keyClicks(page->findChild<QLineEdit *>(QStringLiteral("lineEditAmount")), amount);
+    QTest::keyClicks(page->findChild<QLineEdit *>(QStringLiteral("lineEditLocation")), QStringLiteral("Market"));
+    answerer.clear();
+    answerer.answer({ QMessageBox::Save, QMessageBox::Ok });
+    page->findChild<QPushButton *>(QStringLiteral("pushButtonAdd"))->click();
+}
+
+} // namespace
+
+void TestMainWindow::aBudgetWarningShowsWhenAnEntryCrossesAThresholdUntilTheNextPage()
+{
+    MainWindowFixture f;
+    f.setUpFile();
+    f.addEntry(QStringLiteral("Rent share"), QStringLiteral("Food"), QDate::currentDate().startOfDay(), 300);
+    {
+        RawDatabase raw(f.home.databasePath());
+        QVERIFY(raw.exec(QStringLiteral("INSERT INTO Budget (CategoryName, Amount, Period) VALUES ('Food', 400, 'month')")));
+    }
+    MainWindow &window = f.window();
+    QVERIFY(f.show());
+    f.click("pushButtonNewEntry");
+    auto *page = qobject_cast<AddEntryWidget *>(f.page());
+    QVERIFY(page);
+    QSignalSpy warnings(page, &AddEntryWidget::budgetThresholdCrossed);
+    MessageBoxAnswerer answerer;
+
+    // 319.50 of 400 is below 80 %: nothing to say.
+    addThroughThePage(page, answerer, QStringLiteral("Food"), QStringLiteral("19.50"));
+    QCOMPARE(answerer.texts().last(), QStringLiteral("Entry added to the database successfully"));
+    QCOMPARE(warnings.size(), 0);
+    QVERIFY(!window.findChild<QStatusBar *>() || !window.statusBar()->isVisible());
+
+    // 320.00 is exactly 80 %: amber, after the success message.
+    addThroughThePage(page, answerer, QStringLiteral("Food"), QStringLiteral("0.50"));
+    QCOMPARE(answerer.texts().last(), QStringLiteral("Entry added to the database successfully"));
+    QCOMPARE(warnings.size(), 1);
+    auto *label = window.findChild<QLabel *>(QStringLiteral("labelBudgetWarning"));
+    QVERIFY(label);
+    QTRY_VERIFY(window.statusBar()->isVisible());
+    QCOMPARE(label->text(), QStringLiteral("Food: 320.00 of 400.00 this month (80 %)"));
+    QImage picture = window.statusBar()->grab().toImage();
+    QCOMPARE(groundColour(picture, picture.rect()), QColor(255, 191, 0));
+    QVERIFY(drawnContrast(picture) >= 4.5);
+
+    // 330.00 stays in the same band: no second warning.
+    addThroughThePage(page, answerer, QStringLiteral("Food"), QStringLiteral("10.00"));
+    QCOMPARE(warnings.size(), 1);
+    QCOMPARE(label->text(), QStringLiteral("Food: 320.00 of 400.00 this month (80 %)"));
+
+    // 412.50 is above the budget: red.
+    addThroughThePage(page, answerer, QStringLiteral("Food"), QStringLiteral("82.50"));
+    QCOMPARE(warnings.size(), 2);
+    QCOMPARE(label->text(), QStringLiteral("Food: 412.50 of 400.00 this month (103 %)"));
+    picture = window.statusBar()->grab().toImage();
+    QCOMPARE(groundColour(picture, picture.rect()), QColor(198, 40, 40));
+    QVERIFY(drawnContrast(picture) >= 4.5);
+    QVERIFY2(answerer.errors().isEmpty(), qPrintable(answerer.errors().join('\n')));
+
+    // The next page takes the warning away.
+    f.click("pushButtonHistory");
+    QVERIFY(!window.statusBar()->isVisible());
+    QCOMPARE(label->text(), QString());
+}
+
+void TestMainWindow::noBudgetWarningForACategoryWithoutABudget()
+{
+    MainWindowFixture f;
+    f.setUpFile();
+    {
+        RawDatabase raw(f.home.databasePath());
+        QVERIFY(raw.exec(QStringLiteral("INSERT INTO Budget (CategoryName, Amount, Period) VALUES ('Food', 10, 'week')")));
+    }
+    MainWindow &window = f.window();
+    QVERIFY(f.show());
+    f.click("pushButtonNewEntry");
+    auto *page = qobject_cast<AddEntryWidget *>(f.page());
+    QSignalSpy warnings(page, &AddEntryWidget::budgetThresholdCrossed);
+    MessageBoxAnswerer answerer;
+    addThroughThePage(page, answerer, QStringLiteral("Drinks"), QStringLiteral("500.00"));
+    QCOMPARE(answerer.texts().last(), QStringLiteral("Entry added to the database successfully"));
+    QCOMPARE(warnings.size(), 0);
+    QVERIFY(!window.findChild<QLabel *>(QStringLiteral("labelBudgetWarning")));
+
+    // A weekly budget names its week.
+    addThroughThePage(page, answerer, QStringLiteral("Food"), QStringLiteral("12.00"));
+    QCOMPARE(warnings.size(), 1);
+    QCOMPARE(warnings.at(0).at(0).toString(), QStringLiteral("Food: 12.00 of 10.00 this week (120 %)"));
+    QCOMPARE(warnings.at(0).at(1).value<BudgetLevel>(), BudgetLevel::Over);
 }
 
 void TestMainWindow::formHasTheDesignedWidgetsAndGeometry_data()
@@ -2007,8 +2113,8 @@ void TestMainWindow::noTextOfAnyPageIsCutOffAtTheDefaultSize()
             seen.insert(text);
         }
     });
-    // Home, About, new entry, five history tabs, details, three options tabs.
-    QCOMPARE(pages, 12);
+    // Home, About, new entry, six history tabs, details, four options tabs.
+    QCOMPARE(pages, 14);
     QVERIFY2(answerer.errors().isEmpty(), qPrintable(answerer.errors().join(QLatin1Char('\n'))));
     if (!qEnvironmentVariableIsEmpty("LEDGERLY_GRAB"))
         window.grab().save(qEnvironmentVariable("LEDGERLY_GRAB"));

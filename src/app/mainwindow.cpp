@@ -6,6 +6,7 @@
 
 #include "addentrywidget.h"
 #include "automaticbackup.h"
+#include "budgetlevelcolours.h"
 #include "backup.h"
 #include "csvformat.h"
 #include "databasemanager.h"
@@ -24,10 +25,12 @@
 #include <QDir>
 #include <QGridLayout>
 #include <QGuiApplication>
+#include <QLabel>
 #include <QMessageBox>
 #include <QPointer>
 #include <QProgressDialog>
 #include <QScreen>
+#include <QStatusBar>
 
 namespace {
 
@@ -71,6 +74,7 @@ MainWindow::MainWindow(QWidget *parent) : QMainWindow(parent), ui(new Ui::MainWi
                              ui->pushButtonExit })
         Look::applyButtonFontWeight(button);
     IsEntryPresentInDatabase = false;
+    labelBudgetWarning = nullptr;
     ui->stackedWidget->setCurrentIndex(0);
 
     dbManager = new DatabaseManager(this);
@@ -263,6 +267,7 @@ void MainWindow::closeEvent(QCloseEvent *event)
 }
 void MainWindow::showDataPage(QWidget *page)
 {
+    clearBudgetWarning();
     // The scroll area takes the page over and deletes the one it held, so at
     // most one data page lives at a time.
     ui->scrollArea_2->setWidget(page);
@@ -428,7 +433,33 @@ void MainWindow::backUpDatabase()
 
 void MainWindow::on_pushButtonNewEntry_clicked()
 {
-    showDataPage(new AddEntryWidget(QPointer<DatabaseManager>(dbManager), this));
+    auto *page = new AddEntryWidget(QPointer<DatabaseManager>(dbManager), this);
+    connect(page, &AddEntryWidget::budgetThresholdCrossed, this, &MainWindow::showBudgetWarning);
+    showDataPage(page);
+}
+
+void MainWindow::showBudgetWarning(const QString &message, BudgetLevel level)
+{
+    if (!labelBudgetWarning) {
+        // Made on the first warning: until then the window has no status
+        // bar and keeps its designed height.
+        labelBudgetWarning = new QLabel(this);
+        labelBudgetWarning->setObjectName(QStringLiteral("labelBudgetWarning"));
+        labelBudgetWarning->setTextFormat(Qt::PlainText);
+        statusBar()->addWidget(labelBudgetWarning, 1);
+    }
+    labelBudgetWarning->setText(message);
+    statusBar()->setStyleSheet(QStringLiteral("QStatusBar, QStatusBar QLabel { %1 }")
+                                   .arg(BudgetLevelColours::styleSheet(level)));
+    statusBar()->show();
+}
+
+void MainWindow::clearBudgetWarning()
+{
+    if (!labelBudgetWarning)
+        return;
+    labelBudgetWarning->clear();
+    statusBar()->hide();
 }
 
 void MainWindow::on_pushButtonOptions_clicked()
@@ -453,10 +484,12 @@ void MainWindow::on_pushButtonHistory_clicked()
 
 void MainWindow::on_pushButtonExit_clicked()
 {
+    clearBudgetWarning();
     ui->stackedWidget->setCurrentIndex(1);
 }
 
 void MainWindow::on_pushButtonHome_clicked()
 {
+    clearBudgetWarning();
     ui->stackedWidget->setCurrentIndex(0);
 }

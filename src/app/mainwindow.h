@@ -3,6 +3,8 @@
 
 #pragma once
 
+#include "budgets.h"
+
 #include <QFileDialog>
 #include <QList>
 #include <QMainWindow>
@@ -11,6 +13,7 @@
 #include <QStringList>
 
 class DatabaseManager;
+class QLabel;
 
 namespace Ui {
 class MainWindow;
@@ -60,6 +63,9 @@ private:
     void exportEntries();
     void backUpDatabase();
     void rebuildDataPageAfterImport();
+    // Shows a budget's warning in the status bar until the next page opens.
+    void showBudgetWarning(const QString &message, BudgetLevel level);
+    void clearBudgetWarning();
     // Asks for a file in a dialog of its own; empty when the user cancels.
     QString chooseFile(QFileDialog::AcceptMode mode, const QString &title, const QStringList &nameFilters,
                        const QString &suggested);
@@ -68,4 +74,5 @@ private:
     DatabaseManager *dbManager;
     bool IsEntryPresentInDatabase;
     QString automaticBackupFailure;
+    QLabel *labelBudgetWarning;
 };

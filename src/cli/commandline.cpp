@@ -4,6 +4,7 @@
 #include "commandline.h"
 
 #include "backup.h"
+#include "budgets.h"
 #include "csvformat.h"
 #include "databasemanager.h"
 #include "entryexport.h"
@@ -11,12 +12,17 @@
 #include "importlog.h"
 #include "ofxformat.h"
 #include "qifformat.h"
+#include "settings.h"
 #include "textencoding.h"
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
 #include <QFileInfo>
+#include <QRegularExpression>
 #include <QTextStream>
+
+#include <functional>
+#include <optional>
 
 namespace {
 
@@ -101,6 +107,166 @@ int backUp(DatabaseManager &store, const QString &fileName, bool force, QTextStr
     return CommandLine::Success;
 }
 
+// The budget command's words and options, read by hand: a negative amount
+// such as -5 is a word here, which QCommandLineParser would take for an
+// unknown option.
+struct BudgetArguments
+{
+    QStringList words;
+    std::optional<QString> period;
+    std::optional<QString> date;
+    QString unknownOption;
+};
+
+BudgetArguments readBudgetArguments(const QStringList &arguments)
+{
+    BudgetArguments read;
+    for (int i = 0; i < arguments.size(); ++i) {
+        const QString &argument = arguments.at(i);
+        if (!argument.startsWith(QLatin1String("--"))) {
+            read.words << argument;
+            continue;
+        }
+        std::optional<QString> *option = nullptr;
+        QString name = argument.mid(2);
+        QString value;
+        const qsizetype equals = name.indexOf(QLatin1Char('='));
+        if (equals >= 0) {
+            value = name.mid(equals + 1);
+            name.truncate(equals);
+        }
+        if (name == QLatin1String("period"))
+            option = &read.period;
+        else if (name == QLatin1String("date"))
+            option = &read.date;
+        if (!option) {
+            if (read.unknownOption.isEmpty())
+                read.unknownOption = name;
+            continue;
+        }
+        if (equals < 0) {
+            if (i + 1 == arguments.size()) {
+                read.unknownOption = QStringLiteral("--") + name;
+                continue;
+            }
+            value = arguments.at(++i);
+        }
+        *option = value;
+    }
+    return read;
+}
+
+QString budgetLine(const BudgetStanding &standing)
+{
+    const Budget &budget = standing.budget;
+    return QStringList({ budget.category, BudgetPeriods::name(budget.period), standing.span.first.toString(Qt::ISODate),
+                         standing.span.last.toString(Qt::ISODate), Budgets::money(budget.amount),
+                         Budgets::money(standing.spent), Budgets::money(standing.left()),
+                         QString::number(standing.usedPercent()) + QLatin1Char('%') })
+        .join(QLatin1Char('\t'));
+}
+
+int budget(const QStringList &arguments, QTextStream &out, QTextStream &err,
+           const std::function<int(const QString &)> &usageError)
+{
+    const BudgetArguments read = readBudgetArguments(arguments);
+    if (read.unknownOption.startsWith(QLatin1String("--")))
+        return usageError(tr("Missing value after '%1'.").arg(read.unknownOption));
+    if (!read.unknownOption.isEmpty())
+        return usageError(tr("Unknown option '%1'.").arg(read.unknownOption));
+    const QString action = read.words.value(0);
+    const QStringList arityOf = { QStringLiteral("set"), QStringLiteral("remove"), QStringLiteral("month-start") };
+    if (!action.isEmpty() && !arityOf.contains(action))
+        return usageError(tr("Unknown budget command \"%1\".").arg(action));
+    if (action.isEmpty() && !read.words.isEmpty())
+        return usageError(tr("Unknown budget command \"%1\".").arg(action));
+    const int wordsWanted = action == QLatin1String("set") ? 3 : action.isEmpty() ? 0 : 2;
+    if (read.words.size() != wordsWanted) {
+        if (action == QLatin1String("set"))
+            return usageError(tr("budget set takes CATEGORY AMOUNT."));
+        if (action == QLatin1String("remove"))
+            return usageError(tr("budget remove takes CATEGORY."));
+        return usageError(tr("budget month-start takes N."));
+    }
+    if (read.period && action != QLatin1String("set"))
+        return usageError(tr("--period goes with budget set only."));
+    if (read.date && !action.isEmpty())
+        return usageError(tr("--date goes with budget alone only."));
+    BudgetPeriod period = BudgetPeriod::Month;
+    if (read.period) {
+        const std::optional<BudgetPeriod> named = BudgetPeriods::fromName(*read.period);
+        if (!named)
+            return usageError(tr("--period is month, week or year, not \"%1\".").arg(*read.period));
+        period = *named;
+    }
+    QDate day = QDate::currentDate();
+    if (read.date) {
+        static const QRegularExpression isoDay(QStringLiteral("^\\d{4}-\\d{2}-\\d{2}$"));
+        day = QDate::fromString(*read.date, Qt::ISODate);
+        if (!isoDay.match(*read.date).hasMatch() || !day.isValid())
+            return usageError(tr("--date is a day written yyyy-MM-dd, not \"%1\".").arg(*read.date));
+    }
+
+    Settings settings;
+    if (action == QLatin1String("month-start")) {
+        // Only a setting: the database is neither needed nor made.
+        bool isNumber = false;
+        const int day = read.words.at(1).toInt(&isNumber);
+        if (!isNumber || !BudgetPeriods::isMonthStart(day)) {
+            err << tr("%1 is no month start: it is a day from 1 to 28.").arg(read.words.at(1)) << '\n';
+            return CommandLine::Refused;
+        }
+        if (!settings.setBudgetMonthStart(day)) {
+            err << tr("The month start could not be kept.") << '\n';
+            return CommandLine::Refused;
+        }
+        out << tr("Budget months start on day %1.").arg(day) << '\n';
+        return CommandLine::Success;
+    }
+
+    DatabaseManager store(nullptr);
+    if (!store.isUsable()) {
+        err << tr("The database %1 cannot be opened: %2").arg(store.databaseFileName(), store.openError()) << '\n';
+        return CommandLine::Refused;
+    }
+    Budgets budgets(store);
+    if (action.isEmpty()) {
+        for (const BudgetStanding &standing : budgets.standings(day, settings.budgetMonthStart()))
+            out << budgetLine(standing) << '\n';
+        return CommandLine::Success;
+    }
+    const QString category = read.words.at(1);
+    if (action == QLatin1String("remove")) {
+        if (!budgets.of(category)) {
+            err << tr("%1 has no budget.").arg(category) << '\n';
+            return CommandLine::Refused;
+        }
+        if (!budgets.remove(category)) {
+            err << tr("The budget of %1 could not be removed.").arg(category) << '\n';
+            return CommandLine::Refused;
+        }
+        out << tr("%1 has no budget now.").arg(category) << '\n';
+        return CommandLine::Success;
+    }
+    if (store.GetCategoryID(category) == 0) {
+        err << tr("no category %1").arg(category) << '\n';
+        return CommandLine::Refused;
+    }
+    bool isNumber = false;
+    const double amount = read.words.at(2).toDouble(&isNumber);
+    if (!isNumber || !Budgets::isAcceptableAmount(amount)) {
+        err << tr("%1 is no budget: an amount is a number above 0 and at most 9999999.99.").arg(read.words.at(2))
+            << '\n';
+        return CommandLine::Refused;
+    }
+    if (!budgets.set({ category, amount, period })) {
+        err << tr("The budget of %1 could not be stored.").arg(category) << '\n';
+        return CommandLine::Refused;
+    }
+    out << tr("%1: %2 a %3").arg(category, Budgets::money(amount), BudgetPeriods::name(period)) << '\n';
+    return CommandLine::Success;
+}
+
 } // namespace
 
 bool CommandLine::wanted(int argc)
@@ -122,10 +288,19 @@ int CommandLine::run(const QStringList &arguments)
            "  imports       Lists the imports that added entries, newest first.\n"
            "  imports undo ID\n"
            "                Removes the entries that import ID added.\n"
+           "  budget [--date yyyy-MM-dd]\n"
+           "                Lists each budget in its period holding the day (today without --date):\n"
+           "                category, period, first and last day, budget, spent, left, used.\n"
+           "  budget set CATEGORY AMOUNT [--period month|week|year]\n"
+           "                Sets the budget of a category (a month without --period).\n"
+           "  budget remove CATEGORY\n"
+           "                Removes the budget of a category.\n"
+           "  budget month-start N\n"
+           "                Starts budget months and years on day N (1 to 28) of the month.\n"
            "\n"
            "Exit status: 0 when done, 1 when the data or a file is refused, 2 for a usage error.")
             .arg(DatabaseManager::defaultFileName()));
-    parser.addPositionalArgument(QStringLiteral("command"), tr("export, import, backup or imports"),
+    parser.addPositionalArgument(QStringLiteral("command"), tr("export, import, backup, imports or budget"),
                                  QStringLiteral("[command FILE]"));
     const QCommandLineOption help = parser.addHelpOption();
     const QCommandLineOption version = parser.addVersionOption();
@@ -159,6 +334,8 @@ int CommandLine::run(const QStringList &arguments)
         return UsageError;
     };
 
+    if (arguments.size() > 1 && arguments.at(1) == QLatin1String("budget"))
+        return budget(arguments.mid(2), out, err, usageError);
     if (!parser.parse(arguments))
         return usageError(parser.errorText());
     // Without a window there are no Qt-specific options to add to the help.

@@ -286,8 +286,41 @@ void AddEntryWidget::CheckFieldsFunction()
         return;
     }
     Notice::inform(tr("Entry added to the database successfully"));
+    checkBudget(*entry);
 
     clearFields();
+}
+
+void AddEntryWidget::checkBudget(const Entry &entry)
+{
+    if (!dbManager)
+        return;
+    const QDate day = entry.TransactDateTime.date();
+    const std::optional<BudgetStanding> standing =
+        Budgets(*dbManager).standingOf(entry.CategoryName, day, Settings().budgetMonthStart());
+    if (!standing)
+        return;
+    const double spentBefore = standing->spent - double(entry.Price);
+    const std::optional<BudgetLevel> reached =
+        Budgets::crossing(spentBefore, standing->spent, standing->budget.amount);
+    if (!reached)
+        return;
+    QString text;
+    switch (standing->budget.period) {
+    case BudgetPeriod::Week:
+        text = tr("%1: %2 of %3 this week (%4 %)");
+        break;
+    case BudgetPeriod::Year:
+        text = tr("%1: %2 of %3 this year (%4 %)");
+        break;
+    case BudgetPeriod::Month:
+        text = tr("%1: %2 of %3 this month (%4 %)");
+        break;
+    }
+    emit budgetThresholdCrossed(text.arg(entry.CategoryName, Budgets::money(standing->spent),
+                                         Budgets::money(standing->budget.amount),
+                                         QString::number(standing->usedPercent())),
+                                *reached);
 }
 
 void AddEntryWidget::clearFields()

@@ -10,6 +10,8 @@
 #include <QString>
 #include <QWidget>
 
+#include "budgets.h"
+
 class PlacesMap;
 class QDate;
 class QTableWidget;
@@ -55,6 +57,10 @@ private:
     void CalculateGlobalEntryData();
     void ShowAllEntryDetails();
     void ShowPlacesDetails();
+    // The "Budgets" tab: every budget in its period holding today.
+    void ShowBudgetsDetails();
+    // Lists below the budgets the entries of a row's category and period.
+    void showBudgetEntries(int row);
     // Centres the places map on the place of a row of the places table.
     void showPlaceOnMap(int row);
 
@@ -86,4 +92,5 @@ private:
     QString totalTabShownFor;
     QString entriesTabShownFor;
     QString placesTabShownFor;
+    QList<BudgetStanding> shownBudgets;
 };

@@ -19,6 +19,10 @@ const QList<Migration> &Migrations::all()
             // in its file, so that the same record is known again.
             QStringLiteral("CREATE TABLE ImportedEntry ( EntrySNo integer PRIMARY KEY NOT NULL, ImportSNo integer "
                            "NOT NULL, Fingerprint text NOT NULL )") } },
+        { 2, QStringLiteral("budgets"),
+          { QStringLiteral("CREATE TABLE Budget (CategoryName text PRIMARY KEY NOT NULL, "
+                           "Amount real NOT NULL CHECK (Amount > 0 AND Amount <= 9999999.99), "
+                           "Period text NOT NULL DEFAULT 'month' CHECK (Period IN ('month', 'week', 'year')))") } },
     };
     return steps;
 }

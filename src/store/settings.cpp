@@ -3,6 +3,8 @@
 
 #include "settings.h"
 
+#include "budgetperiod.h"
+
 #include <QString>
 
 namespace {
@@ -10,6 +12,7 @@ namespace {
 const char geometryKey[] = "MainWindow/geometry";
 const char maximizedKey[] = "MainWindow/maximized";
 const char lookKey[] = "View/look";
+const char monthStartKey[] = "Budgets/monthStart";
 
 } // namespace
 
@@ -49,4 +52,20 @@ QString Settings::lookName() const
 void Settings::setLookName(const QString &name)
 {
     settings.setValue(QLatin1String(lookKey), name);
+}
+
+int Settings::budgetMonthStart() const
+{
+    bool isNumber = false;
+    const int day = settings.value(QLatin1String(monthStartKey)).toInt(&isNumber);
+    return isNumber && BudgetPeriods::isMonthStart(day) ? day : BudgetPeriods::firstMonthStart;
+}
+
+bool Settings::setBudgetMonthStart(int day)
+{
+    if (!BudgetPeriods::isMonthStart(day))
+        return false;
+    settings.setValue(QLatin1String(monthStartKey), day);
+    settings.sync();
+    return settings.status() == QSettings::NoError;
 }

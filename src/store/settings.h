@@ -36,6 +36,11 @@ public:
     // empty when none was picked.
     QString lookName() const;
     void setLookName(const QString &name);
+    // The day, from 1 to 28, on which a budget month (and year) begins, key
+    // Budgets/monthStart; 1 when none was kept or the kept one is no such
+    // day. Setting a day outside 1 to 28 changes nothing and is false.
+    int budgetMonthStart() const;
+    bool setBudgetMonthStart(int day);
 
 private:
     QSettings settings;
