@@ -3,7 +3,6 @@
 
 #pragma once
 
-#include <QFileDialog>
 #include <QList>
 #include <QMainWindow>
 #include <QRect>
@@ -51,6 +50,10 @@ private:
     void restoreWindowGeometry();
     void saveWindowGeometry() const;
     void showDataPage(QWidget *page);
+    // A fresh history page, whose Find button opens the Find page.
+    void showHistoryPage();
+    // A fresh Find page, with the filter it had last.
+    void showFindPage();
     void reportUnusableDatabase();
     void reportUnwritableDatabase();
     void reportAutomaticBackupFailure();
@@ -59,9 +62,6 @@ private:
     void exportEntries();
     void backUpDatabase();
     void rebuildDataPageAfterImport();
-    // Asks for a file in a dialog of its own; empty when the user cancels.
-    QString chooseFile(QFileDialog::AcceptMode mode, const QString &title, const QStringList &nameFilters,
-                       const QString &suggested);
 
     Ui::MainWindow *ui;
     DatabaseManager *dbManager;

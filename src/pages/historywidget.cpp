@@ -557,3 +557,8 @@ void HistoryWidget::on_tabWidgetHistoryContainer_currentChanged(int index)
         break;
     }
 }
+
+void HistoryWidget::on_pushButtonFind_clicked()
+{
+    emit findRequested();
+}
