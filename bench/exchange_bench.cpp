@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Copyright 2026 The Ledgerly developers
 
-// Times export (CSV and QIF), import of CSV lines and backups at 50,000
-// entries (ten years across all 37 categories), each against a floor made
-// with the plain SQLite C API (and a plain file copy for the backup), and
-// reports the peak resident memory. Medians of three runs.
+// Times export (CSV and QIF), import of CSV lines, of QIF records with
+// splits and of OFX transactions (into an empty file, and again into one
+// that holds them all), and backups at 50,000 entries (ten years across all
+// 37 categories), each against a floor made with the plain SQLite C API (and
+// a plain file copy for the backup), and reports the peak resident memory.
+// Medians of three runs.
 
 #include "backup.h"
 #include "csvformat.h"
@@ -190,6 +192,78 @@ double importMs(QTemporaryDir &work, const QString &file, int *added)
         });
 }
 
+// A bank's QIF of `count` records over ten years: every fourth a receipt
+// split in two categories.
+QByteArray qifWithSplits(int count)
+{
+    QByteArray bytes = "!Type:Bank\r\n";
+    const QDate first(2016, 1, 1);
+    for (int i = 0; i < count; ++i) {
+        const QDate day = first.addDays(i * 3650 / count);
+        const int cents = 100 + (i * 37) % 10000;
+        bytes += "D" + day.toString(QStringLiteral("MM/dd/yyyy")).toLatin1() + "\r\n";
+        bytes += "T-" + QByteArray::number(cents / 100) + '.' + QByteArray::number(cents % 100).rightJustified(2, '0');
+        bytes += "\r\nPShop " + QByteArray::number(i % 50) + "\r\nMItem " + QByteArray::number((i * 7919) % 300);
+        bytes += "\r\nLCategory " + QByteArray::number(i % 37) + "\r\n";
+        if (i % 4 == 0)
+            bytes += "SGroceries\r\nEFood\r\n$-0.60\r\nSHousehold\r\n$-0.40\r\n";
+        bytes += "^\r\n";
+    }
+    return bytes;
+}
+
+// A bank's OFX statement of `count` transactions, every tenth a credit.
+QByteArray ofxStatement(int count)
+{
+    QByteArray bytes = "OFXHEADER:100\r\nDATA:OFXSGML\r\nVERSION:102\r\nENCODING:USASCII\r\nCHARSET:1252\r\n\r\n"
+                       "<OFX><BANKMSGSRSV1><STMTTRNRS><TRNUID>1<STMTRS><CURDEF>EUR<BANKACCTFROM><BANKID>1"
+                       "<ACCTID>123456<ACCTTYPE>CHECKING</BANKACCTFROM><BANKTRANLIST>\r\n";
+    const QDate first(2016, 1, 1);
+    for (int i = 0; i < count; ++i) {
+        const QDate day = first.addDays(i * 3650 / count);
+        const int cents = 100 + (i * 37) % 10000;
+        bytes += "<STMTTRN><TRNTYPE>POS<DTPOSTED>" + day.toString(QStringLiteral("yyyyMMdd")).toLatin1() +
+            "120000.000[-5:EST]<TRNAMT>" + (i % 10 == 9 ? "" : "-") + QByteArray::number(cents / 100) + '.' +
+            QByteArray::number(cents % 100).rightJustified(2, '0') + "<FITID>" + QByteArray::number(1000000 + i) +
+            "<NAME>Shop " + QByteArray::number(i % 50) + "<MEMO>Item " + QByteArray::number((i * 7919) % 300) +
+            "</STMTTRN>\r\n";
+    }
+    return bytes + "</BANKTRANLIST><LEDGERBAL><BALAMT>0<DTASOF>20260101</LEDGERBAL></STMTRS></STMTTRNRS>"
+                   "</BANKMSGSRSV1></OFX>\r\n";
+}
+
+// Imports `file` as the command line does (read, recognise, write and
+// record) into a new home, and again into a home that holds it already.
+void recordedImportMs(QTemporaryDir &work, const QString &file, double *intoEmpty, double *again, int *added,
+                      int *skipped)
+{
+    int run = 0;
+    std::unique_ptr<DatabaseManager> store;
+    const auto freshHome = [&] {
+        store.reset();
+        const QString home = work.filePath(QStringLiteral("recorded-%1").arg(run++));
+        QDir().mkpath(home);
+        qputenv("HOME", home.toLocal8Bit());
+        store = std::make_unique<DatabaseManager>(nullptr);
+    };
+    const auto import = [&] {
+        EntryFileContents contents = EntryImport::read(file);
+        EntryImport::recognise(*store, contents);
+        *skipped = contents.skippedDuplicates;
+        return EntryImport::write(*store, contents.entries, {}, file).added;
+    };
+    *intoEmpty = medianMs(3, [&] { *added = import(); }, freshHome);
+    int addedAgain = 0;
+    *again = medianMs(
+        3, [&] { addedAgain = import(); },
+        [&] {
+            freshHome();
+            import();
+        });
+    if (addedAgain != 0)
+        *added = -1;
+}
+
 } // namespace
 
 int main(int argc, char *argv[])
@@ -268,6 +342,41 @@ int main(int argc, char *argv[])
 #endif
     table << importTenYears << readOnly << importSteady;
 
+    // QIF with splits and OFX, as a user brings them, recorded; and the same
+    // file a second time, every record recognised.
+    const QString qifFile = work.filePath(QStringLiteral("bank.qif"));
+    const QString ofxFile = work.filePath(QStringLiteral("bank.ofx"));
+    {
+        QFile qif(qifFile);
+        qif.open(QIODevice::WriteOnly);
+        qif.write(qifWithSplits(entryCount));
+        QFile ofx(ofxFile);
+        ofx.open(QIODevice::WriteOnly);
+        ofx.write(ofxStatement(entryCount));
+    }
+    QStringList counts;
+    for (const QString &file : { qifFile, ofxFile }) {
+        const bool isQif = file == qifFile;
+        Row first { isQif ? QStringLiteral("import QIF, %1 records with splits").arg(entryCount)
+                          : QStringLiteral("import OFX, %1 transactions").arg(entryCount) };
+        Row second { QStringLiteral("  the same again, all already imported") };
+        int recordedAdded = 0;
+        int duplicates = 0;
+        recordedImportMs(work, file, &first.storeMs, &second.storeMs, &recordedAdded, &duplicates);
+        counts << QStringLiteral("%1: %2 entries, then %3 already imported")
+                      .arg(QFileInfo(file).fileName())
+                      .arg(recordedAdded)
+                      .arg(duplicates);
+#ifdef LEDGERLY_HAVE_SQLITE3
+        const EntryFileContents contents = EntryImport::read(file);
+        first.plainMs = plainInsertMs(DatabaseManager::defaultFileName(), contents.entries);
+        first.floor = QStringLiteral("C API insert of the same entry rows");
+        second.plainMs = first.plainMs;
+        second.floor = first.floor;
+#endif
+        table << first << second;
+    }
+
     out << "N = " << entryCount << " entries (imports added " << addedTenYears << " and " << added << ")" << Qt::endl;
     out << QStringLiteral("%1 %2 %3 %4  %5")
                .arg(QStringLiteral("operation"), -44)
@@ -278,6 +387,8 @@ int main(int argc, char *argv[])
         << Qt::endl;
     for (const Row &row : table)
         printRow(row);
+    for (const QString &line : counts)
+        out << line << Qt::endl;
     out << "CSV file: " << QFileInfo(csvFile).size() / 1024
         << " KB; database: " << QFileInfo(work.filePath(QStringLiteral("copy.db"))).size() / 1024 << " KB" << Qt::endl;
     out << "peak resident memory: " << peakResidentKb() / 1024 << " MB" << Qt::endl;

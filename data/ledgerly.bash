@@ -36,8 +36,12 @@ _ledgerly()
             Arguments:) section=arguments; continue ;;
         esac
         if [[ $section == description && $line =~ ^\ \ ([a-z][a-z-]*)(\ ([A-Z][A-Z_]*))?(\ |$) ]]; then
-            commands+=("${BASH_REMATCH[1]}")
-            command_argument[${BASH_REMATCH[1]}]=${BASH_REMATCH[3]}
+            # A command with sub-commands stands on several lines; it is
+            # offered once, with the argument its first line names.
+            if [[ -z ${command_argument[${BASH_REMATCH[1]}]+set} ]]; then
+                commands+=("${BASH_REMATCH[1]}")
+                command_argument[${BASH_REMATCH[1]}]=${BASH_REMATCH[3]}
+            fi
         elif [[ $section == options && $line =~ ^\ \ (-[[:alnum:]],\ )?(--[[:alnum:]-]+)(\ \<([^>]*)\>)?\ +(.*)$ ]]; then
             local option=${BASH_REMATCH[2]}
             options+=("$option")

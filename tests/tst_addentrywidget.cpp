@@ -95,7 +95,8 @@ struct PageFixture
     // whole goes, with its manager, once the page has read it.
     bool waitForLookup()
     {
-        return QTest::qWaitFor([this] { return page.findChildren<QNetworkAccessManager *>().isEmpty(); });
+        // Every reply is deleted once finished and handled.
+        return QTest::qWaitFor([] { return qApp->findChildren<QNetworkReply *>().isEmpty(); });
     }
 
     // What the page shows of the latest lookup: the end of the confirmation
@@ -306,9 +307,10 @@ private slots:
     void openingThePageSendsOneGetAndEachAddOneMore();
     void aFullReplyShowsItsCoordinatesAndItsAddressAsTheLocation();
     void anUnknownChildWithANestedSubtreeIsSkipped();
-    void aSuccessfulReplyIsDeletedWithItsManager();
-    void aFailedLookupChangesNothingAndKeepsItsReply_data();
-    void aFailedLookupChangesNothingAndKeepsItsReply();
+    void aSuccessfulReplyIsDeletedAndTheProgramKeepsOneManager();
+    void everyPageLooksUpThroughTheSameManager();
+    void aFailedLookupChangesNothingAndItsReplyIsDeleted_data();
+    void aFailedLookupChangesNothingAndItsReplyIsDeleted();
     void aServerThatNeverAnswersLeavesThePageUsable();
     void anUnreadableReplyLeavesWhatThePageShowsAsItWas_data();
     void anUnreadableReplyLeavesWhatThePageShowsAsItWas();
@@ -1679,7 +1681,7 @@ void TestAddEntryWidget::anUnknownChildWithANestedSubtreeIsSkipped()
     QCOMPARE(f.lookupShown(answerer), QStringLiteral("Longitude: 73.85 Latitude: 18.52 Location: 10.1.2.3 "));
 }
 
-void TestAddEntryWidget::aSuccessfulReplyIsDeletedWithItsManager()
+void TestAddEntryWidget::aSuccessfulReplyIsDeletedAndTheProgramKeepsOneManager()
 {
     LocalHttpServer server;
     QVERIFY(server.listen());
@@ -1687,17 +1689,39 @@ void TestAddEntryWidget::aSuccessfulReplyIsDeletedWithItsManager()
     setService(server.url());
 
     PageFixture f;
-    const QList<QNetworkAccessManager *> managers = f.page.findChildren<QNetworkAccessManager *>();
+    // The page holds no manager of its own; the program has one.
+    QVERIFY(f.page.findChildren<QNetworkAccessManager *>().isEmpty());
+    const QList<QNetworkAccessManager *> managers = qApp->findChildren<QNetworkAccessManager *>();
     QCOMPARE(managers.size(), 1);
     QPointer<QNetworkAccessManager> manager = managers.constFirst();
-    QTRY_VERIFY(manager.isNull());
-    QVERIFY(f.page.findChildren<QNetworkReply *>().isEmpty());
+    QTRY_VERIFY(manager->findChildren<QNetworkReply *>().isEmpty());
+    QVERIFY(manager);
     // It was read before it went.
     MessageBoxAnswerer answerer;
     QCOMPARE(f.lookupShown(answerer), QStringLiteral("Longitude: 73.85 Latitude: 18.52 Location: 10.1.2.3 "));
 }
 
-void TestAddEntryWidget::aFailedLookupChangesNothingAndKeepsItsReply_data()
+void TestAddEntryWidget::everyPageLooksUpThroughTheSameManager()
+{
+    LocalHttpServer server;
+    QVERIFY(server.listen());
+    server.setReply(200, fullReply);
+    setService(server.url());
+
+    QNetworkAccessManager *first = nullptr;
+    for (int page = 0; page < 3; ++page) {
+        PageFixture f;
+        QTRY_COMPARE(server.requestCount(), page + 1);
+        QVERIFY(f.waitForLookup());
+        const QList<QNetworkAccessManager *> managers = qApp->findChildren<QNetworkAccessManager *>();
+        QCOMPARE(managers.size(), 1);
+        if (!first)
+            first = managers.constFirst();
+        QCOMPARE(managers.constFirst(), first);
+    }
+}
+
+void TestAddEntryWidget::aFailedLookupChangesNothingAndItsReplyIsDeleted_data()
 {
     QTest::addColumn<int>("status");
     QTest::addColumn<bool>("refuse");
@@ -1708,7 +1732,7 @@ void TestAddEntryWidget::aFailedLookupChangesNothingAndKeepsItsReply_data()
     QTest::newRow("connection refused") << 200 << true << QNetworkReply::ConnectionRefusedError;
 }
 
-void TestAddEntryWidget::aFailedLookupChangesNothingAndKeepsItsReply()
+void TestAddEntryWidget::aFailedLookupChangesNothingAndItsReplyIsDeleted()
 {
     QFETCH(int, status);
     QFETCH(bool, refuse);
@@ -1729,20 +1753,29 @@ void TestAddEntryWidget::aFailedLookupChangesNothingAndKeepsItsReply()
     if (refuse)
         server.stopListening();
 
+    QNetworkAccessManager *manager = qApp->findChild<QNetworkAccessManager *>();
+    QVERIFY(manager);
+    QPointer<QNetworkReply> failed;
+    bool finished = false;
+    QNetworkReply::NetworkError seen = QNetworkReply::NoError;
+    // Heard only while this test runs: the manager outlives it.
+    QObject listener;
+    connect(manager, &QNetworkAccessManager::finished, &listener, [&](QNetworkReply *reply) {
+        failed = reply;
+        finished = true;
+        seen = reply->error();
+    });
     MessageBoxAnswerer answerer;
     answerer.answer(QMessageBox::Ok);
     f.pressAdd();
     QVERIFY2(answerer.errors().isEmpty(), qPrintable(answerer.errors().join('\n')));
 
-    QNetworkReply *reply = nullptr;
-    QTRY_VERIFY((reply = f.page.findChild<QNetworkReply *>()) && reply->isFinished());
-    QCOMPARE(reply->error(), error);
-    QPointer<QNetworkReply> kept = reply;
-    QPointer<QNetworkAccessManager> manager = reply->manager();
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-    QVERIFY(kept);
-    QVERIFY(manager);
-    QCOMPARE(manager->parent(), &f.page);
+    // The failed reply finishes with its error and is then deleted; the
+    // program's manager stays for the next lookup.
+    QTRY_VERIFY(finished);
+    QCOMPARE(seen, error);
+    QTRY_VERIFY(failed.isNull());
+    QCOMPARE(qApp->findChild<QNetworkAccessManager *>(), manager);
 
     // The page goes on working: it shows the last good reply, and a ticked
     // entry gets its coordinates.
@@ -1786,13 +1819,14 @@ void TestAddEntryWidget::aServerThatNeverAnswersLeavesThePageUsable()
     QCOMPARE(rows.size(), 1);
     QCOMPARE(rows.at(0).at(6).toFloat(), 0.0f);
 
-    // Both lookups are still under way; they go with the page.
-    const QList<QNetworkReply *> replies = f->page.findChildren<QNetworkReply *>();
+    // Both lookups are still under way; they are given up with the page.
+    const QList<QNetworkReply *> replies = qApp->findChildren<QNetworkReply *>();
     QCOMPARE(replies.size(), 2);
     QPointer<QNetworkReply> pending = replies.constFirst();
     QVERIFY(!pending->isFinished());
     f.reset();
-    QVERIFY(pending.isNull());
+    QTRY_VERIFY(pending.isNull());
+    QVERIFY(qApp->findChildren<QNetworkReply *>().isEmpty());
 }
 
 void TestAddEntryWidget::anUnreadableReplyLeavesWhatThePageShowsAsItWas_data()

@@ -11,6 +11,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QProcess>
 #include <QTest>
 
@@ -32,6 +33,24 @@ Run runLedgerly(const QStringList &arguments, const QString &home = QString())
 }
 
 const QString tryHelp = QStringLiteral("Try \"ledgerly --help\" for more information.\n");
+// Two identical coffees on one day stay two entries; and a sandwich.
+const QByteArray twoCoffees = "!Type:Cash\r\nD03/14/2026\r\nT-2.50\r\nMCoffee\r\nPKiosk\r\n^\r\n"
+                              "D03/14/2026\r\nT-2.50\r\nMCoffee\r\nPKiosk\r\n^\r\n"
+                              "D03/14/2026\r\nT-4.00\r\nMSandwich\r\nPKiosk\r\n^\r\n";
+
+QByteArray statement(const QList<int> &fitIds)
+{
+    QByteArray ofx = "OFXHEADER:100\r\nDATA:OFXSGML\r\nVERSION:102\r\n\r\n<OFX><BANKMSGSRSV1><STMTTRNRS><STMTRS>"
+                     "<BANKACCTFROM><ACCTID>12345</BANKACCTFROM><BANKTRANLIST>\r\n";
+    for (const int id : fitIds)
+        ofx += QStringLiteral("<STMTTRN><TRNTYPE>DEBIT<DTPOSTED>202603%1<TRNAMT>-%2.00<FITID>T%3<NAME>Shop %3\r\n")
+                   .arg(id, 2, 10, QLatin1Char('0'))
+                   .arg(id)
+                   .arg(id)
+                   .toLatin1();
+    return ofx + "</BANKTRANLIST></STMTRS></STMTTRNRS></BANKMSGSRSV1></OFX>\r\n";
+}
+
 const QByteArray csvHeader = "Date,Item,Category,Amount,Place,GeoLocation,Longitude,Latitude\r\n";
 
 } // namespace
@@ -62,6 +81,13 @@ private slots:
     void aFileThatIsRefusedImportsNothing();
     void dateOrderDecidesDatesTheFileLeavesOpen_data();
     void dateOrderDecidesDatesTheFileLeavesOpen();
+    void anEncodingAskedForReadsTheTextInIt();
+    void theSameFileTwiceAddsNothingTheSecondTime();
+    void anOverlappingStatementAddsOnlyWhatIsNew();
+    void allowDuplicatesImportsThemAnyway();
+    void importsAreListedNewestFirst();
+    void undoingAnImportRemovesExactlyItsEntriesAndForgetsThem();
+    void anUnknownImportCannotBeUndone();
 
     void backupWritesACopyThatOpensWithTheSameRows();
     void backupKeepsAnExistingFileUnlessForced();
@@ -156,12 +182,14 @@ void TestCommandLine::helpListsTheCommandsAndOptions()
     for (const QString &line :
          { QStringLiteral("Commands, on the database %1/ledgerlydatabase.db:").arg(home->path()),
            QStringLiteral("  export FILE   Writes every entry into FILE, as CSV or QIF by its name (.csv, .qif)."),
-           QStringLiteral("  import FILE   Adds the entries of a CSV or QIF file; a file with any problem adds none."),
+           QStringLiteral("  import FILE   Adds the entries of a CSV, QIF or OFX (.ofx, .qfx, .qbo) file; a file with any"),
+           QStringLiteral("                problem adds none."),
            QStringLiteral("  backup FILE   Writes a copy of the database into FILE."),
            QStringLiteral("Exit status: 0 when done, 1 when the data or a file is refused, 2 for a usage error.") })
         QVERIFY2(run.out.contains(QLatin1Char('\n') + line + QLatin1Char('\n')), qPrintable(line));
     for (const char *option :
-         { "\n  -h, --help ", "\n  -v, --version ", "\n  --date-order <mdy|dmy> ", "\n  --force " })
+         { "\n  -h, --help ", "\n  -v, --version ", "\n  --date-order <mdy|dmy|ymd> ", "\n  --encoding <NAME> ",
+           "\n  --force " })
         QVERIFY2(run.out.contains(QLatin1String(option)), option);
     QVERIFY(!QFile::exists(home->databasePath()));
 }
@@ -180,9 +208,15 @@ void TestCommandLine::usageErrorsExitWith2AndTouchNothing_data()
     QTest::newRow("export to another format")
         << QStringList { "export", "out.xlsx" } << QStringLiteral("out.xlsx names no .csv or .qif file.");
     QTest::newRow("import of another format")
-        << QStringList { "import", "bank.ofx" } << QStringLiteral("bank.ofx names no .csv or .qif file.");
-    QTest::newRow("date order of another kind") << QStringList { "import", "bank.qif", "--date-order", "ymd" }
-                                                << QStringLiteral("--date-order is mdy or dmy, not \"ymd\".");
+        << QStringList { "import", "bank.xlsx" }
+        << QStringLiteral("bank.xlsx names no .csv, .qif, .ofx, .qfx or .qbo file.");
+    QTest::newRow("date order of another kind") << QStringList { "import", "bank.qif", "--date-order", "dym" }
+                                                << QStringLiteral("--date-order is mdy, dmy or ymd, not \"dym\".");
+    QTest::newRow("encoding of another kind")
+        << QStringList { "import", "bank.qif", "--encoding", "EBCDIC" }
+        << QStringLiteral("--encoding is one of UTF-8, UTF-16LE, UTF-16BE, Windows-1252, ISO-8859-1, not \"EBCDIC\".");
+    QTest::newRow("encoding with backup") << QStringList { "backup", "copy.db", "--encoding", "UTF-8" }
+                                          << QStringLiteral("--encoding goes with import only.");
     QTest::newRow("date order without a value") << QStringList { "import", "bank.qif", "--date-order" }
                                                 << QStringLiteral("Missing value after '--date-order'.");
     QTest::newRow("date order with export") << QStringList { "export", "out.qif", "--date-order", "dmy" }
@@ -345,8 +379,7 @@ void TestCommandLine::aFileThatIsRefusedImportsNothing_data()
                                    << QStringLiteral("%1:3: a field in double quotes starts here and never ends\n");
     QTest::newRow("truncated QIF") << QStringLiteral("cut.qif")
                                    << QByteArray("!Type:Bank\r\nD01/02/2026\r\nT-1\r\n^\r\nD01/03/2026\r\nT-")
-                                   << QStringLiteral("%1:5: the record that starts here does not end with ^: the file "
-                                                     "may be cut short\n");
+                                   << QStringLiteral("%1:6: the amount \"-\" is not a number\n");
     QByteArray binary(3000, '\0');
     for (int i = 1; i < binary.size(); ++i)
         binary[i] = char((i * 37 + 11) % 256);
@@ -394,6 +427,7 @@ void TestCommandLine::dateOrderDecidesDatesTheFileLeavesOpen_data()
     QTest::newRow("mdy") << QStringList { "--date-order", "mdy" } << QStringLiteral("2026-03-04T00:00:00");
     QTest::newRow("dmy") << QStringList { "--date-order", "dmy" } << QStringLiteral("2026-04-03T00:00:00");
     QTest::newRow("dmy, written with =") << QStringList { "--date-order=dmy" } << QStringLiteral("2026-04-03T00:00:00");
+    QTest::newRow("ymd") << QStringList { "--date-order", "ymd" } << QStringLiteral("2026-03-04T00:00:00");
 }
 
 void TestCommandLine::dateOrderDecidesDatesTheFileLeavesOpen()
@@ -401,13 +435,177 @@ void TestCommandLine::dateOrderDecidesDatesTheFileLeavesOpen()
     QFETCH(QStringList, options);
     QFETCH(QString, stored);
     const QString file = home->filePath(QStringLiteral("open.qif"));
-    QVERIFY(writeFile(file, "!Type:Cash\r\nD03/04/2026\r\nT-2\r\nMTea\r\nLDrinks\r\n^\r\n"));
+    // Year first, 26/03/04 is the same day as 03/04/2026 month first.
+    const QByteArray date = options.contains(QLatin1String("ymd")) ? "26/03/04" : "03/04/2026";
+    QVERIFY(writeFile(file, "!Type:Cash\r\nD" + date + "\r\nT-2\r\nMTea\r\nLDrinks\r\n^\r\n"));
     const Run run = runLedgerly(QStringList { QStringLiteral("import"), file } + options, home->path());
     QCOMPARE(run.err, QString());
     QCOMPARE(run.exitCode, 0);
     QCOMPARE(run.out, QStringLiteral("Imported 1 entry from %1; skipped 0\n").arg(file));
     RawDatabase raw(home->databasePath());
     QCOMPARE(raw.scalar(QStringLiteral("select TransactDateTime from Entry")).toString(), stored);
+}
+
+void TestCommandLine::anEncodingAskedForReadsTheTextInIt()
+{
+    const QString file = home->filePath(QStringLiteral("bank.qif"));
+    QVERIFY(writeFile(file, "!Type:Bank\r\nD03/04/2026\r\nT-2\r\nPCaf\xC3\xA9\r\n^\r\n"));
+    const Run run = runLedgerly({ QStringLiteral("import"), file, QStringLiteral("--encoding"), QStringLiteral("cp1252") },
+                                home->path());
+    QCOMPARE(run.err, QString());
+    QCOMPARE(run.exitCode, 0);
+    RawDatabase raw(home->databasePath());
+    QCOMPARE(raw.scalar(QStringLiteral("select LocationText from Entry")).toString(), QStringLiteral("CafÃ©"));
+}
+
+void TestCommandLine::theSameFileTwiceAddsNothingTheSecondTime()
+{
+    const QString file = home->filePath(QStringLiteral("cash.qif"));
+    QVERIFY(writeFile(file, twoCoffees));
+    const Run first = runLedgerly({ QStringLiteral("import"), file }, home->path());
+    QCOMPARE(first.err, QString());
+    QCOMPARE(first.out, QStringLiteral("Imported 3 entries from %1; skipped 0\n").arg(file));
+    const Run second = runLedgerly({ QStringLiteral("import"), file }, home->path());
+    QCOMPARE(second.err, QString());
+    QCOMPARE(second.exitCode, 0);
+    QCOMPARE(second.out, QStringLiteral("Imported 0 entries from %1; skipped 3 (already imported 3)\n").arg(file));
+    RawDatabase raw(home->databasePath());
+    QCOMPARE(raw.scalar(QStringLiteral("select count(*) from Entry where ItemName = 'Coffee'")).toInt(), 2);
+    QCOMPARE(raw.scalar(QStringLiteral("select count(*) from Entry")).toInt(), 3);
+    // Only the import that wrote entries is on record.
+    QCOMPARE(raw.scalar(QStringLiteral("select count(*) from ImportLog")).toInt(), 1);
+}
+
+void TestCommandLine::anOverlappingStatementAddsOnlyWhatIsNew()
+{
+    const QString march = home->filePath(QStringLiteral("march.ofx"));
+    const QString april = home->filePath(QStringLiteral("april.qfx"));
+    QVERIFY(writeFile(march, statement({ 1, 2, 3 })));
+    QVERIFY(writeFile(april, statement({ 3, 4 })));
+    QCOMPARE(runLedgerly({ QStringLiteral("import"), march }, home->path()).out,
+             QStringLiteral("Imported 3 entries from %1; skipped 0\n").arg(march));
+    const Run run = runLedgerly({ QStringLiteral("import"), april }, home->path());
+    QCOMPARE(run.err, QString());
+    QCOMPARE(run.out, QStringLiteral("Imported 1 entry from %1; skipped 1 (already imported 1)\n").arg(april));
+    RawDatabase raw(home->databasePath());
+    QCOMPARE(raw.rows(QStringLiteral("select LocationText, Price from Entry order by SNo")),
+             QList<QVariantList>({ { QStringLiteral("Shop 1"), 1.0 },
+                                   { QStringLiteral("Shop 2"), 2.0 },
+                                   { QStringLiteral("Shop 3"), 3.0 },
+                                   { QStringLiteral("Shop 4"), 4.0 } }));
+}
+
+void TestCommandLine::allowDuplicatesImportsThemAnyway()
+{
+    const QString file = home->filePath(QStringLiteral("cash.qif"));
+    QVERIFY(writeFile(file, twoCoffees));
+    QCOMPARE(runLedgerly({ QStringLiteral("import"), file }, home->path()).exitCode, 0);
+    const Run run = runLedgerly({ QStringLiteral("import"), file, QStringLiteral("--allow-duplicates") }, home->path());
+    QCOMPARE(run.err, QString());
+    QCOMPARE(run.out, QStringLiteral("Imported 3 entries from %1; skipped 0\n").arg(file));
+    RawDatabase raw(home->databasePath());
+    QCOMPARE(raw.scalar(QStringLiteral("select count(*) from Entry")).toInt(), 6);
+}
+
+void TestCommandLine::importsAreListedNewestFirst()
+{
+    const QString cash = home->filePath(QStringLiteral("cash.qif"));
+    const QString bank = home->filePath(QStringLiteral("bank.ofx"));
+    QVERIFY(writeFile(cash, twoCoffees));
+    QVERIFY(writeFile(bank, statement({ 7 })));
+    const QDateTime before = QDateTime::currentDateTime().addSecs(-1);
+    QCOMPARE(runLedgerly({ QStringLiteral("import"), cash }, home->path()).exitCode, 0);
+    QCOMPARE(runLedgerly({ QStringLiteral("import"), bank }, home->path()).exitCode, 0);
+    const QDateTime after = QDateTime::currentDateTime().addSecs(1);
+    const Run run = runLedgerly({ QStringLiteral("imports") }, home->path());
+    QCOMPARE(run.err, QString());
+    QCOMPARE(run.exitCode, 0);
+    const QStringList lines = run.out.split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+    QCOMPARE(lines.size(), 2);
+    const QStringList newest = lines.at(0).split(QLatin1Char('\t'));
+    const QStringList oldest = lines.at(1).split(QLatin1Char('\t'));
+    QCOMPARE(newest.size(), 4);
+    QCOMPARE(newest.at(0), QStringLiteral("2"));
+    QCOMPARE(newest.at(2), QStringLiteral("1 entry"));
+    QCOMPARE(newest.at(3), QFileInfo(bank).absoluteFilePath());
+    QCOMPARE(oldest.at(0), QStringLiteral("1"));
+    QCOMPARE(oldest.at(2), QStringLiteral("3 entries"));
+    QCOMPARE(oldest.at(3), cash);
+    for (const QStringList &line : { newest, oldest }) {
+        const QDateTime when = QDateTime::fromString(line.at(1), QStringLiteral("yyyy-MM-ddTHH:mm:ss"));
+        QVERIFY2(when >= before.addMSecs(-before.time().msec()) && when <= after, qPrintable(line.at(1)));
+    }
+}
+
+void TestCommandLine::undoingAnImportRemovesExactlyItsEntriesAndForgetsThem()
+{
+    setUpDatabase();
+    const QString cash = home->filePath(QStringLiteral("cash.qif"));
+    const QString bank = home->filePath(QStringLiteral("bank.ofx"));
+    QVERIFY(writeFile(cash, twoCoffees));
+    QVERIFY(writeFile(bank, statement({ 7 })));
+    QCOMPARE(runLedgerly({ QStringLiteral("import"), cash }, home->path()).exitCode, 0);
+    QCOMPARE(runLedgerly({ QStringLiteral("import"), bank }, home->path()).exitCode, 0);
+    QStringList entriesBefore;
+    QStringList catalogueBefore;
+    {
+        RawDatabase raw(home->databasePath());
+        for (const QVariantList &row : raw.rows(QStringLiteral("select ItemName from Entry order by SNo")))
+            entriesBefore.append(row.at(0).toString());
+        for (const QVariantList &row :
+             raw.rows(QStringLiteral("select ItemName, UseFrequency from Items order by SNo")))
+            catalogueBefore.append(row.at(0).toString() + QLatin1Char('=') + row.at(1).toString());
+    }
+
+    const Run run = runLedgerly({ QStringLiteral("imports"), QStringLiteral("undo"), QStringLiteral("1") },
+                                home->path());
+    QCOMPARE(run.err, QString());
+    QCOMPARE(run.exitCode, 0);
+    QCOMPARE(run.out, QStringLiteral("Removed 3 entries of import 1\n"));
+    {
+        RawDatabase raw(home->databasePath());
+        QStringList entriesAfter;
+        for (const QVariantList &row : raw.rows(QStringLiteral("select ItemName from Entry order by SNo")))
+            entriesAfter.append(row.at(0).toString());
+        QStringList expected = entriesBefore;
+        expected.removeAll(QStringLiteral("Coffee"));
+        expected.removeAll(QStringLiteral("Sandwich"));
+        QCOMPARE(entriesAfter, expected);
+        QCOMPARE(entriesAfter.size(), entriesBefore.size() - 3);
+        // The catalogue keeps its counts, as deleting on the options page does.
+        QStringList catalogueAfter;
+        for (const QVariantList &row :
+             raw.rows(QStringLiteral("select ItemName, UseFrequency from Items order by SNo")))
+            catalogueAfter.append(row.at(0).toString() + QLatin1Char('=') + row.at(1).toString());
+        QCOMPARE(catalogueAfter, catalogueBefore);
+        QCOMPARE(raw.scalar(QStringLiteral("select count(*) from ImportedEntry where ImportSNo = 1")).toInt(), 0);
+        QCOMPARE(raw.scalar(QStringLiteral("select count(*) from ImportedEntry where ImportSNo = 2")).toInt(), 1);
+    }
+    const Run listed = runLedgerly({ QStringLiteral("imports") }, home->path());
+    QVERIFY2(listed.out.startsWith(QLatin1String("2\t")) && listed.out.count(QLatin1Char('\n')) == 1,
+             qPrintable(listed.out));
+    // Forgotten: the file imports again, whole.
+    QCOMPARE(runLedgerly({ QStringLiteral("import"), cash }, home->path()).out,
+             QStringLiteral("Imported 3 entries from %1; skipped 0\n").arg(cash));
+    const Run single = runLedgerly({ QStringLiteral("imports"), QStringLiteral("undo"), QStringLiteral("2") },
+                                   home->path());
+    QCOMPARE(single.out, QStringLiteral("Removed 1 entry of import 2\n"));
+}
+
+void TestCommandLine::anUnknownImportCannotBeUndone()
+{
+    setUpDatabase();
+    RawDatabase raw(home->databasePath());
+    const QStringList before = raw.dumpTables();
+    const Run run = runLedgerly({ QStringLiteral("imports"), QStringLiteral("undo"), QStringLiteral("42") },
+                                home->path());
+    QCOMPARE(run.exitCode, 1);
+    QCOMPARE(run.out, QString());
+    QCOMPARE(run.err, QStringLiteral("There is no import 42; \"imports\" lists them.\n"));
+    QCOMPARE(raw.dumpTables(), before);
+    const Run usage = runLedgerly({ QStringLiteral("imports"), QStringLiteral("undo"), QStringLiteral("x") },
+                                  home->path());
+    QCOMPARE(usage.exitCode, 2);
 }
 
 void TestCommandLine::backupWritesACopyThatOpensWithTheSameRows()

@@ -3,6 +3,7 @@
 
 #include "databasemanager.h"
 #include "describedfile.h"
+#include "migrations.h"
 #include "rawdatabase.h"
 #include "temphome.h"
 #include "testsupport.h"
@@ -154,6 +155,7 @@ private slots:
     // File, schema and default rows
     void aNewHomeGetsExactlyTheSixTablesWithTheirCreateStatements();
     void aNewHomeGetsTheDefaultCategoriesNumberedInOrder();
+    void aFileOfTheSixTablesGetsTheRecordOfImportsAndKeepsItsRows();
     void aNewHomeGetsTheDefaultModesNumberedInOrder();
     void startingAgainOnTheSameFileChangesNothing();
     void aRenamedDefaultCategoryComesBackWithTheNextFreeNumber();
@@ -349,6 +351,34 @@ void tst_DatabaseManager::aNewHomeGetsExactlyTheSixTablesWithTheirCreateStatemen
             added << row.at(0).toString();
         QCOMPARE(added, migrationObjectNames(type));
     }
+}
+
+void tst_DatabaseManager::aFileOfTheSixTablesGetsTheRecordOfImportsAndKeepsItsRows()
+{
+    {
+        // A file as the described statements make it: version 0.
+        RawDatabase raw(home->databasePath());
+        for (const auto &table : describedCreateStatements())
+            QVERIFY2(raw.exec(table.second), qPrintable(raw.lastError()));
+        QVERIFY(raw.insertEntry(QStringLiteral("Tea"), QStringLiteral("Drinks"), QDateTime(QDate(2024, 1, 2), QTime()),
+                                2.5) > 0);
+        QCOMPARE(raw.scalar(QStringLiteral("PRAGMA user_version")).toInt(), 0);
+    }
+    auto store = startStore();
+    QVERIFY(store->isUsable());
+    QCOMPARE(store->writeProblem(), QString());
+    RawDatabase raw(home->databasePath());
+    QCOMPARE(raw.scalar(QStringLiteral("PRAGMA user_version")).toInt(), Migrations::latestVersion());
+    QVERIFY(Migrations::latestVersion() >= 1);
+    QCOMPARE(raw.scalar(QStringLiteral("select count(*) from Entry where ItemName = 'Tea'")).toInt(), 1);
+    // The new tables take their rows.
+    QVERIFY2(raw.exec(QStringLiteral("INSERT INTO ImportLog (ImportedAt, FileName, EntryCount) VALUES "
+                                     "('2024-01-02T10:00:00', '/tmp/bank.qif', 1)")),
+             qPrintable(raw.lastError()));
+    QVERIFY2(raw.exec(QStringLiteral("INSERT INTO ImportedEntry (EntrySNo, ImportSNo, Fingerprint) VALUES (1, 1, 'f')")),
+             qPrintable(raw.lastError()));
+    QCOMPARE(raw.scalar(QStringLiteral("select count(*) from ImportedEntry join ImportLog on ImportLog.SNo = "
+                                       "ImportedEntry.ImportSNo")).toInt(), 1);
 }
 
 void tst_DatabaseManager::aNewHomeGetsTheDefaultCategoriesNumberedInOrder()

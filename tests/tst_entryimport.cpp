@@ -36,6 +36,38 @@ QStringList storedFields(DatabaseManager &store)
     return lines;
 }
 
+QString realFile(const QString &folder, const QString &name)
+{
+    return QStringLiteral(LEDGERLY_REAL_FILES "/%1/%2").arg(folder, name);
+}
+
+// What a file's entries come to: how many, their sum in cents, the earliest
+// and the latest day.
+struct Totals
+{
+    int count = 0;
+    qint64 cents = 0;
+    QDate first;
+    QDate last;
+};
+
+Totals totalsOf(const QList<EntryFileContents::LineEntry> &entries)
+{
+    Totals totals;
+    double sum = 0;
+    for (const EntryFileContents::LineEntry &read : entries) {
+        const QDate day = read.entry.TransactDateTime.date();
+        ++totals.count;
+        sum += double(read.entry.Price);
+        if (!totals.first.isValid() || day < totals.first)
+            totals.first = day;
+        if (!totals.last.isValid() || day > totals.last)
+            totals.last = day;
+    }
+    totals.cents = qRound64(sum * 100);
+    return totals;
+}
+
 const QByteArray header = "Date,Item,Category,Amount,Place,GeoLocation,Longitude,Latitude\r\n";
 
 } // namespace
@@ -58,6 +90,14 @@ private slots:
     void aCancelledImportWritesNothing();
     void progressIsToldInStepsUpToTheTotal();
     void aQifFileIsReadByItsSuffixWithTheDateOrderAsked();
+    void realQifFilesGiveWhatACarefulReaderGets_data();
+    void realQifFilesGiveWhatACarefulReaderGets();
+    void realQifFilesThatNoRuleReadsAreRefusedWithTheirLine_data();
+    void realQifFilesThatNoRuleReadsAreRefusedWithTheirLine();
+    void realOfxFilesGiveWhatACarefulReaderGets_data();
+    void realOfxFilesGiveWhatACarefulReaderGets();
+    void realOfxFilesKeepTheirNamesCharacterForCharacter_data();
+    void realOfxFilesKeepTheirNamesCharacterForCharacter();
     void aBadLineAmongAThousandIsFoundBeforeAnythingIsWritten();
     void aFileThatCannotBeReadIsAProblemOfTheWholeFile_data();
     void aFileThatCannotBeReadIsAProblemOfTheWholeFile();
@@ -260,7 +300,8 @@ void TestEntryImport::aCancelledImportWritesNothing()
     for (int i = 0; i < 700; ++i)
         entries.append({ i + 2,
                          makeEntry(at(2026, 1, 1).addSecs(i * 60), QStringLiteral("Item %1").arg(i % 9),
-                                   QStringLiteral("New %1").arg(i % 3), 1.0f + i) });
+                                   QStringLiteral("New %1").arg(i % 3), 1.0f + i),
+                         QString(), QString() });
     QList<qint64> told;
     const EntryImport::Outcome outcome = EntryImport::write(*store, entries, [&](qint64 done, qint64 total) {
         told.append(total);
@@ -277,7 +318,8 @@ void TestEntryImport::progressIsToldInStepsUpToTheTotal()
     QList<EntryFileContents::LineEntry> entries;
     for (int i = 0; i < 600; ++i)
         entries.append(
-            { i + 2, makeEntry(at(2026, 1, 1).addSecs(i), QStringLiteral("Tea"), QStringLiteral("Drinks"), 1.0f) });
+            { i + 2, makeEntry(at(2026, 1, 1).addSecs(i), QStringLiteral("Tea"), QStringLiteral("Drinks"), 1.0f),
+              QString(), QString() });
     QList<QPair<qint64, qint64>> told;
     const EntryImport::Outcome outcome = EntryImport::write(*store, entries, [&](qint64 done, qint64 total) {
         told.append({ done, total });
@@ -330,7 +372,7 @@ void TestEntryImport::aFileThatCannotBeReadIsAProblemOfTheWholeFile_data()
                              << QStringLiteral("%1 cannot be read: No such file or directory");
     QTest::newRow("a directory") << QStringLiteral("folder.qif") << QStringLiteral("%1 cannot be read: ");
     QTest::newRow("another suffix") << QStringLiteral("entries.txt")
-                                    << QStringLiteral("%1 is neither a .csv nor a .qif file");
+                                    << QStringLiteral("%1 is not a .csv, .qif, .ofx, .qfx or .qbo file");
 }
 
 void TestEntryImport::aFileThatCannotBeReadIsAProblemOfTheWholeFile()
@@ -358,3 +400,230 @@ void TestEntryImport::theSummaryCountsTheAddedAndTheSkipped()
 
 QTEST_GUILESS_MAIN(TestEntryImport)
 #include "tst_entryimport.moc"
+
+void TestEntryImport::realQifFilesGiveWhatACarefulReaderGets_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<int>("order");
+    QTest::addColumn<int>("count");
+    QTest::addColumn<qint64>("cents");
+    QTest::addColumn<QDate>("first");
+    QTest::addColumn<QDate>("last");
+    QTest::addColumn<QString>("skipped");
+    const int none = -1;
+    const int ymd = int(QifFormat::DateOrder::YearFirst);
+    const auto row = [](const char *name, int order, int count, qint64 cents, QDate first, QDate last,
+                        const char *skipped) {
+        QTest::newRow(name) << QString::fromLatin1(name) << order << count << cents << first << last
+                            << QString::fromLatin1(skipped);
+    };
+    // Counted by hand from each file: every expense split is an entry, and
+    // a record's entries add up to its amount.
+    row("AArnott_Nerdbank.Qif_sample.qif", none, 12, 240100, QDate(2008, 1, 20), QDate(2008, 12, 10),
+        "skipped 21 (income 17, other sections 4)");
+    row("OCA_bank-statement-import_test_qif.qif", none, 5, 189609, QDate(2013, 3, 3), QDate(2013, 8, 15), "skipped 0");
+    row("OCA_bank-statement-import_test_qif_dmy.qif", none, 5, 189609, QDate(2013, 3, 3), QDate(2013, 8, 15),
+        "skipped 0");
+    // Nothing in the file tells 13/08/12 from day first: only ymd reads it right.
+    row("OCA_bank-statement-import_test_qif_ymd.qif", ymd, 5, 189609, QDate(2013, 3, 3), QDate(2013, 8, 15),
+        "skipped 0");
+    row("OCA_bank-statement-import_test_qif_ymd.qif", none, 5, 189609, QDate(2003, 3, 13), QDate(2015, 8, 13),
+        "skipped 0");
+    row("ccavanaugh_jgnash_bank1.qif", none, 4, 19874, QDate(2011, 3, 3), QDate(2011, 3, 15), "skipped 2 (income 2)");
+    // 6.50 for lunch, and of a split 48.00 the 17.00 that is not a transfer.
+    row("giacomos_qifparse_file.qif", none, 2, 2350, QDate(2013, 10, 11), QDate(2013, 10, 23),
+        "skipped 11 (transfers 2, other sections 9)");
+    row("hsoft_moneyguru_accountless_with_splits.qif", none, 1, 100000, QDate(2008, 8, 28), QDate(2008, 8, 28),
+        "skipped 2 (income 1, zero amounts 1)");
+    // 34 expense records, 14 of them split into 48 parts, all adding up.
+    row("hsoft_moneyguru_autoswitch.qif", none, 68, 185269, QDate(2008, 12, 1), QDate(2008, 12, 22),
+        "skipped 54 (income 1, zero amounts 2, other sections 51)");
+    row("hsoft_moneyguru_checkbook.qif", none, 3, 19712, QDate(2007, 1, 2), QDate(2007, 2, 4),
+        "skipped 7 (income 5, other sections 2)");
+    row("hsoft_moneyguru_chr13_line_sep.qif", none, 0, 0, QDate(), QDate(), "skipped 2 (transfers 1, other sections 1)");
+    row("hsoft_moneyguru_ddmmyyyy_with_dots.qif", none, 0, 0, QDate(), QDate(),
+        "skipped 2 (income 1, other sections 1)");
+    row("hsoft_moneyguru_other_sections.qif", none, 3, 72331, QDate(2007, 3, 5), QDate(2007, 3, 6),
+        "skipped 4 (other sections 4)");
+    row("hsoft_moneyguru_quicken_split_duplicate.qif", none, 1, 50000, QDate(2011, 1, 1), QDate(2011, 1, 1),
+        "skipped 7 (transfers 1, other sections 6)");
+    row("hsoft_moneyguru_transfer_splits.qif", none, 0, 0, QDate(), QDate(), "skipped 9 (transfers 3, other sections 6)");
+    row("hsoft_moneyguru_yyyymmdd_without_sep.qif", none, 0, 0, QDate(), QDate(),
+        "skipped 2 (income 1, other sections 1)");
+    row("isaacharrisholt_quiffen_test.qif", none, 7, 13500, QDate(2020, 2, 10), QDate(2020, 2, 12),
+        "skipped 12 (income 2, transfers 1, other sections 9)");
+    row("isaacharrisholt_quiffen_test_category_override.qif", none, 2, 2256, QDate(2018, 1, 2), QDate(2018, 1, 2),
+        "skipped 2 (income 2)");
+    row("isaacharrisholt_quiffen_test_circular_reference.qif", none, 2, 1459, QDate(2021, 8, 27), QDate(2021, 8, 27),
+        "skipped 0");
+    row("isaacharrisholt_quiffen_test_split.qif", none, 1, 100, QDate(2000, 1, 1), QDate(2000, 1, 1),
+        "skipped 1 (transfers 1)");
+    row("isaacharrisholt_quiffen_test_transaction_before_account_definition_2.qif", none, 2, 19796, QDate(2022, 9, 8),
+        QDate(2022, 9, 23), "skipped 0");
+    row("jemmyw_Qif_3_records_mmddyy.qif", none, 2, 3000, QDate(2010, 1, 1), QDate(2010, 6, 1), "skipped 1 (income 1)");
+    row("jemmyw_Qif_3_records_separator.qif", none, 2, 3103000, QDate(2010, 1, 1), QDate(2010, 6, 1),
+        "skipped 1 (income 1)");
+    row("jemmyw_Qif_3_records_spaced.qif", none, 2, 3000, QDate(2010, 1, 1), QDate(2010, 6, 1), "skipped 1 (income 1)");
+    row("jemmyw_Qif_quicken_non_investement_account.qif", none, 1, 1000, QDate(1994, 6, 3), QDate(1994, 6, 3),
+        "skipped 2 (income 1, transfers 1)");
+    row("reubano_csv2ofx_creditunion.qif", none, 0, 0, QDate(), QDate(), "skipped 9 (income 8, other sections 1)");
+    row("reubano_csv2ofx_ubs-ch-fr.qif", none, 2, 21000, QDate(2019, 3, 31), QDate(2019, 4, 27),
+        "skipped 2 (income 1, other sections 1)");
+    row("spmason_qif2json_normalTransactions.qif", none, 1, 1000, QDate(1994, 6, 3), QDate(1994, 6, 3),
+        "skipped 2 (income 1, transfers 1)");
+    row("spmason_qif2json_utf8.qif", none, 1, 37900, QDate(2010, 3, 3), QDate(2010, 3, 3), "skipped 0");
+    row("spmason_qif2json_windows-1252.qif", none, 1, 37900, QDate(2010, 3, 3), QDate(2010, 3, 3), "skipped 0");
+}
+
+void TestEntryImport::realQifFilesGiveWhatACarefulReaderGets()
+{
+    QFETCH(QString, name);
+    QFETCH(int, order);
+    QFETCH(int, count);
+    QFETCH(qint64, cents);
+    QFETCH(QDate, first);
+    QFETCH(QDate, last);
+    QFETCH(QString, skipped);
+    const QString file = realFile(QStringLiteral("qif"), name);
+    QVERIFY2(QFile::exists(file), qPrintable(file));
+    const EntryFileContents contents =
+        order < 0 ? EntryImport::read(file) : EntryImport::read(file, QifFormat::DateOrder(order));
+    QCOMPARE(contents.problemLines(), QStringList());
+    const Totals totals = totalsOf(contents.entries);
+    QCOMPARE(totals.count, count);
+    QCOMPARE(totals.cents, cents);
+    QCOMPARE(totals.first, first);
+    QCOMPARE(totals.last, last);
+    QCOMPARE(contents.skippedSummary(), skipped);
+    for (const EntryFileContents::LineEntry &read : contents.entries)
+        QVERIFY(!read.entry.LocationText.contains(QChar::ReplacementCharacter));
+
+    // And into the store, whole.
+    QVERIFY(EntryImport::write(*store, contents.entries).written);
+    QCOMPARE(store->GetTotalNumberOfEntries(), count);
+    if (name.contains(QLatin1String("1252")) || name.contains(QLatin1String("utf8")))
+        QCOMPARE(owned(store->GetAllEntries()).at(0)->LocationText, QStringLiteral("SOME £$™€ CHARACTERS"));
+}
+
+void TestEntryImport::realQifFilesThatNoRuleReadsAreRefusedWithTheirLine_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QStringList>("problems");
+    QTest::newRow("an amount with letters stuck to it")
+        << QStringLiteral("hsoft_moneyguru_missing_line_sep.qif")
+        << QStringList { QStringLiteral("line 8: the amount \"42.32CX\" is not a number") };
+    QTest::newRow("no header at all") << QStringLiteral("hsoft_moneyguru_extra_dline.qif")
+                                      << QStringList { QStringLiteral(
+                                             "line 1: a QIF file starts with a header such as !Type:Bank") };
+}
+
+void TestEntryImport::realQifFilesThatNoRuleReadsAreRefusedWithTheirLine()
+{
+    QFETCH(QString, name);
+    QFETCH(QStringList, problems);
+    const EntryFileContents contents = EntryImport::read(realFile(QStringLiteral("qif"), name));
+    QCOMPARE(contents.problemLines(), problems);
+    QVERIFY(!contents.isAcceptable());
+}
+
+void TestEntryImport::realOfxFilesGiveWhatACarefulReaderGets_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<int>("count");
+    QTest::addColumn<qint64>("cents");
+    QTest::addColumn<QDate>("first");
+    QTest::addColumn<QDate>("last");
+    QTest::addColumn<QString>("skipped");
+    const auto row = [](const char *name, int count, qint64 cents, QDate first, QDate last, const char *skipped) {
+        QTest::newRow(name) << QString::fromLatin1(name) << count << cents << first << last
+                            << QString::fromLatin1(skipped);
+    };
+    // Worked out from each file's STMTTRN elements: the negative TRNAMTs,
+    // their sum, and the days of their DTPOSTED; transactions of investment
+    // statements are other sections.
+    row("Govcraft_ofx-rs_mercury-checking.ofx", 559, 4292292, QDate(2024, 3, 16), QDate(2026, 3, 18), "skipped 115 (income 115)");
+    row("OCA_bank-statement-import_test_ofx.ofx", 4, 36000, QDate(2013, 8, 24), QDate(2013, 8, 24), "skipped 0");
+    row("asgrim_ofxparser_ofx-multiple-accounts-xml.ofx", 1, 398, QDate(2014, 7, 17), QDate(2014, 7, 17), "skipped 2 (income 2)");
+    row("asgrim_ofxparser_ofxdata-bb-two-stmtrs.ofx", 4, 7843253, QDate(2017, 3, 6), QDate(2017, 3, 27), "skipped 32 (income 32)");
+    row("asgrim_ofxparser_ofxdata-cmfr.ofx", 32, 2119957, QDate(2016, 6, 1), QDate(2016, 6, 27), "skipped 10 (income 10)");
+    row("asgrim_ofxparser_ofxdata-emptyDateTime.ofx", 0, 0, QDate(), QDate(), "skipped 2 (income 2)");
+    row("asgrim_ofxparser_ofxdata-memoWithAmpersand.ofx", 13, 73405, QDate(2018, 9, 13), QDate(2018, 10, 5), "skipped 3 (income 3)");
+    row("asgrim_ofxparser_ofxdata-oneline.ofx", 7, 217710, QDate(2016, 2, 16), QDate(2016, 7, 19), "skipped 1 (income 1)");
+    row("asgrim_ofxparser_ofxdata-selfclose.ofx", 3, 11500, QDate(2019, 9, 18), QDate(2019, 9, 23), "skipped 2 (income 2)");
+    row("beancount_beangulp_2013-12-03.bofa.ofx", 27, 98926, QDate(2013, 10, 26), QDate(2013, 12, 2), "skipped 0");
+    row("beancount_beangulp_example.ofx", 17, 57732, QDate(2013, 12, 6), QDate(2013, 12, 16), "skipped 0");
+    row("beancount_beangulp_example.qbo", 17, 147248, QDate(2013, 7, 2), QDate(2013, 9, 3), "skipped 6 (income 6)");
+    row("ccavanaugh_jgnash_File_with_Accents.ofx", 3, 13500, QDate(2009, 12, 1), QDate(2009, 12, 3), "skipped 0");
+    row("ccavanaugh_jgnash_Sample.ofx", 4, 6300000, QDate(2003, 9, 5), QDate(2003, 9, 28), "skipped 1 (income 1)");
+    row("ccavanaugh_jgnash_activity.ofx", 9, 21892, QDate(2008, 10, 21), QDate(2008, 11, 23), "skipped 2 (income 2)");
+    row("ccavanaugh_jgnash_uglyFormat.ofx", 1, 123456, QDate(2017, 3, 24), QDate(2017, 3, 24), "skipped 4 (income 4)");
+    row("chilts_node-ofx_example-xml.qfx", 0, 0, QDate(), QDate(), "skipped 1 (income 1)");
+    row("csingley_ofxtools_br_nubank_cc.ofx", 6, 128091, QDate(2024, 3, 22), QDate(2024, 3, 23), "skipped 0");
+    row("csingley_ofxtools_stmtrs_euro.ofx", 2, 50000, QDate(2005, 10, 4), QDate(2005, 10, 20), "skipped 0");
+    row("egh_ledger-autosync_accented_characters_latin1.ofx", 1, 5873, QDate(2014, 9, 20), QDate(2014, 9, 20), "skipped 0");
+    row("egh_ledger-autosync_comments.ofx", 0, 0, QDate(), QDate(), "skipped 2 (income 1, zero amounts 1)");
+    row("euforic_banking.js_sample.ofx", 7, 385053, QDate(2012, 1, 3), QDate(2012, 1, 25), "skipped 4 (income 4)");
+    row("gpaulissen_ofxstatement-french_46297554894_02092025_04102025.ofx", 0, 0, QDate(), QDate(), "skipped 0");
+    row("gpaulissen_ofxstatement-french_BPACA_OP_20220828.ofx", 59, 544284, QDate(2022, 8, 2), QDate(2022, 8, 26), "skipped 10 (income 10)");
+    row("hsoft_moneyguru_blank_first_line.ofx", 4, 23925, QDate(2008, 8, 27), QDate(2008, 8, 28), "skipped 1 (income 1)");
+    row("hsoft_moneyguru_ccstmtrs.ofx", 5, 31323, QDate(2013, 6, 22), QDate(2013, 8, 9), "skipped 0");
+    row("hsoft_moneyguru_desjardins.ofx", 14, 700859, QDate(2008, 1, 14), QDate(2008, 2, 11), "skipped 6 (income 6)");
+    row("hsoft_moneyguru_desjardins.qfx", 14, 700859, QDate(2008, 1, 14), QDate(2008, 2, 11), "skipped 6 (income 6)");
+    row("hsoft_moneyguru_fortis.ofx", 1, 260, QDate(2008, 9, 5), QDate(2008, 9, 5), "skipped 0");
+    row("hsoft_moneyguru_ing.qfx", 0, 0, QDate(), QDate(), "skipped 1 (income 1)");
+    row("jbms_beancount-import_amex.ofx", 3, 19075, QDate(2013, 11, 24), QDate(2013, 11, 26), "skipped 0");
+    row("jbms_beancount-import_checking2.ofx", 0, 0, QDate(), QDate(), "skipped 13 (other sections 13)");
+    row("jseutter_ofxparse_anzcc.ofx", 1, 550, QDate(2017, 5, 8), QDate(2017, 5, 8), "skipped 0");
+    row("jseutter_ofxparse_ofx-v102-empty-tags.ofx", 0, 0, QDate(), QDate(), "skipped 1 (income 1)");
+    row("jseutter_ofxparse_suncorp.ofx", 1, 1685, QDate(2013, 12, 15), QDate(2013, 12, 15), "skipped 0");
+}
+
+void TestEntryImport::realOfxFilesGiveWhatACarefulReaderGets()
+{
+    QFETCH(QString, name);
+    QFETCH(int, count);
+    QFETCH(qint64, cents);
+    QFETCH(QDate, first);
+    QFETCH(QDate, last);
+    QFETCH(QString, skipped);
+    const QString file = realFile(QStringLiteral("ofx"), name);
+    QVERIFY2(QFile::exists(file), qPrintable(file));
+    const EntryFileContents contents = EntryImport::read(file);
+    QCOMPARE(contents.problemLines(), QStringList());
+    const Totals totals = totalsOf(contents.entries);
+    QCOMPARE(totals.count, count);
+    QCOMPARE(totals.cents, cents);
+    QCOMPARE(totals.first, first);
+    QCOMPARE(totals.last, last);
+    QCOMPARE(contents.skippedSummary(), skipped);
+    for (const EntryFileContents::LineEntry &read : contents.entries) {
+        QVERIFY(!read.entry.LocationText.contains(QChar::ReplacementCharacter));
+        QVERIFY(!read.entry.ItemName.contains(QChar::ReplacementCharacter));
+    }
+    QVERIFY(EntryImport::write(*store, contents.entries).written);
+    QCOMPARE(store->GetTotalNumberOfEntries(), count);
+}
+
+void TestEntryImport::realOfxFilesKeepTheirNamesCharacterForCharacter_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QString>("place");
+    QTest::newRow("ISO-8859-1 declared") << QStringLiteral("ccavanaugh_jgnash_File_with_Accents.ofx")
+                                         << QStringLiteral("Second Transaction (ÀàÉéÈèÊêËëÏïÙù)");
+    QTest::newRow("UTF-8 with a mark") << QStringLiteral("ccavanaugh_jgnash_Sample.ofx") << QStringLiteral("電話料");
+    QTest::newRow("Latin-1 under 1252") << QStringLiteral("egh_ledger-autosync_accented_characters_latin1.ofx")
+                                        << QStringLiteral("Virement Interac à: Jean");
+    QTest::newRow("an entity") << QStringLiteral("beancount_beangulp_2013-12-03.bofa.ofx")
+                               << QStringLiteral("BARNES & NOBLE 2675 NEW YORK");
+}
+
+void TestEntryImport::realOfxFilesKeepTheirNamesCharacterForCharacter()
+{
+    QFETCH(QString, name);
+    QFETCH(QString, place);
+    const EntryFileContents contents = EntryImport::read(realFile(QStringLiteral("ofx"), name));
+    QStringList places;
+    for (const EntryFileContents::LineEntry &read : contents.entries)
+        places.append(read.entry.LocationText);
+    QVERIFY2(places.contains(place), qPrintable(places.join(QLatin1String(" | "))));
+}

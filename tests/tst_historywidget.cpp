@@ -5,6 +5,7 @@
 #include "databasemanager.h"
 #include "entrydetailswidget.h"
 #include "historywidget.h"
+#include "look.h"
 #include "linegraph.h"
 #include "mainwindow.h"
 #include "piewidget.h"
@@ -20,6 +21,7 @@
 #include "testsupport.h"
 #include "webenginesanitizeroptions.h"
 #include "webviewtest.h"
+#include "contrast.h"
 #include "widgettest.h"
 
 #include <QComboBox>
@@ -46,6 +48,7 @@
 #include <QWebEngineScript>
 #include <QWebEngineScriptCollection>
 #include <QWebEngineView>
+#include <QScopeGuard>
 #include <QtTest>
 
 #include <memory>
@@ -157,11 +160,18 @@ bool allCellsAreRedReadOnlyAndStretched(const QTableWidget *table)
                 return false;
         }
     }
+    // The columns share the width; one whose heading would not fit in its
+    // share keeps the heading's width instead.
+    const QHeaderView *header = table->horizontalHeader();
+    bool stretched = false;
     for (int column = 0; column < table->columnCount(); ++column) {
-        if (table->horizontalHeader()->sectionResizeMode(column) != QHeaderView::Stretch)
+        if (header->sectionResizeMode(column) == QHeaderView::Stretch)
+            stretched = true;
+        else if (header->sectionResizeMode(column) != QHeaderView::Fixed ||
+                 header->sectionSize(column) < header->sectionSizeHint(column))
             return false;
     }
-    return true;
+    return stretched;
 }
 
 // Pixels of a cell's text in a picture of the table as it shows on screen:
@@ -500,6 +510,10 @@ private slots:
     void markerRadiusGrowsWithTheTotal_data();
     void markerRadiusGrowsWithTheTotal();
     void placesReachThePageAsEscapedJson();
+
+    // The looks (last: the first look applied gives the application the
+    // program's style for the rest of the run)
+    void graphsAndPiesFollowTheLookAndClassicKeepsTheGraphsColours();
 
 private:
     RequestRecorder recorder;
@@ -1944,6 +1958,56 @@ void TestHistoryWidget::placesReachThePageAsEscapedJson()
     QCOMPARE(read.value("lng").toDouble(), 103.25);
     QCOMPARE(read.value("radius").toDouble(), 30.0);
     QCOMPARE(read.value("lines").toArray(), (QJsonArray { "Entries: 3", "Total: 1.23457e+06" }));
+}
+
+void TestHistoryWidget::graphsAndPiesFollowTheLookAndClassicKeepsTheGraphsColours()
+{
+    const auto restoreClassic = qScopeGuard([] { Look::apply(Look::Kind::Classic); });
+    HistoryFixture fixture;
+    fixture.add("Bread", "Food", at(2025, 3, 1), 3);
+    fixture.add("Bread", "Food", at(2025, 3, 4), 5);
+    fixture.add("Taxi", "Travel", at(2025, 4, 20), 7);
+    fixture.build()->show();
+    QVERIFY(QTest::qWaitForWindowExposed(fixture.page.get()));
+
+    // Classic: the graph's described black ground.
+    QImage saved = fixture.savedImage(categoryGraph);
+    QCOMPARE(saved.pixelColor(saved.width() / 2, 2), QColor(Qt::black));
+
+    for (const Look::Kind kind : { Look::Kind::Light, Look::Kind::Dark }) {
+        Look::apply(kind);
+        const QPalette look = Look::palette(kind);
+        // The graph on screen takes the look at once.
+        QWidget *graph = fixture.chartIn("scrollAreaCategoryLineChart");
+        const QImage shown = graph->grab().toImage();
+        QCOMPARE(shown.pixelColor(shown.width() / 2, 2), look.color(QPalette::Window));
+        const QRect labels(0, 0, 40, shown.height() - 30);
+        QVERIFY2(drawnContrast(shown, labels) >= 4.5, qPrintable(QString::number(drawnContrast(shown, labels))));
+
+        // A tab shown again writes its file in the look.
+        QFile::remove(fixture.home.filePath(QLatin1String(categoryGraph)));
+        fixture.tabs()->setCurrentIndex(2);
+        fixture.tabs()->setCurrentIndex(0);
+        QTRY_VERIFY(fixture.fileExists(categoryGraph));
+        saved = fixture.savedImage(categoryGraph);
+        QCOMPARE(saved.pixelColor(saved.width() / 2, 2), look.color(QPalette::Window));
+        // The line stands out from the plot as a graphic must (3 to 1).
+        const Look::GraphColours colours = Look::graphColours();
+        QVERIFY(contrastRatio(colours.line, colours.plot) >= 3.0);
+        QVERIFY(contrastRatio(colours.text, colours.background) >= 4.5);
+
+        // The pie's legend reads on the look's ground.
+        fixture.tabs()->setCurrentIndex(2);
+        PieWidget *pie = fixture.pieIn("scrollAreaTotalPieChartCategories");
+        QVERIFY(pie);
+        const QImage piePicture = pie->grab().toImage();
+        const QRect legend(pie->height() + 10 + 30, 0, pie->width() - pie->height() - 40, pie->height());
+        QCOMPARE(groundColour(piePicture, legend), look.color(QPalette::Window));
+        QVERIFY2(drawnContrast(piePicture, legend) >= 4.5,
+                 qPrintable(QString::number(drawnContrast(piePicture, legend))));
+        fixture.tabs()->setCurrentIndex(0);
+    }
+    fixture.page->close();
 }
 
 QTEST_MAIN(TestHistoryWidget)

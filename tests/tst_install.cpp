@@ -113,7 +113,8 @@ HelpText parseHelp(const QString &text)
             section = Arguments;
         else if (section == Description) {
             const QRegularExpressionMatch match = command.match(line);
-            if (match.hasMatch())
+            // A command with sub-commands stands on a line of each.
+            if (match.hasMatch() && !help.commands.contains(match.captured(1)))
                 help.commands << match.captured(1);
         } else if (section == Options) {
             const QRegularExpressionMatch match = option.match(line);
@@ -692,7 +693,10 @@ void TestInstall::bashCompletesCommandsOptionsValuesAndFiles_data()
 
     QTest::addColumn<QString>("line");
     QTest::addColumn<QStringList>("expected");
-    QTest::newRow("a command from its first letters") << "ledgerly imp" << QStringList { QStringLiteral("import") };
+    QTest::newRow("a command from its first letters") << "ledgerly exp" << QStringList { QStringLiteral("export") };
+    // "import" and "imports" both begin so.
+    QTest::newRow("the commands that share their first letters")
+        << "ledgerly imp" << QStringList { QStringLiteral("import"), QStringLiteral("imports") };
     QTest::newRow("every command") << "ledgerly " << help.commands;
     QTest::newRow("the date orders the help lists") << "ledgerly import x --date-order " << dateOrders;
     QTest::newRow("a date order after an equals sign")

@@ -8,6 +8,7 @@
 #include "testsupport.h"
 #include "widgettest.h"
 
+#include <QAccessible>
 #include <QDate>
 #include <QFile>
 #include <QFontMetrics>
@@ -886,6 +887,28 @@ private slots:
         QTemporaryDir dir;
         QVERIFY(!graph.save(dir.filePath("empty.png"), QSize(0, 0)));
         QVERIFY(!QFile::exists(dir.filePath("empty.png")));
+    }
+
+    void aScreenReaderHearsTheGraphsPointsLabelsAndRange()
+    {
+        ZRLineGraph graph;
+        graph.append(ZRLineGraphData(QStringLiteral("Mon Mar 2 2026"), QStringLiteral("12.5")));
+        graph.append(ZRLineGraphData(QStringLiteral("Tue Mar 3 2026"), QStringLiteral("3")));
+        graph.append(ZRLineGraphData(QStringLiteral("Wed Mar 4 2026"), QStringLiteral("40")));
+        graph.append(ZRLineGraphData(QStringLiteral("Thu Mar 5 2026"), QStringLiteral("7")));
+        graph.resize(401, 281);
+        graph.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&graph));
+        QAccessibleInterface *told = QAccessible::queryAccessibleInterface(&graph);
+        QVERIFY(told);
+        QCOMPARE(told->text(QAccessible::Name), QStringLiteral("Line graph"));
+        // Compared as numbers: "40" is the highest though "7" sorts after it.
+        QCOMPARE(told->text(QAccessible::Description),
+                 QStringLiteral("4 points from Mon Mar 2 2026 to Thu Mar 5 2026; lowest 3, highest 40"));
+        QCOMPARE(ZRLineGraph::description({}), QStringLiteral("No points"));
+        QCOMPARE(ZRLineGraph::description({ ZRLineGraphData(QStringLiteral("Food"), QStringLiteral("2")) }),
+                 QStringLiteral("1 point from Food to Food; lowest 2, highest 2"));
+        graph.close();
     }
 
     // Last, after every chart above was drawn: the charts need no web

@@ -12,6 +12,7 @@
 #include "contrast.h"
 #include "filedialoganswerer.h"
 #include "mainwindowfixture.h"
+#include "pagewalk.h"
 #include "messageboxanswerer.h"
 #include "rawdatabase.h"
 #include "temphome.h"
@@ -143,7 +144,7 @@ private slots:
     void aWindowIsFoundWhenAScreenShowsEnoughOfIt_data();
     void aWindowIsFoundWhenAScreenShowsEnoughOfIt();
 
-    void menuBarHasFileGoAndHelpWithTheirCommandsInOrder();
+    void menuBarHasFileGoViewAndHelpWithTheirCommandsInOrder();
     void everyMenuCommandHasItsNameTextShortcutAndState_data();
     void everyMenuCommandHasItsNameTextShortcutAndState();
     void goCommandsDoWhatTheirMenuButtonsDo();
@@ -186,6 +187,18 @@ private slots:
     void aFileHeldByAnotherProgramStillShowsTheWindowAtOnceAndTellsWhy();
     void aFileThatTakesNoWritesIsToldOnceAndItsEntriesStillShow();
 
+    void eachLookIsCheckedKeptAndRestoredAtTheNextStart_data();
+    void eachLookIsCheckedKeptAndRestoredAtTheNextStart();
+    void switchingTheLookRestylesTheShownPageAndClassicGivesEverySheetBack();
+    void everyTextOfEveryPageIsReadableInTheDesktopLooks_data();
+    void everyTextOfEveryPageIsReadableInTheDesktopLooks();
+
+    // Also run at a scale factor of 2 (see tests/CMakeLists.txt).
+    void noTextOfAnyPageIsCutOffAtTheDefaultSize_data();
+    void noTextOfAnyPageIsCutOffAtTheDefaultSize();
+    void everyControlOfEveryPageHasAnAccessibleName();
+    void theTabKeyReachesTheMenuThenTheTabsThenTheirTables();
+
 private:
     // Points the settings at a fresh configuration directory, as a start
     // with XDG_CONFIG_HOME set there would.
@@ -212,6 +225,8 @@ void TestMainWindow::init()
 
 void TestMainWindow::cleanup()
 {
+    if (Look::chosen() != Look::Kind::Classic)
+        Look::apply(Look::Kind::Classic);
     VERIFY_NO_WIDGETS_LEFT();
 }
 
@@ -769,7 +784,7 @@ void TestMainWindow::aWindowIsFoundWhenAScreenShowsEnoughOfIt()
     QCOMPARE(MainWindow::isOnAScreen(window, screens), found);
 }
 
-void TestMainWindow::menuBarHasFileGoAndHelpWithTheirCommandsInOrder()
+void TestMainWindow::menuBarHasFileGoViewAndHelpWithTheirCommandsInOrder()
 {
     MainWindowFixture f;
     MainWindow &window = f.window();
@@ -778,19 +793,26 @@ void TestMainWindow::menuBarHasFileGoAndHelpWithTheirCommandsInOrder()
     QStringList titles;
     for (const QAction *entry : bar->actions())
         titles.append(entry->text());
-    QCOMPARE(titles, QStringList({ "File", "Go", "Help" }));
+    QCOMPARE(titles, QStringList({ "File", "Go", "View", "Help" }));
 
     const auto names = [](const QMenu *menu) {
         QStringList list;
         for (const QAction *entry : menu->actions())
-            list.append(entry->isSeparator() ? QStringLiteral("-") : entry->objectName());
+            list.append(entry->isSeparator() ? QStringLiteral("-")
+                            : entry->menu()  ? entry->menu()->objectName()
+                                             : entry->objectName());
         return list;
     };
     QCOMPARE(names(bar->actions().at(0)->menu()),
              QStringList({ "actionImport", "actionExport", "actionBackUp", "-", "actionQuit" }));
     QCOMPARE(names(bar->actions().at(1)->menu()),
              QStringList({ "actionHome", "actionNewEntry", "actionHistory", "actionOptions", "actionFind" }));
-    QCOMPARE(names(bar->actions().at(2)->menu()), QStringList({ "actionAbout", "actionAboutQt" }));
+    QCOMPARE(names(bar->actions().at(2)->menu()), QStringList({ "menuLook" }));
+    const QMenu *looks = bar->actions().at(2)->menu()->actions().at(0)->menu();
+    QCOMPARE(looks->title(), QStringLiteral("Look"));
+    QCOMPARE(names(looks),
+             QStringList({ "actionLookClassic", "actionLookLight", "actionLookDark", "actionLookSystem" }));
+    QCOMPARE(names(bar->actions().at(3)->menu()), QStringList({ "actionAbout", "actionAboutQt" }));
 }
 
 void TestMainWindow::everyMenuCommandHasItsNameTextShortcutAndState_data()
@@ -1403,9 +1425,16 @@ void TestMainWindow::importAddsAFilesEntriesAndSaysWhatItSkipped()
     QVERIFY(!command.dialogs.seen().constFirst().hasParent);
     QCOMPARE(command.boxes.texts(),
              QStringList { QStringLiteral("Imported 1 entry from %1; skipped 2 (income 1, other sections 1).\n\n"
-                                          "Importing the same file again would add its entries a second time.")
+                                          "Importing the same file again adds only what it has not added yet.")
                                .arg(file) });
     VERIFY_BOX_SHAPE(command.boxes.seen().constFirst(), BoxKind::Information);
+    command.run(f.window(), "actionImport", file);
+    QCOMPARE(command.boxes.texts().size(), 2);
+    QCOMPARE(command.boxes.texts().constLast(),
+             QString(QStringLiteral("Imported 0 entries from %1; skipped 3 (income 1, already imported 1, other "
+                                          "sections 1).\n\n"
+                                          "Importing the same file again adds only what it has not added yet.")
+                         .arg(file)));
     RawDatabase raw(f.home.databasePath());
     QCOMPARE(
         raw.rows(QStringLiteral("select ItemName, CategoryName, Price, TransactDateTime from Entry where SNo = 3")),
@@ -1578,7 +1607,9 @@ void TestMainWindow::anOptionsPageWithUnsavedEditsStaysAfterAnImport()
     // Without edits, it is made afresh.
     child<QPushButton>(*options, "pushButtonCancelChanges")->click();
     QPointer<QWidget> unchanged = options;
-    command.dialogs.choose(file);
+    const QString other = f.home.filePath(QStringLiteral("other.csv"));
+    QVERIFY(writeFile(other, csvHeader + "2026-11-17T10:00:00,Tea,Drinks,1.5,Kiosk,false,0,0\r\n"));
+    command.dialogs.choose(other);
     command.boxes.answer(QMessageBox::Ok);
     action(f.window(), "actionImport")->trigger();
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
@@ -1781,3 +1812,273 @@ void TestMainWindow::aFileThatTakesNoWritesIsToldOnceAndItsEntriesStillShow()
 QTEST_MAIN(TestMainWindow)
 
 #include "tst_mainwindow.moc"
+
+namespace {
+
+QAction *lookAction(const MainWindow &window, Look::Kind kind)
+{
+    return child<QAction>(window, QStringLiteral("actionLook") + Look::name(kind));
+}
+
+// Every style sheet under `top`, by the widget's path of object names.
+QMap<QString, QString> styleSheetsUnder(QWidget *top)
+{
+    QMap<QString, QString> sheets;
+    QList<QWidget *> widgets = top->findChildren<QWidget *>();
+    widgets.prepend(top);
+    for (int i = 0; i < widgets.size(); ++i) {
+        const QWidget *widget = widgets.at(i);
+        QString path;
+        for (const QObject *step = widget; step; step = step->parent())
+            path.prepend(step->objectName() + QLatin1Char('/'));
+        sheets.insert(path + QString::number(i), widget->styleSheet());
+    }
+    return sheets;
+}
+
+} // namespace
+
+void TestMainWindow::eachLookIsCheckedKeptAndRestoredAtTheNextStart_data()
+{
+    QTest::addColumn<Look::Kind>("kind");
+    QTest::addColumn<Look::Kind>("shown");
+    QTest::newRow("light") << Look::Kind::Light << Look::Kind::Light;
+    QTest::newRow("dark") << Look::Kind::Dark << Look::Kind::Dark;
+    // The offscreen platform's palette is light.
+    QTest::newRow("system") << Look::Kind::System << Look::Kind::Light;
+    QTest::newRow("classic") << Look::Kind::Classic << Look::Kind::Classic;
+}
+
+void TestMainWindow::eachLookIsCheckedKeptAndRestoredAtTheNextStart()
+{
+    QFETCH(Look::Kind, kind);
+    QFETCH(Look::Kind, shown);
+    MainWindowFixture f;
+    MainWindow &window = f.window();
+    // Classic until the user picks another.
+    QVERIFY(lookAction(window, Look::Kind::Classic)->isChecked());
+    QCOMPARE(Look::chosen(), Look::Kind::Classic);
+    if (kind == Look::Kind::Classic)
+        lookAction(window, Look::Kind::Dark)->trigger();
+
+    lookAction(window, kind)->trigger();
+    for (const Look::Kind other : { Look::Kind::Classic, Look::Kind::Light, Look::Kind::Dark, Look::Kind::System })
+        QCOMPARE(lookAction(window, other)->isChecked(), other == kind);
+    QCOMPARE(Look::chosen(), kind);
+    QCOMPARE(Look::shown(), shown);
+    QCOMPARE(
+        QSettings(QStringLiteral("Ledgerly"), QStringLiteral("Ledgerly")).value(QStringLiteral("View/look")).toString(),
+        Look::name(kind));
+
+    // The next start: the program begins in Classic, as main() sets it up,
+    // and the window brings the kept look back.
+    Look::apply(Look::Kind::Classic);
+    MainWindow &next = f.restart();
+    QVERIFY(lookAction(next, kind)->isChecked());
+    QCOMPARE(Look::chosen(), kind);
+    QCOMPARE(Look::shown(), shown);
+}
+
+void TestMainWindow::switchingTheLookRestylesTheShownPageAndClassicGivesEverySheetBack()
+{
+    MainWindowFixture f;
+    MainWindow &window = f.window();
+    QVERIFY(f.show());
+    f.click("pushButtonNewEntry");
+    QWidget *page = f.page();
+    const QMap<QString, QString> classicSheets = styleSheetsUnder(&window);
+    auto *field = child<QLineEdit>(*page, "lineEditItemName");
+    auto *add = child<QPushButton>(*page, "pushButtonAdd");
+    const auto groundOf = [&window](QWidget *widget) {
+        const QImage picture = window.grab().toImage();
+        return groundColour(picture,
+                            QRect(widget->mapTo(&window, QPoint(0, 0)), widget->size()).adjusted(4, 4, -4, -4));
+    };
+    QCOMPARE(groundOf(page), QColor(Qt::black));
+    QCOMPARE(groundOf(field), QColor(254, 255, 189));
+
+    lookAction(window, Look::Kind::Light)->trigger();
+    // The page shown is restyled at once: no black page, plain fields and
+    // buttons.
+    QVERIFY2(groundOf(page).lightness() > 200, qPrintable(groundOf(page).name()));
+    QCOMPARE(groundOf(field), QColor(Qt::white));
+    QVERIFY(!add->styleSheet().contains(QStringLiteral("gradient")));
+    QCOMPARE(groundOf(add).red(), groundOf(add).blue());
+
+    lookAction(window, Look::Kind::Dark)->trigger();
+    QVERIFY2(groundOf(page).lightness() < 60, qPrintable(groundOf(page).name()));
+    // No yellow field in the dark look.
+    QVERIFY2(groundOf(field).lightness() < 60, qPrintable(groundOf(field).name()));
+    // A page made while the look shows is in the look too.
+    f.click("pushButtonOptions");
+    QVERIFY2(groundOf(f.page()).lightness() < 100, qPrintable(groundOf(f.page()).name()));
+
+    f.click("pushButtonNewEntry");
+    lookAction(window, Look::Kind::Classic)->trigger();
+    QCOMPARE(styleSheetsUnder(&window), classicSheets);
+    QCOMPARE(groundOf(f.page()), QColor(Qt::black));
+    QCOMPARE(groundOf(child<QLineEdit>(*f.page(), "lineEditItemName")), QColor(254, 255, 189));
+}
+
+void TestMainWindow::everyTextOfEveryPageIsReadableInTheDesktopLooks_data()
+{
+    QTest::addColumn<Look::Kind>("kind");
+    QTest::addColumn<QByteArray>("button");
+    for (const Look::Kind kind : { Look::Kind::Light, Look::Kind::Dark }) {
+        for (const char *button :
+             { "pushButtonHome", "pushButtonNewEntry", "pushButtonHistory", "pushButtonOptions", "pushButtonExit" })
+            QTest::addRow("%s %s", qPrintable(Look::name(kind)), button) << kind << QByteArray(button);
+    }
+}
+
+void TestMainWindow::everyTextOfEveryPageIsReadableInTheDesktopLooks()
+{
+    QFETCH(Look::Kind, kind);
+    QFETCH(QByteArray, button);
+    MainWindowFixture f;
+    f.addEntry(QStringLiteral("Coffee"), QStringLiteral("Drinks"), QDateTime(QDate(2026, 11, 15), QTime(8, 30)), 2.5);
+    f.addEntry(QStringLiteral("Bread"), QStringLiteral("Food"), QDateTime(QDate(2026, 11, 16), QTime(9, 0)), 3.0);
+    MainWindow &window = f.window();
+    QVERIFY(f.show());
+    lookAction(window, kind)->trigger();
+    f.click(button.constData());
+    QWidget *shownPage = f.stack()->currentWidget();
+    const QImage picture = window.grab().toImage();
+    int checked = 0;
+    const QList<QWidget *> widgets = shownPage->findChildren<QWidget *>();
+    for (QWidget *widget : widgets) {
+        QString text;
+        if (auto *label = qobject_cast<QLabel *>(widget))
+            text = label->text();
+        else if (auto *button = qobject_cast<QAbstractButton *>(widget))
+            text = button->text();
+        if (text.trimmed().isEmpty() || !widget->isVisible() || widget->visibleRegion().isEmpty())
+            continue;
+        const QRect area = QRect(widget->mapTo(&window, QPoint(0, 0)), widget->size()).intersected(picture.rect());
+        const double contrast = drawnContrast(picture, area);
+        QVERIFY2(contrast >= 4.5, qPrintable(QStringLiteral("%1: %2").arg(widget->objectName()).arg(contrast)));
+        ++checked;
+    }
+    // The home page shows a picture only.
+    if (button != "pushButtonHome")
+        QVERIFY(checked > 0);
+}
+
+namespace {
+
+// Entries as a year of use leaves them: long names, places and prices. At
+// midnight, as the new-entry page stores them, so that the date-wise tab's
+// first day (the newest entry's) holds one.
+void addEveryDayEntries(MainWindowFixture &f)
+{
+    f.addEntry(QStringLiteral("Weekly groceries at the market"), QStringLiteral("Food"),
+               QDateTime(QDate(2026, 10, 30), QTime(0, 0)), 123.45);
+    f.addEntry(QStringLiteral("Coffee"), QStringLiteral("Drinks"), QDateTime(QDate(2026, 11, 15), QTime(0, 0)), 2.5);
+    f.addEntry(QStringLiteral("Train ticket to the coast"), QStringLiteral("Travel"),
+               QDateTime(QDate(2026, 11, 16), QTime(0, 0)), 38.9);
+}
+
+} // namespace
+
+void TestMainWindow::noTextOfAnyPageIsCutOffAtTheDefaultSize_data()
+{
+    QTest::addColumn<Look::Kind>("kind");
+    for (const Look::Kind kind : { Look::Kind::Classic, Look::Kind::Light, Look::Kind::Dark })
+        QTest::newRow(qPrintable(Look::name(kind))) << kind;
+}
+
+void TestMainWindow::noTextOfAnyPageIsCutOffAtTheDefaultSize()
+{
+    QFETCH(Look::Kind, kind);
+    MainWindowFixture f;
+    addEveryDayEntries(f);
+    // None is expected; one that comes fails the test instead of waiting.
+    MessageBoxAnswerer answerer;
+    MainWindow &window = f.window();
+    QVERIFY(f.show());
+    lookAction(window, kind)->trigger();
+    QStringList cut;
+    QSet<QString> seen;
+    int pages = 0;
+    visitEveryPage(f, [&cut, &seen, &pages, &window](const QString &where, QWidget *) {
+        ++pages;
+        // Each once, at the first page that shows it.
+        for (const QString &text : cutTexts(&window)) {
+            if (!seen.contains(text))
+                cut.append(where + QStringLiteral(": ") + text);
+            seen.insert(text);
+        }
+    });
+    // Home, About, new entry, five history tabs, details, three options tabs.
+    QCOMPARE(pages, 12);
+    QVERIFY2(answerer.errors().isEmpty(), qPrintable(answerer.errors().join(QLatin1Char('\n'))));
+    if (!qEnvironmentVariableIsEmpty("LEDGERLY_GRAB"))
+        window.grab().save(qEnvironmentVariable("LEDGERLY_GRAB"));
+    // Every one, where a failure message would cut the list short.
+    for (const QString &text : std::as_const(cut))
+        qInfo().noquote() << text;
+    QVERIFY2(cut.isEmpty(), qPrintable(QStringLiteral("%1 texts cut off").arg(cut.size())));
+}
+
+void TestMainWindow::everyControlOfEveryPageHasAnAccessibleName()
+{
+    MainWindowFixture f;
+    addEveryDayEntries(f);
+    MessageBoxAnswerer answerer;
+    MainWindow &window = f.window();
+    QVERIFY(f.show());
+    QStringList unnamed;
+    QSet<QString> seen;
+    int controls = 0;
+    visitEveryPage(f, [&](const QString &where, QWidget *) {
+        for (const QString &control : unnamedControls(&window)) {
+            if (!seen.contains(control))
+                unnamed.append(where + QStringLiteral(": ") + control);
+            seen.insert(control);
+        }
+        const QList<QWidget *> widgets = window.findChildren<QWidget *>();
+        for (const QWidget *widget : widgets)
+            controls += widget->isVisible() && widget->focusPolicy() != Qt::NoFocus ? 1 : 0;
+    });
+    QVERIFY(controls > 40);
+    QVERIFY2(answerer.errors().isEmpty(), qPrintable(answerer.errors().join(QLatin1Char('\n'))));
+    for (const QString &control : std::as_const(unnamed))
+        qInfo().noquote() << control;
+    QVERIFY2(unnamed.isEmpty(), qPrintable(QStringLiteral("%1 controls without a name").arg(unnamed.size())));
+}
+
+void TestMainWindow::theTabKeyReachesTheMenuThenTheTabsThenTheirTables()
+{
+    MainWindowFixture f;
+    addEveryDayEntries(f);
+    MainWindow &window = f.window();
+    QVERIFY(f.show());
+    f.click("pushButtonHistory");
+    auto *tabs = child<QTabWidget>(*f.page(), "tabWidgetHistoryContainer");
+    auto *entries = child<QTableWidget>(*f.page(), "tableWidgetAllEntries");
+    tabs->setCurrentWidget(entries->parentWidget());
+    QCOMPARE(tabs->currentWidget(), entries->parentWidget());
+
+    // What the Tab key visits, from the first menu button on, in its order:
+    // the focus chain's widgets that take the focus by Tab and can.
+    QStringList order;
+    QWidget *first = child<QPushButton>(window, "pushButtonHome");
+    QWidget *step = first;
+    do {
+        if ((step->focusPolicy() & Qt::TabFocus) && step->isVisible() && step->isEnabled() && !step->focusProxy())
+            order.append(step->objectName().isEmpty() ? QString::fromLatin1(step->metaObject()->className())
+                                                      : step->objectName());
+        step = step->nextInFocusChain();
+    } while (step != first && order.size() < 200);
+
+    const QStringList expected = { "pushButtonHome", "pushButtonNewEntry",  "pushButtonHistory",    "pushButtonOptions",
+                                   "pushButtonExit", "qt_tabwidget_tabbar", "tableWidgetAllEntries" };
+    qsizetype from = 0;
+    for (const QString &name : expected) {
+        const qsizetype at = order.indexOf(name, from);
+        QVERIFY2(at >= 0, qPrintable(name + QStringLiteral(" not after ") + order.join(QLatin1Char(' '))));
+        from = at + 1;
+    }
+    // The menu comes first.
+    QCOMPARE(order.mid(0, 5), expected.mid(0, 5));
+}

@@ -5,6 +5,7 @@
 #include "testsupport.h"
 #include "widgettest.h"
 
+#include <QAccessible>
 #include <QColor>
 #include <QFontMetrics>
 #include <QImage>
@@ -396,6 +397,33 @@ private slots:
         QVERIFY(inkBetween(textLeft, textRight) > 20);
         // No value or share after the label.
         QCOMPARE(inkBetween(textRight + 2, 390), 0);
+    }
+
+    void aScreenReaderHearsPieChartAndEachSliceWithItsShare()
+    {
+        PieWidget pie;
+        pie.addEntry(QStringLiteral("Food"), 30);
+        pie.addEntry(QStringLiteral("Travel"), 60);
+        pie.addEntry(QStringLiteral("Rent"), 10);
+        pie.resize(300, 150);
+        pie.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&pie));
+        QAccessibleInterface *told = QAccessible::queryAccessibleInterface(&pie);
+        QVERIFY(told);
+        QCOMPARE(told->text(QAccessible::Name), QStringLiteral("Pie chart"));
+        const QString description = told->text(QAccessible::Description);
+        // Thirty of a hundred is 30 per cent, and so on, in no set order.
+        QStringList slices = description.split(QStringLiteral("; "));
+        slices.sort();
+        QCOMPARE(slices, QStringList({ "Food: 30%", "Rent: 10%", "Travel: 60%" }));
+
+        // A third is told to three digits.
+        PieWidget thirds;
+        thirds.addEntry(QStringLiteral("Food"), 1);
+        thirds.addEntry(QStringLiteral("Travel"), 2);
+        QVERIFY(thirds.accessibleDescription().contains(QStringLiteral("Food: 33.3%")));
+        QVERIFY(thirds.accessibleDescription().contains(QStringLiteral("Travel: 66.7%")));
+        pie.close();
     }
 
     // Last, after every chart above was drawn: the charts need no web

@@ -176,6 +176,31 @@ private slots:
     void aFileThatIsNoQifIsRefused_data();
     void aFileThatIsNoQifIsRefused();
     void theSuffixDecidesWhetherAFileIsQif();
+
+    void moreDateFormsWithBlanksAnywhere_data();
+    void moreDateFormsWithBlanksAnywhere();
+    void aTwoDigitYearLiesFrom80YearsBackTo19Ahead_data();
+    void aTwoDigitYearLiesFrom80YearsBackTo19Ahead();
+    void theOrderAskedForWinsOverTheFile_data();
+    void theOrderAskedForWinsOverTheFile();
+    void anUndecidedFileReadsSlashesMonthFirstAndDotsDayFirst();
+    void aDottedDateAbove12DecidesForTheWholeFile();
+    void yearFirstReadsATwoDigitFirstNumberAsTheYear();
+    void titleAndCommentLinesBeforeTheFirstHeaderAreIgnored();
+    void blankLinesPaddedHeadersAndDoubleCaretsAreRead();
+    void recordsAfterAnAccountWithoutTypeAreOtherSections();
+    void aSecondDateInARecordIsIgnored();
+    void theLastRecordMayEndWithTheFile();
+    void aRecordCutInsideALineIsRefusedWithItsLine();
+    void aFileWithoutAnyHeaderIsRefused();
+    void splitsThatAddUpBecomeOneEntryEach();
+    void whatTheSplitsLeaveOverIsAnEntryUnderTheRecordsCategory();
+    void transferPositiveAndZeroSplitsAreSkippedAndCounted();
+    void splitsUnderSplitLeaveTheirRestToOthers();
+    void aTransferRecordIsSkippedWholeWithItsSplits();
+    void textEncodings_data();
+    void textEncodings();
+    void anEncodingAskedForWinsOverTheBytes();
 };
 
 void TestQifFormat::entriesAreWrittenAsACashSectionToTheByte()
@@ -221,9 +246,10 @@ void TestQifFormat::whatIsWrittenReadsBackAtMidnightOfItsDay()
     second.Price = 0.0f;
     const EntryFileContents contents = QifFormat::read(QifFormat::write({ &first, &second }));
     QCOMPARE(contents.problemLines(), QStringList());
-    QCOMPARE(allFields(contents),
-             QStringList({ QStringLiteral("2 2024-03-15T00:00:00|Bread|Food|103.848801|Shop"),
-                           QStringLiteral("8 2024-03-04T00:00:00|Чай|Food|0|Shop") }));
+    // An entry of amount 0 is written, and read back as a zero amount,
+    // which adds nothing.
+    QCOMPARE(allFields(contents), QStringList({ QStringLiteral("2 2024-03-15T00:00:00|Bread|Food|103.848801|Shop") }));
+    QCOMPARE(contents.skippedZeroAmounts, 1);
     QCOMPARE(contents.entries.at(0).entry.Price, 103.8488f);
     // 03/15 decides: the month comes first.
     QVERIFY(contents.openDate.isEmpty());
@@ -299,11 +325,9 @@ void TestQifFormat::aDayAbove12DecidesTheOrderForTheWholeFile_data()
     const QStringList dayFirstDates = { "2024-04-03", "2024-06-05", "2024-07-25" };
     QTest::newRow("month first, asked for month first")
         << monthFirst << int(QifFormat::DateOrder::MonthFirst) << monthFirstDates;
-    QTest::newRow("month first, asked for day first")
-        << monthFirst << int(QifFormat::DateOrder::DayFirst) << monthFirstDates;
-    QTest::newRow("day first, asked for month first")
-        << dayFirst << int(QifFormat::DateOrder::MonthFirst) << dayFirstDates;
+    QTest::newRow("month first, nothing asked") << monthFirst << -1 << monthFirstDates;
     QTest::newRow("day first, asked for day first") << dayFirst << int(QifFormat::DateOrder::DayFirst) << dayFirstDates;
+    QTest::newRow("day first, nothing asked") << dayFirst << -1 << dayFirstDates;
 }
 
 void TestQifFormat::aDayAbove12DecidesTheOrderForTheWholeFile()
@@ -311,7 +335,8 @@ void TestQifFormat::aDayAbove12DecidesTheOrderForTheWholeFile()
     QFETCH(QByteArray, file);
     QFETCH(int, asked);
     QFETCH(QStringList, dates);
-    const EntryFileContents contents = QifFormat::read(file, QifFormat::DateOrder(asked));
+    const EntryFileContents contents = asked < 0 ? QifFormat::read(file)
+                                                 : QifFormat::read(file, QifFormat::DateOrder(asked));
     QCOMPARE(contents.problemLines(), QStringList());
     QStringList read;
     for (const EntryFileContents::LineEntry &entry : contents.entries)
@@ -324,7 +349,7 @@ void TestQifFormat::aFileThatNeverDecidesReadsInTheOrderAskedAndNamesItsFirstOpe
 {
     // 05/05 reads the same either way; 03/04 does not.
     const QByteArray file = cashFile(
-        { "D05/05/2024", "T-1", "^", "D03/04/2024", "T-2", "^", "D2024-12-31", "T-3", "^", "D31.12.2024", "T-4", "^" });
+        { "D05/05/2024", "T-1", "^", "D03/04/2024", "T-2", "^", "D2024-12-31", "T-3", "^", "D20241230", "T-4", "^" });
     const EntryFileContents monthFirst = QifFormat::read(file);
     QCOMPARE(monthFirst.problemLines(), QStringList());
     QCOMPARE(monthFirst.openDate, QStringLiteral("03/04/2024"));
@@ -333,14 +358,15 @@ void TestQifFormat::aFileThatNeverDecidesReadsInTheOrderAskedAndNamesItsFirstOpe
     QCOMPARE(monthFirst.openDateDayFirst, QDate(2024, 4, 3));
     QCOMPARE(monthFirst.entries.at(1).entry.TransactDateTime.date(), QDate(2024, 3, 4));
 
+    // The order asked for is the user's answer: nothing is left open.
     const EntryFileContents dayFirst = QifFormat::read(file, QifFormat::DateOrder::DayFirst);
     QCOMPARE(dayFirst.problemLines(), QStringList());
-    QCOMPARE(dayFirst.openDate, QStringLiteral("03/04/2024"));
+    QVERIFY(dayFirst.openDate.isEmpty());
     QCOMPARE(dayFirst.entries.at(1).entry.TransactDateTime.date(), QDate(2024, 4, 3));
-    // Year-first and dotted dates have one reading only.
+    // Year-first dates have one reading only.
     for (const EntryFileContents &contents : { monthFirst, dayFirst }) {
         QCOMPARE(contents.entries.at(2).entry.TransactDateTime.date(), QDate(2024, 12, 31));
-        QCOMPARE(contents.entries.at(3).entry.TransactDateTime.date(), QDate(2024, 12, 31));
+        QCOMPARE(contents.entries.at(3).entry.TransactDateTime.date(), QDate(2024, 12, 30));
     }
 }
 
@@ -423,19 +449,17 @@ void TestQifFormat::incomeTransfersAndOtherSectionsAreSkippedAndCounted()
                 "^" });
     const EntryFileContents contents = QifFormat::read(file);
     QCOMPARE(contents.problemLines(), QStringList());
-    QCOMPARE(allFields(contents),
-             QStringList({ QStringLiteral("26 2024-01-05T00:00:00|Book|Books|9.98999977|"),
-                           QStringLiteral("32 2024-01-06T00:00:00|Free sample|Food|0|") }));
+    QCOMPARE(allFields(contents), QStringList({ QStringLiteral("26 2024-01-05T00:00:00|Book|Books|9.98999977|") }));
     QCOMPARE(contents.skippedIncome, 1);
     QCOMPARE(contents.skippedTransfers, 2);
+    QCOMPARE(contents.skippedZeroAmounts, 1);
     QCOMPARE(contents.skippedOtherSections, 2);
-    QCOMPARE(contents.skipped(), 5);
-    // An expense of nothing is 0, not -0.
-    QVERIFY(!std::signbit(contents.entries.at(1).entry.Price));
+    QCOMPARE(contents.skipped(), 6);
+    QCOMPARE(contents.skippedSummary(), QStringLiteral("skipped 6 (income 1, transfers 2, zero amounts 1, other sections 2)"));
+    // A void cheque of -0 is a zero amount as well.
     const EntryFileContents minusZero = QifFormat::read(cashFile({ "D01/02/2024", "T-0.", "^" }));
-    QCOMPARE(minusZero.entries.size(), 1);
-    QCOMPARE(minusZero.entries.constFirst().entry.Price, 0.0f);
-    QVERIFY(!std::signbit(minusZero.entries.constFirst().entry.Price));
+    QCOMPARE(minusZero.entries.size(), 0);
+    QCOMPARE(minusZero.skippedZeroAmounts, 1);
 }
 
 void TestQifFormat::theItemIsTheMemoElseThePayeeElseImported()
@@ -505,8 +529,8 @@ void TestQifFormat::badRecordsAreReportedWithTheirLines_data()
                                  << QStringList { "line 2: the date \"02/30/2024\" is not a date Ledgerly can read" };
     QTest::newRow("words") << QStringList { "DMarch 4th", "T-1", "^" }
                            << QStringList { "line 2: the date \"March 4th\" is not a date Ledgerly can read" };
-    QTest::newRow("dashes, month first") << QStringList { "D03-04-2024", "T-1", "^" }
-                                         << QStringList { "line 2: the date \"03-04-2024\" is not a date Ledgerly "
+    QTest::newRow("no thirteenth month") << QStringList { "D2024-13-04", "T-1", "^" }
+                                         << QStringList { "line 2: the date \"2024-13-04\" is not a date Ledgerly "
                                                           "can read" };
     QTest::newRow("amount") << QStringList { "D01/02/2024", "T12 EUR", "^" }
                             << QStringList { "line 3: the amount \"12 EUR\" is not a number" };
@@ -523,7 +547,7 @@ void TestQifFormat::badRecordsAreReportedWithTheirLines_data()
     QTest::newRow("several") << QStringList { "D01/02/2024", "Tx", "^", "D01/02/2024", "T-1", "^", "Dy", "T-1", "^" }
                              << QStringList { "line 3: the amount \"x\" is not a number",
                                               "line 8: the date \"y\" is not a date Ledgerly can read" };
-    QTest::newRow("cut short") << QStringList { "D01/02/2024", "T-1", "^", "D01/03/2024", "T-2" }
+    QTest::newRow("cut short") << QStringList { "D01/02/2024", "T-1", "^", "D01/03/2024", "PShop" }
                                << QStringList { "line 5: the record that starts here does not end with ^: the file "
                                                 "may be cut short" };
     QTest::newRow("a header inside a record")
@@ -580,3 +604,322 @@ void TestQifFormat::theSuffixDecidesWhetherAFileIsQif()
 
 QTEST_GUILESS_MAIN(TestQifFormat)
 #include "tst_qifformat.moc"
+
+void TestQifFormat::moreDateFormsWithBlanksAnywhere_data()
+{
+    QTest::addColumn<QString>("written");
+    QTest::addColumn<QDate>("date");
+    QTest::newRow("Quicken's padded slashes") << QStringLiteral("6/ 1/94") << QDate(1994, 6, 1);
+    QTest::newRow("apostrophe, one digit") << QStringLiteral("8/31' 0") << QDate(2000, 8, 31);
+    QTest::newRow("apostrophe, two digits") << QStringLiteral("1/ 1'05") << QDate(2005, 1, 1);
+    QTest::newRow("apostrophe, four digits") << QStringLiteral("2/10'2020") << QDate(2020, 2, 10);
+    QTest::newRow("dots, two-digit year") << QStringLiteral("1.12.08") << QDate(2008, 12, 1);
+    QTest::newRow("eight digits") << QStringLiteral("20070122") << QDate(2007, 1, 22);
+    QTest::newRow("year first with slashes") << QStringLiteral("2021/7/4") << QDate(2021, 7, 4);
+    QTest::newRow("year first with dots") << QStringLiteral("2021.07.04") << QDate(2021, 7, 4);
+    QTest::newRow("dashes, month first") << QStringLiteral("12-31-2020") << QDate(2020, 12, 31);
+    QTest::newRow("blanks everywhere") << QStringLiteral(" 2 0 2 1 - 0 7 - 0 4 ") << QDate(2021, 7, 4);
+    QTest::newRow("blank inside the year") << QStringLiteral("12/31/20 20") << QDate(2020, 12, 31);
+}
+
+void TestQifFormat::moreDateFormsWithBlanksAnywhere()
+{
+    QFETCH(QString, written);
+    QFETCH(QDate, date);
+    const EntryFileContents contents =
+        QifFormat::read(cashFile({ QStringLiteral("D") + written, QStringLiteral("T-1"), QStringLiteral("^") }));
+    QCOMPARE(contents.problemLines(), QStringList());
+    QCOMPARE(contents.entries.size(), 1);
+    QCOMPARE(contents.entries.constFirst().entry.TransactDateTime, date.startOfDay());
+}
+
+void TestQifFormat::aTwoDigitYearLiesFrom80YearsBackTo19Ahead_data()
+{
+    QTest::addColumn<int>("year");
+    const int now = QDate::currentDate().year();
+    QTest::newRow("80 years back") << now - 80;
+    QTest::newRow("79 years back") << now - 79;
+    QTest::newRow("this year") << now;
+    QTest::newRow("19 years ahead") << now + 19;
+    QTest::newRow("18 years ahead") << now + 18;
+}
+
+void TestQifFormat::aTwoDigitYearLiesFrom80YearsBackTo19Ahead()
+{
+    QFETCH(int, year);
+    const QString yy = QStringLiteral("%1").arg(year % 100, 2, 10, QLatin1Char('0'));
+    for (const QString &written : { QStringLiteral("12/31/") + yy, QStringLiteral("31.12.") + yy }) {
+        const EntryFileContents contents = QifFormat::read(cashFile({ "D" + written, "T-1", "^" }));
+        QCOMPARE(contents.problemLines(), QStringList());
+        QCOMPARE(contents.entries.constFirst().entry.TransactDateTime.date(), QDate(year, 12, 31));
+    }
+    // The years either side of the window's edges wrap to its other end:
+    // 81 years back is 19 ahead, 20 ahead is 80 back.
+    const int now = QDate::currentDate().year();
+    QCOMPARE(QifFormat::twoDigitYear((now - 81) % 100), now + 19);
+    QCOMPARE(QifFormat::twoDigitYear((now + 20) % 100), now - 80);
+    QCOMPARE(QifFormat::twoDigitYear(46, 2026), 1946);
+    QCOMPARE(QifFormat::twoDigitYear(45, 2026), 2045);
+}
+
+void TestQifFormat::theOrderAskedForWinsOverTheFile_data()
+{
+    QTest::addColumn<QByteArray>("file");
+    QTest::addColumn<int>("asked");
+    QTest::addColumn<QStringList>("dates");
+    QTest::addColumn<QString>("dateOrder");
+    const QByteArray undecided = cashFile({ "D03/04/12", "T-1", "^", "D05/06/12", "T-1", "^" });
+    const QByteArray dayFirst = cashFile({ "D03/04/2012", "T-1", "^", "D25/06/2012", "T-1", "^" });
+    QTest::newRow("undecided, mdy") << undecided << int(QifFormat::DateOrder::MonthFirst)
+                                    << QStringList { "2012-03-04", "2012-05-06" } << "mdy";
+    QTest::newRow("undecided, dmy") << undecided << int(QifFormat::DateOrder::DayFirst)
+                                    << QStringList { "2012-04-03", "2012-06-05" } << "dmy";
+    QTest::newRow("undecided, ymd") << undecided << int(QifFormat::DateOrder::YearFirst)
+                                    << QStringList { "2003-04-12", "2005-06-12" } << "ymd";
+    QTest::newRow("day first, dmy") << dayFirst << int(QifFormat::DateOrder::DayFirst)
+                                    << QStringList { "2012-04-03", "2012-06-25" } << "dmy";
+}
+
+void TestQifFormat::theOrderAskedForWinsOverTheFile()
+{
+    QFETCH(QByteArray, file);
+    QFETCH(int, asked);
+    QFETCH(QStringList, dates);
+    QFETCH(QString, dateOrder);
+    const EntryFileContents contents = QifFormat::read(file, QifFormat::DateOrder(asked));
+    QCOMPARE(contents.problemLines(), QStringList());
+    QStringList read;
+    for (const EntryFileContents::LineEntry &entry : contents.entries)
+        read.append(entry.entry.TransactDateTime.date().toString(Qt::ISODate));
+    QCOMPARE(read, dates);
+    QCOMPARE(contents.dateOrder, dateOrder);
+    QVERIFY(contents.openDate.isEmpty());
+}
+
+void TestQifFormat::anUndecidedFileReadsSlashesMonthFirstAndDotsDayFirst()
+{
+    const EntryFileContents contents = QifFormat::read(cashFile({ "D03/04/2012", "T-1", "^", "D03.04.2012", "T-2", "^" }));
+    QCOMPARE(contents.problemLines(), QStringList());
+    QCOMPARE(contents.entries.at(0).entry.TransactDateTime.date(), QDate(2012, 3, 4));
+    QCOMPARE(contents.entries.at(1).entry.TransactDateTime.date(), QDate(2012, 4, 3));
+    QCOMPARE(contents.openDate, QStringLiteral("03/04/2012"));
+    QCOMPARE(contents.openDateLine, 2);
+}
+
+void TestQifFormat::aDottedDateAbove12DecidesForTheWholeFile()
+{
+    // The first dotted date above 12 makes the slashed one day first too.
+    const EntryFileContents contents = QifFormat::read(cashFile({ "D03/04/2012", "T-1", "^", "D13.04.2012", "T-2", "^" }));
+    QCOMPARE(contents.problemLines(), QStringList());
+    QCOMPARE(contents.entries.at(0).entry.TransactDateTime.date(), QDate(2012, 4, 3));
+    QCOMPARE(contents.dateOrder, QStringLiteral("dmy"));
+    QVERIFY(contents.openDate.isEmpty());
+}
+
+void TestQifFormat::yearFirstReadsATwoDigitFirstNumberAsTheYear()
+{
+    // 13/08/12 reads as 13 August 2012 by itself: only ymd tells it apart.
+    const QByteArray file = cashFile({ "D13/08/12", "T-1", "^", "D13/3/3", "T-2", "^", "D2/10'2020", "T-3", "^" });
+    const EntryFileContents asWritten = QifFormat::read(file);
+    QCOMPARE(asWritten.entries.at(0).entry.TransactDateTime.date(), QDate(2012, 8, 13));
+    const EntryFileContents contents = QifFormat::read(file, QifFormat::DateOrder::YearFirst);
+    QCOMPARE(contents.problemLines(), QStringList());
+    QCOMPARE(contents.entries.at(0).entry.TransactDateTime.date(), QDate(2013, 8, 12));
+    QCOMPARE(contents.entries.at(1).entry.TransactDateTime.date(), QDate(2013, 3, 3));
+    // A one-digit first number and a year after an apostrophe stay as they are.
+    QCOMPARE(contents.entries.at(2).entry.TransactDateTime.date(), QDate(2020, 2, 10));
+}
+
+void TestQifFormat::titleAndCommentLinesBeforeTheFirstHeaderAreIgnored()
+{
+    const QByteArray file = lines({ "Statement of account 1234 - printed 2024-01-05", "### exported by a script ###", "",
+                                    "!Type:Bank", "D01/02/2024", "T-5", "MTea", "^" });
+    const EntryFileContents contents = QifFormat::read(file);
+    QCOMPARE(contents.problemLines(), QStringList());
+    QCOMPARE(allFields(contents), QStringList { QStringLiteral("5 2024-01-02T00:00:00|Tea|Others|5|") });
+}
+
+void TestQifFormat::blankLinesPaddedHeadersAndDoubleCaretsAreRead()
+{
+    const QByteArray file = lines({ "", "!Type:Bank   ", "", "D01/02/2024", "", "T-5", "MTea", "^^", "", "D01/03/2024",
+                                    "T-6", "MCoffee", "^", "" });
+    const EntryFileContents contents = QifFormat::read(file);
+    QCOMPARE(contents.problemLines(), QStringList());
+    QCOMPARE(allFields(contents), QStringList({ QStringLiteral("4 2024-01-02T00:00:00|Tea|Others|5|"),
+                                                QStringLiteral("10 2024-01-03T00:00:00|Coffee|Others|6|") }));
+}
+
+void TestQifFormat::recordsAfterAnAccountWithoutTypeAreOtherSections()
+{
+    const QByteArray file = lines({ "!Type:Bank", "D01/02/2024", "T-5", "^", "!Account", "NLoan", "TOth L", "^",
+                                    "D01/03/2024", "T-500", "L[Checking]", "^", "D01/04/2024", "T-7", "^",
+                                    "!Type:Bank", "D01/05/2024", "T-8", "^" });
+    const EntryFileContents contents = QifFormat::read(file);
+    QCOMPARE(contents.problemLines(), QStringList());
+    QCOMPARE(contents.entries.size(), 2);
+    QCOMPARE(contents.entries.at(1).entry.Price, 8.0f);
+    QCOMPARE(contents.skippedOtherSections, 3);
+    QCOMPARE(contents.skippedTransfers, 0);
+}
+
+void TestQifFormat::aSecondDateInARecordIsIgnored()
+{
+    const QByteArray file = cashFile({ "D08/07/2010", "MDescription", "DSome Rubbish That ain't a date at all", "T-42.42", "^" });
+    const EntryFileContents contents = QifFormat::read(file);
+    QCOMPARE(contents.problemLines(), QStringList());
+    QCOMPARE(allFields(contents), QStringList { QStringLiteral("2 2010-08-07T00:00:00|Description|Others|42.4199982|") });
+}
+
+void TestQifFormat::theLastRecordMayEndWithTheFile()
+{
+    for (const QByteArray &file :
+         { QByteArray("!Type:Bank\r\nD03/03/10\r\nT-379.00\r\nPShop"), QByteArray("!Type:Bank\nD03/03/10\nPShop\nU-379.00\n") }) {
+        const EntryFileContents contents = QifFormat::read(file);
+        QCOMPARE(contents.problemLines(), QStringList());
+        QCOMPARE(allFields(contents), QStringList { QStringLiteral("2 2010-03-03T00:00:00|Shop|Others|379|Shop") });
+    }
+}
+
+void TestQifFormat::aRecordCutInsideALineIsRefusedWithItsLine()
+{
+    const EntryFileContents cutInAmount = QifFormat::read(QByteArray("!Type:Bank\nD01/02/2024\nT-1\n^\nD01/03/2024\nT-"));
+    QCOMPARE(cutInAmount.problemLines(), QStringList { QStringLiteral("line 6: the amount \"-\" is not a number") });
+    QVERIFY(cutInAmount.entries.size() <= 1);
+    const EntryFileContents cutInDate = QifFormat::read(QByteArray("!Type:Bank\nD01/02/2024\nT-1\n^\nD01/0"));
+    QCOMPARE(cutInDate.problemLines(),
+             QStringList { QStringLiteral("line 5: the record that starts here does not end with ^: the file may be cut "
+                                          "short") });
+}
+
+void TestQifFormat::aFileWithoutAnyHeaderIsRefused()
+{
+    const EntryFileContents contents = QifFormat::read(QByteArray("D08/07/2010\nMDescription\nT42.42\n^\n"));
+    QCOMPARE(contents.problemLines(),
+             QStringList { QStringLiteral("line 1: a QIF file starts with a header such as !Type:Bank") });
+}
+
+void TestQifFormat::splitsThatAddUpBecomeOneEntryEach()
+{
+    // A receipt split into groceries and household, one split without a memo.
+    const QByteArray file = cashFile({ "D01/02/2024", "T-30.00", "PSupermarket", "MWeekly shop", "LGroceries",
+                                       "SGroceries", "EFruit", "$-20.50", "SHousehold", "$-9.50", "^" });
+    const EntryFileContents contents = QifFormat::read(file);
+    QCOMPARE(contents.problemLines(), QStringList());
+    QCOMPARE(allFields(contents), QStringList({ QStringLiteral("2 2024-01-02T00:00:00|Fruit|Groceries|20.5|Supermarket"),
+                                                QStringLiteral("2 2024-01-02T00:00:00|Weekly shop|Household|9.5|Supermarket") }));
+    QCOMPARE(contents.skipped(), 0);
+}
+
+void TestQifFormat::whatTheSplitsLeaveOverIsAnEntryUnderTheRecordsCategory()
+{
+    // 30.00 - 20.00 leaves 10.00 under the record's own category.
+    const QByteArray file = cashFile({ "D01/02/2024", "T-30.00", "PSupermarket", "LGroceries", "SHousehold",
+                                       "ESoap", "$-20.00", "^" });
+    const EntryFileContents contents = QifFormat::read(file);
+    QCOMPARE(contents.problemLines(), QStringList());
+    QCOMPARE(allFields(contents), QStringList({ QStringLiteral("2 2024-01-02T00:00:00|Soap|Household|20|Supermarket"),
+                                                QStringLiteral("2 2024-01-02T00:00:00|Supermarket|Groceries|10|Supermarket") }));
+    // Splits beyond the amount leave a positive rest: income, not an entry.
+    const EntryFileContents beyond = QifFormat::read(
+        cashFile({ "D01/02/2024", "T-10.00", "LGroceries", "SHousehold", "$-12.00", "^" }));
+    QCOMPARE(beyond.entries.size(), 1);
+    QCOMPARE(beyond.entries.constFirst().entry.Price, 12.0f);
+    QCOMPARE(beyond.skippedIncome, 1);
+}
+
+void TestQifFormat::transferPositiveAndZeroSplitsAreSkippedAndCounted()
+{
+    const QByteArray file = cashFile({ "D01/02/2024", "T-100.00", "MMortgage", "LHousing", "S[Savings]", "$-60.00",
+                                       "SInterest", "$-45.00", "SRefund", "$5.00", "SFee", "$0.00", "^" });
+    const EntryFileContents contents = QifFormat::read(file);
+    QCOMPARE(contents.problemLines(), QStringList());
+    QCOMPARE(allFields(contents), QStringList { QStringLiteral("2 2024-01-02T00:00:00|Mortgage|Interest|45|") });
+    QCOMPARE(contents.skippedTransfers, 1);
+    QCOMPARE(contents.skippedIncome, 1);
+    QCOMPARE(contents.skippedZeroAmounts, 1);
+}
+
+void TestQifFormat::splitsUnderSplitLeaveTheirRestToOthers()
+{
+    const QByteArray file = cashFile({ "D1/ 1'00", "U-10.00", "T-10.00", "PA Payee", "L--Split--", "S[An Account]",
+                                       "$-4.00", "SA Category", "$-1.00", "^" });
+    const EntryFileContents contents = QifFormat::read(file);
+    QCOMPARE(contents.problemLines(), QStringList());
+    QCOMPARE(allFields(contents), QStringList({ QStringLiteral("2 2000-01-01T00:00:00|A Payee|A Category|1|A Payee"),
+                                                QStringLiteral("2 2000-01-01T00:00:00|A Payee|Others|5|A Payee") }));
+    QCOMPARE(contents.skippedTransfers, 1);
+}
+
+void TestQifFormat::aTransferRecordIsSkippedWholeWithItsSplits()
+{
+    const QByteArray file = cashFile({ "D6/1/94", "T-1,000.00", "L[linda]", "S[linda]", "ECash", "$-253.64",
+                                       "SMort Int", "$=746.36", "^", "D6/2/94", "T75.00", "SSalary", "$75.00", "^",
+                                       "D6/3/94", "T0.00", "SA", "$-5.00", "SB", "$5.00", "^" });
+    const EntryFileContents contents = QifFormat::read(file);
+    QCOMPARE(contents.problemLines(), QStringList());
+    QVERIFY(contents.entries.isEmpty());
+    QCOMPARE(contents.skippedTransfers, 1);
+    QCOMPARE(contents.skippedIncome, 1);
+    QCOMPARE(contents.skippedZeroAmounts, 1);
+    QCOMPARE(contents.skipped(), 3);
+}
+
+void TestQifFormat::textEncodings_data()
+{
+    QTest::addColumn<QByteArray>("file");
+    QTest::addColumn<QString>("place");
+    QTest::addColumn<QString>("encoding");
+    const QByteArray start = "!Type:Bank\r\nD03/03/10\r\nT-379.00\r\nP";
+    const QByteArray end = "\r\n^\r\n";
+    QTest::newRow("Windows-1252 0x80 and 0x99")
+        << start + "SOME \xA3$\x99\x80 CHARACTERS" + end << QStringLiteral("SOME £$™€ CHARACTERS")
+        << QStringLiteral("Windows-1252");
+    QTest::newRow("Latin-1") << start + "Caf\xE9 cr\xE8me \xD7 2" + end << QStringLiteral("Café crème × 2")
+                             << QStringLiteral("Windows-1252");
+    const QString utf8Text = QStringLiteral("SOME £$™€ CHARACTERS Ằdøłƥh");
+    QTest::newRow("UTF-8") << start + utf8Text.toUtf8() + end << utf8Text << QStringLiteral("UTF-8");
+    QTest::newRow("UTF-8 with BOM") << "\xEF\xBB\xBF" + start + utf8Text.toUtf8() + end << utf8Text
+                                    << QStringLiteral("UTF-8");
+    const QString whole = QString::fromLatin1(start) + utf8Text + QString::fromLatin1(end);
+    QByteArray le;
+    QByteArray be;
+    for (const QChar c : whole) {
+        le += char(c.unicode() & 0xFF);
+        le += char(c.unicode() >> 8);
+        be += char(c.unicode() >> 8);
+        be += char(c.unicode() & 0xFF);
+    }
+    QTest::newRow("UTF-16 LE with BOM") << "\xFF\xFE" + le << utf8Text << QStringLiteral("UTF-16LE");
+    QTest::newRow("UTF-16 LE without BOM") << le << utf8Text << QStringLiteral("UTF-16LE");
+    QTest::newRow("UTF-16 BE with BOM") << "\xFE\xFF" + be << utf8Text << QStringLiteral("UTF-16BE");
+}
+
+void TestQifFormat::textEncodings()
+{
+    QFETCH(QByteArray, file);
+    QFETCH(QString, place);
+    QFETCH(QString, encoding);
+    const EntryFileContents contents = QifFormat::read(file);
+    QCOMPARE(contents.problemLines(), QStringList());
+    QCOMPARE(contents.entries.size(), 1);
+    QCOMPARE(contents.entries.constFirst().entry.LocationText, place);
+    QCOMPARE(contents.entries.constFirst().entry.Price, 379.0f);
+    QCOMPARE(contents.encoding, encoding);
+    QVERIFY(!contents.entries.constFirst().entry.LocationText.contains(QChar::ReplacementCharacter));
+}
+
+void TestQifFormat::anEncodingAskedForWinsOverTheBytes()
+{
+    // Valid UTF-8 that was meant as Windows-1252: "Ã©" in the bank's eyes.
+    const QByteArray file = "!Type:Bank\r\nD03/03/10\r\nT-1\r\nPCaf\xC3\xA9\r\n^\r\n";
+    QCOMPARE(QifFormat::read(file).entries.constFirst().entry.LocationText, QStringLiteral("Café"));
+    const EntryFileContents asked = QifFormat::read(file, std::nullopt, TextEncoding::Windows1252);
+    QCOMPARE(asked.entries.constFirst().entry.LocationText, QStringLiteral("CafÃ©"));
+    QCOMPARE(asked.encoding, QStringLiteral("Windows-1252"));
+    TextEncoding::Kind kind = TextEncoding::Utf8;
+    QVERIFY(TextEncoding::fromName(QStringLiteral("cp1252"), &kind));
+    QCOMPARE(kind, TextEncoding::Windows1252);
+    QVERIFY(TextEncoding::fromName(QStringLiteral("latin1"), &kind));
+    QCOMPARE(kind, TextEncoding::Latin1);
+    QVERIFY(!TextEncoding::fromName(QStringLiteral("ebcdic"), &kind));
+}

@@ -38,6 +38,7 @@ private slots:
     void withoutAKeptPlaceTheWindowHasNone();
     void theWindowsPlaceIsKeptUnderItsTwoKeys();
     void aPlaceThatIsNotARectangleReadsAsNone();
+    void theLookIsKeptUnderItsKey();
 
 private:
     QTemporaryDir settingsDir;
@@ -125,6 +126,15 @@ void TestSettings::aPlaceThatIsNotARectangleReadsAsNone()
         settings.setValue(QStringLiteral("MainWindow/geometry"), QStringLiteral("somewhere"));
     }
     QVERIFY(Settings().mainWindowGeometry().isNull());
+}
+
+void TestSettings::theLookIsKeptUnderItsKey()
+{
+    QVERIFY(Settings().lookName().isEmpty());
+    Settings().setLookName(QStringLiteral("Dark"));
+    QCOMPARE(Settings().lookName(), QStringLiteral("Dark"));
+    const QSettings file(settingsDir.filePath(QStringLiteral("Ledgerly/Ledgerly.conf")), QSettings::IniFormat);
+    QCOMPARE(file.value(QStringLiteral("View/look")).toString(), QStringLiteral("Dark"));
 }
 
 QTEST_GUILESS_MAIN(TestSettings)

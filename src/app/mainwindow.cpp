@@ -21,6 +21,7 @@
 #include "qifformat.h"
 #include "settings.h"
 
+#include <QActionGroup>
 #include <QCloseEvent>
 #include <QDir>
 #include <QGridLayout>
@@ -97,6 +98,7 @@ MainWindow::MainWindow(QWidget *parent) : QMainWindow(parent), ui(new Ui::MainWi
     setUpPageArea();
     connectMenuBar();
     Look::applyHighlights(menuBar(), ui->centralWidget);
+    connectLookMenu();
     restoreWindowGeometry();
 
     if (!dbManager->isUsable()) {
@@ -205,6 +207,29 @@ void MainWindow::connectMenuBar()
         command->setEnabled(dbManager->isUsable());
 }
 
+void MainWindow::connectLookMenu()
+{
+    // One look at a time; the one kept from the last session is applied as
+    // the window opens, and a new pick at once and for the next start.
+    auto *looks = new QActionGroup(this);
+    looks->setExclusive(true);
+    const QList<QPair<QAction *, Look::Kind>> choices = { { ui->actionLookClassic, Look::Kind::Classic },
+                                                          { ui->actionLookLight, Look::Kind::Light },
+                                                          { ui->actionLookDark, Look::Kind::Dark },
+                                                          { ui->actionLookSystem, Look::Kind::System } };
+    const Look::Kind kept = Look::fromName(Settings().lookName());
+    for (const auto &[action, kind] : choices) {
+        looks->addAction(action);
+        action->setChecked(kind == kept);
+        connect(action, &QAction::triggered, this, [kind = kind] {
+            Settings().setLookName(Look::name(kind));
+            Look::apply(kind);
+        });
+    }
+    if (Look::chosen() != kept)
+        Look::apply(kept);
+}
+
 void MainWindow::restoreWindowGeometry()
 {
     const Settings settings;
@@ -274,7 +299,8 @@ void MainWindow::reportAutomaticBackupFailure()
 void MainWindow::importEntries()
 {
     const QString fileName = FileChooser::choose(QFileDialog::AcceptOpen, tr("Import Entries"),
-                                        { tr("CSV and QIF files (*.csv *.qif *.CSV *.QIF)"), tr("All files (*)") },
+                                        { tr("CSV, QIF and OFX files (*.csv *.qif *.ofx *.qfx *.qbo *.CSV *.QIF *.OFX *.QFX *.QBO)"),
+                                          tr("All files (*)") },
                                         QDir::homePath() + QLatin1Char('/'));
     if (fileName.isEmpty())
         return;
@@ -301,7 +327,8 @@ void MainWindow::importEntries()
     EntryImport::Outcome outcome;
     {
         Progress progress(tr("Importing entries…"));
-        outcome = EntryImport::write(*dbManager, contents.entries, progress.reporter());
+        EntryImport::recognise(*dbManager, contents);
+        outcome = EntryImport::write(*dbManager, contents.entries, progress.reporter(), fileName);
     }
     if (!outcome.written) {
         Notice::warn(tr("Nothing was imported from %1: %2.").arg(fileName, outcome.failure));
@@ -312,7 +339,7 @@ void MainWindow::importEntries()
         rebuildDataPageAfterImport();
     }
     Notice::inform(EntryImport::summary(fileName, contents, outcome.added) + QStringLiteral(".\n\n") +
-                   tr("Importing the same file again would add its entries a second time."));
+                   tr("Importing the same file again adds only what it has not added yet."));
 }
 
 void MainWindow::rebuildDataPageAfterImport()

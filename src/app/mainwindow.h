@@ -47,6 +47,7 @@ private:
     void setUpPageArea();
     void fitPageArea();
     void connectMenuBar();
+    void connectLookMenu();
     void restoreWindowGeometry();
     void saveWindowGeometry() const;
     void showDataPage(QWidget *page);

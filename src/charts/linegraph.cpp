@@ -339,6 +339,7 @@ bool ZRLineGraphPrivate::save(const QString &fileName, const QSize &size)
 
 ZRLineGraph::ZRLineGraph(QWidget *parent) : QWidget(parent), d(std::make_unique<ZRLineGraphPrivate>())
 {
+    setAccessibleName(tr("Line graph"));
     d->sortX = false;
     d->sortY = false;
     d->graphBorder = QColor(134, 134, 134);
@@ -350,6 +351,46 @@ ZRLineGraph::ZRLineGraph(QWidget *parent) : QWidget(parent), d(std::make_unique<
 }
 
 ZRLineGraph::~ZRLineGraph() = default;
+
+QString ZRLineGraph::description(const QList<ZRLineGraphData> &points)
+{
+    if (points.isEmpty())
+        return tr("No points");
+    bool anyValue = false;
+    double lowest = 0;
+    double highest = 0;
+    QString lowestText;
+    QString highestText;
+    for (const ZRLineGraphData &point : points) {
+        bool isNumber = false;
+        const double value = point.y().toDouble(&isNumber);
+        if (!isNumber)
+            continue;
+        if (!anyValue || value < lowest) {
+            lowest = value;
+            lowestText = point.y();
+        }
+        if (!anyValue || value > highest) {
+            highest = value;
+            highestText = point.y();
+        }
+        anyValue = true;
+    }
+    QString text = points.size() == 1
+        ? tr("1 point from %1 to %2").arg(points.constFirst().x(), points.constLast().x())
+        : tr("%1 points from %2 to %3")
+              .arg(QString::number(points.size()), points.constFirst().x(), points.constLast().x());
+    if (anyValue)
+        text += tr("; lowest %1, highest %2").arg(lowestText, highestText);
+    return text;
+}
+
+void ZRLineGraph::showEvent(QShowEvent *event)
+{
+    // Told as the graph shows, when its points are all in.
+    setAccessibleDescription(description(d->data));
+    QWidget::showEvent(event);
+}
 
 void ZRLineGraph::append(const ZRLineGraphData &value)
 {

@@ -51,6 +51,10 @@ public:
     // own cached picture, and writes it with the format of the file's suffix.
     bool save(const QString &fileName, const QSize &size);
 
+    // What a screen reader is told of the graph: the number of points, the
+    // first and last labels, and the lowest and highest values.
+    static QString description(const QList<ZRLineGraphData> &points);
+
     bool sortX() const;
     bool sortY() const;
     void setSortX(bool sort);
@@ -65,6 +69,7 @@ public:
 
 protected:
     void resizeEvent(QResizeEvent *event) override;
+    void showEvent(QShowEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
 
 private:

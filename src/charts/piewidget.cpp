@@ -13,13 +13,26 @@
 #include <algorithm>
 #include <limits>
 
-PieWidget::PieWidget(QWidget *parent) : QWidget(parent) { }
+PieWidget::PieWidget(QWidget *parent) : QWidget(parent)
+{
+    setAccessibleName(tr("Pie chart"));
+}
 
 void PieWidget::addEntry(const QString &key, int val)
 {
     // A label seen before takes the new value; nothing is summed and no repaint
     // is asked for.
     values.insert(key, val);
+
+    qint64 total = 0;
+    for (const int value : std::as_const(values))
+        total += value;
+    QStringList slices;
+    for (auto it = values.cbegin(); it != values.cend(); ++it) {
+        const double share = total > 0 ? 100.0 * it.value() / double(total) : 0.0;
+        slices.append(tr("%1: %2%").arg(it.key(), QString::number(share, 'g', 3)));
+    }
+    setAccessibleDescription(slices.join(QStringLiteral("; ")));
 }
 
 QSize PieWidget::sizeHint() const

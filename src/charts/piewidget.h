@@ -17,6 +17,7 @@ class PieWidget : public QWidget
 public:
     explicit PieWidget(QWidget *parent = nullptr);
 
+    // Also tells a screen reader the slices with their shares of the whole.
     void addEntry(const QString &key, int val);
 
     QSize sizeHint() const override;

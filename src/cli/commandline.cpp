@@ -9,7 +9,10 @@
 #include "entryexport.h"
 #include "entryimport.h"
 #include "entrysearch.h"
+#include "importlog.h"
+#include "ofxformat.h"
 #include "qifformat.h"
+#include "textencoding.h"
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
@@ -19,6 +22,7 @@
 
 #include <cmath>
 #include <cstdio>
+#include <functional>
 
 namespace {
 
@@ -38,22 +42,52 @@ int exportEntries(DatabaseManager &store, const QString &fileName, QTextStream &
     return CommandLine::Success;
 }
 
-int importEntries(DatabaseManager &store, const QString &fileName, QifFormat::DateOrder order, QTextStream &out,
+int importEntries(DatabaseManager &store, const QString &fileName, std::optional<QifFormat::DateOrder> order,
+                  std::optional<TextEncoding::Kind> encoding, bool allowDuplicates, QTextStream &out,
                   QTextStream &err)
 {
-    const EntryFileContents contents = EntryImport::read(fileName, order);
+    EntryFileContents contents = EntryImport::read(fileName, order, encoding);
     if (!contents.isAcceptable()) {
         for (const QString &line : contents.problemLines(fileName))
             err << line << '\n';
         err << tr("Nothing was imported from %1.").arg(fileName) << '\n';
         return CommandLine::Refused;
     }
-    const EntryImport::Outcome outcome = EntryImport::write(store, contents.entries);
+    EntryImport::recognise(store, contents, allowDuplicates);
+    const EntryImport::Outcome outcome = EntryImport::write(store, contents.entries, {}, fileName);
     if (!outcome.written) {
         err << tr("Nothing was imported from %1: %2").arg(fileName, outcome.failure) << '\n';
         return CommandLine::Refused;
     }
     out << EntryImport::summary(fileName, contents, outcome.added) << '\n';
+    return CommandLine::Success;
+}
+
+QString entryCount(int count)
+{
+    return count == 1 ? tr("1 entry") : tr("%1 entries").arg(count);
+}
+
+int listImports(DatabaseManager &store, QTextStream &out)
+{
+    for (const ImportLog::Import &import : ImportLog(store).imports())
+        out << import.id << '\t' << import.importedAt.toString(Qt::ISODate) << '\t' << entryCount(import.entries)
+            << '\t' << import.fileName << '\n';
+    return CommandLine::Success;
+}
+
+int undoImport(DatabaseManager &store, int id, QTextStream &out, QTextStream &err)
+{
+    QString failure;
+    const std::optional<int> removed = ImportLog(store).undo(id, &failure);
+    if (!removed) {
+        if (failure.isEmpty())
+            err << tr("There is no import %1; \"imports\" lists them.").arg(id) << '\n';
+        else
+            err << tr("Import %1 could not be removed: %2").arg(QString::number(id), failure) << '\n';
+        return CommandLine::Refused;
+    }
+    out << tr("Removed %1 of import %2").arg(entryCount(*removed)).arg(id) << '\n';
     return CommandLine::Success;
 }
 
@@ -159,6 +193,31 @@ QString readSearchOptions(const QCommandLineParser &parser, const SearchOptions 
     return QString();
 }
 
+// Runs find: TEXT at most, the options of find and none of another
+// command's.
+int find(const QCommandLineParser &parser, const QStringList &positional, const SearchOptions &options,
+         const QList<QPair<QCommandLineOption, QString>> &othersOptions,
+         const std::function<int(const QString &)> &usageError, QTextStream &out, QTextStream &err)
+{
+    if (positional.size() > 2)
+        return usageError(tr("find takes at most one TEXT."));
+    for (const auto &[option, command] : othersOptions) {
+        if (parser.isSet(option))
+            return usageError(tr("--%1 goes with %2 only.").arg(option.names().constFirst(), command));
+    }
+    SearchFilter filter;
+    filter.text = positional.value(1);
+    const QString problem = readSearchOptions(parser, options, &filter);
+    if (!problem.isEmpty())
+        return usageError(problem);
+    DatabaseManager store(nullptr);
+    if (!store.isUsable()) {
+        err << tr("The database %1 cannot be opened: %2").arg(store.databaseFileName(), store.openError()) << '\n';
+        return CommandLine::Refused;
+    }
+    return findEntries(store, filter, parser.isSet(options.csv), out, err);
+}
+
 } // namespace
 
 bool CommandLine::wanted(int argc)
@@ -174,32 +233,47 @@ int CommandLine::run(const QStringList &arguments)
            "\n"
            "Commands, on the database %1:\n"
            "  export FILE   Writes every entry into FILE, as CSV or QIF by its name (.csv, .qif).\n"
-           "  import FILE   Adds the entries of a CSV or QIF file; a file with any problem adds none.\n"
+           "  import FILE   Adds the entries of a CSV, QIF or OFX (.ofx, .qfx, .qbo) file; a file with any\n"
+           "                problem adds none.\n"
            "  backup FILE   Writes a copy of the database into FILE.\n"
            "  find [TEXT]   Lists the entries whose item, category or place holds TEXT (in any case, with or\n"
            "                without accents) and that the options below allow, newest first, then how many\n"
            "                and their total.\n"
+           "  imports       Lists the imports that added entries, newest first.\n"
+           "  imports undo ID\n"
+           "                Removes the entries that import ID added.\n"
            "\n"
            "Exit status: 0 when done, 1 when the data or a file is refused, 2 for a usage error.")
             .arg(DatabaseManager::defaultFileName()));
-    parser.addPositionalArgument(QStringLiteral("command"), tr("export, import, backup or find"),
+    parser.addPositionalArgument(QStringLiteral("command"), tr("export, import, backup, find or imports"),
                                  QStringLiteral("[command FILE]"));
     const QCommandLineOption help = parser.addHelpOption();
     const QCommandLineOption version = parser.addVersionOption();
     const QCommandLineOption dateOrder(
         QStringLiteral("date-order"),
-        tr("import: whether QIF dates that the file leaves open put the month (mdy, the default) or the day "
-           "(dmy) first."),
-        QStringLiteral("mdy|dmy"));
+        tr("import: read QIF dates month first (mdy), day first (dmy) or year first (ymd), whatever the file "
+           "seems to say. Without it the file decides, and where it cannot, slashed dates are month first and "
+           "dotted ones day first."),
+        QStringLiteral("mdy|dmy|ymd"));
+    const QCommandLineOption encoding(
+        QStringLiteral("encoding"),
+        tr("import: read the file's text in NAME (UTF-8, UTF-16LE, UTF-16BE, Windows-1252, ISO-8859-1) instead "
+           "of the encoding it seems to be in."),
+        QStringLiteral("NAME"));
+    const QCommandLineOption allowDuplicates(
+        QStringLiteral("allow-duplicates"),
+        tr("import: add the records that an earlier import already brought in as well."));
     const QCommandLineOption force(QStringLiteral("force"), tr("backup: replace FILE when it exists."));
     parser.addOption(dateOrder);
-    parser.addOption(force);
+    parser.addOption(encoding);
+    parser.addOption(allowDuplicates);
     const SearchOptions searchOptions;
     const QList<QCommandLineOption> findOptions = { searchOptions.category, searchOptions.place, searchOptions.from,
                                                     searchOptions.to,       searchOptions.minimum, searchOptions.maximum,
                                                     searchOptions.csv };
     for (const QCommandLineOption &option : findOptions)
         parser.addOption(option);
+    parser.addOption(force);
 
     // parse() rather than process(): process() ends the program itself, with
     // its own exit status, where a usage error here exits with UsageError.
@@ -228,49 +302,64 @@ int CommandLine::run(const QStringList &arguments)
         return usageError(tr("Nothing to do."));
     const QString command = positional.first();
     const QStringList commands = { QStringLiteral("export"), QStringLiteral("import"), QStringLiteral("backup"),
-                                   QStringLiteral("find") };
+                                   QStringLiteral("imports"), QStringLiteral("find") };
     if (!commands.contains(command))
         return usageError(tr("Unknown command \"%1\".").arg(command));
-    if (command != QLatin1String("find")) {
-        for (const QCommandLineOption &option : findOptions) {
-            if (parser.isSet(option))
-                return usageError(tr("--%1 goes with find only.").arg(option.names().constFirst()));
-        }
-    }
-    std::optional<SearchFilter> searchFilter;
     if (command == QLatin1String("find")) {
-        if (positional.size() > 2)
-            return usageError(tr("find takes at most one TEXT."));
-        if (parser.isSet(dateOrder) || parser.isSet(force))
-            return usageError(tr("--%1 goes with %2 only.")
-                                  .arg(parser.isSet(force) ? QStringLiteral("force") : QStringLiteral("date-order"),
-                                       parser.isSet(force) ? QStringLiteral("backup") : QStringLiteral("import")));
-        SearchFilter filter;
-        filter.text = positional.value(1);
-        const QString problem = readSearchOptions(parser, searchOptions, &filter);
-        if (!problem.isEmpty())
-            return usageError(problem);
-        searchFilter = filter;
+        const QString import = QStringLiteral("import");
+        return find(parser, positional, searchOptions,
+                    { { dateOrder, import }, { encoding, import }, { allowDuplicates, import },
+                      { force, QStringLiteral("backup") } },
+                    usageError, out, err);
     }
-    QifFormat::DateOrder order = QifFormat::DateOrder::MonthFirst;
-    if (!searchFilter) {
-        if (positional.size() != 2)
-            return usageError(tr("%1 takes one FILE.").arg(command));
-        if (parser.isSet(dateOrder) && command != QLatin1String("import"))
-            return usageError(tr("--date-order goes with import only."));
-        if (parser.isSet(force) && command != QLatin1String("backup"))
-            return usageError(tr("--force goes with backup only."));
-        if (parser.isSet(dateOrder)) {
-            const QString value = parser.value(dateOrder);
-            if (value == QLatin1String("dmy"))
-                order = QifFormat::DateOrder::DayFirst;
-            else if (value != QLatin1String("mdy"))
-                return usageError(tr("--date-order is mdy or dmy, not \"%1\".").arg(value));
+    for (const QCommandLineOption &option : findOptions) {
+        if (parser.isSet(option))
+            return usageError(tr("--%1 goes with find only.").arg(option.names().constFirst()));
+    }
+    const bool imports = command == QLatin1String("imports");
+    int undoId = 0;
+    if (imports) {
+        bool isNumber = false;
+        if (positional.size() == 3 && positional.at(1) == QLatin1String("undo"))
+            undoId = positional.at(2).toInt(&isNumber);
+        if (positional.size() != 1 && (!isNumber || undoId <= 0))
+            return usageError(tr("imports takes nothing, or undo and the ID of an import."));
+    } else if (positional.size() != 2) {
+        return usageError(tr("%1 takes one FILE.").arg(command));
+    }
+    if (parser.isSet(dateOrder) && command != QLatin1String("import"))
+        return usageError(tr("--date-order goes with import only."));
+    if (parser.isSet(encoding) && command != QLatin1String("import"))
+        return usageError(tr("--encoding goes with import only."));
+    if (parser.isSet(allowDuplicates) && command != QLatin1String("import"))
+        return usageError(tr("--allow-duplicates goes with import only."));
+    if (parser.isSet(force) && command != QLatin1String("backup"))
+        return usageError(tr("--force goes with backup only."));
+    std::optional<QifFormat::DateOrder> order;
+    if (parser.isSet(dateOrder)) {
+        const QString value = parser.value(dateOrder);
+        for (const QifFormat::DateOrder known :
+             { QifFormat::DateOrder::MonthFirst, QifFormat::DateOrder::DayFirst, QifFormat::DateOrder::YearFirst }) {
+            if (value == QifFormat::orderName(known))
+                order = known;
         }
-        const QString fileName = positional.at(1);
-        if (command != QLatin1String("backup") && !CsvFormat::matches(fileName) && !QifFormat::matches(fileName))
-            return usageError(tr("%1 names no .csv or .qif file.").arg(fileName));
+        if (!order)
+            return usageError(tr("--date-order is mdy, dmy or ymd, not \"%1\".").arg(value));
     }
+    std::optional<TextEncoding::Kind> textEncoding;
+    if (parser.isSet(encoding)) {
+        TextEncoding::Kind kind = TextEncoding::Utf8;
+        if (!TextEncoding::fromName(parser.value(encoding), &kind))
+            return usageError(tr("--encoding is one of %1, not \"%2\".")
+                                  .arg(TextEncoding::names().join(QLatin1String(", ")), parser.value(encoding)));
+        textEncoding = kind;
+    }
+    const QString fileName = imports ? QString() : positional.at(1);
+    if (command == QLatin1String("export") && !CsvFormat::matches(fileName) && !QifFormat::matches(fileName))
+        return usageError(tr("%1 names no .csv or .qif file.").arg(fileName));
+    if (command == QLatin1String("import") && !CsvFormat::matches(fileName) && !QifFormat::matches(fileName) &&
+        !OfxFormat::matches(fileName))
+        return usageError(tr("%1 names no .csv, .qif, .ofx, .qfx or .qbo file.").arg(fileName));
 
     // The program's own store, as the window opens it: a new home gets the
     // file with its tables and default rows.
@@ -282,11 +371,11 @@ int CommandLine::run(const QStringList &arguments)
         err << tr("The database %1 cannot be opened: %2").arg(store.databaseFileName(), store.openError()) << '\n';
         return Refused;
     }
-    if (searchFilter)
-        return findEntries(store, *searchFilter, parser.isSet(searchOptions.csv), out, err);
     if (command == QLatin1String("export"))
-        return exportEntries(store, positional.at(1), out, err);
+        return exportEntries(store, fileName, out, err);
     if (command == QLatin1String("import"))
-        return importEntries(store, positional.at(1), order, out, err);
-    return backUp(store, positional.at(1), parser.isSet(force), out, err);
+        return importEntries(store, fileName, order, textEncoding, parser.isSet(allowDuplicates), out, err);
+    if (imports)
+        return undoId > 0 ? undoImport(store, undoId, out, err) : listImports(store, out);
+    return backUp(store, fileName, parser.isSet(force), out, err);
 }

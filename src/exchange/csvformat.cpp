@@ -395,7 +395,7 @@ EntryFileContents CsvFormat::read(QByteArrayView bytes)
                                         .arg(QString::fromLatin1(columnNames[column]).toLower(), quoted(number)));
         }
         if (contents.problems.size() == problemsBefore)
-            contents.entries.append({ record.line, entry });
+            contents.entries.append({ record.line, entry, QString(), QString() });
     }
     return contents;
 }

@@ -8,7 +8,7 @@
 
 int EntryFileContents::skipped() const
 {
-    return skippedIncome + skippedTransfers + skippedOtherSections;
+    return skippedIncome + skippedTransfers + skippedZeroAmounts + skippedDuplicates + skippedOtherSections;
 }
 
 void EntryFileContents::addProblem(int line, const QString &text)
@@ -58,6 +58,11 @@ QString EntryFileContents::skippedSummary() const
         reasons.append(QCoreApplication::translate("EntryFileContents", "income %1").arg(skippedIncome));
     if (skippedTransfers > 0)
         reasons.append(QCoreApplication::translate("EntryFileContents", "transfers %1").arg(skippedTransfers));
+    if (skippedZeroAmounts > 0)
+        reasons.append(QCoreApplication::translate("EntryFileContents", "zero amounts %1").arg(skippedZeroAmounts));
+    if (skippedDuplicates > 0)
+        reasons.append(
+            QCoreApplication::translate("EntryFileContents", "already imported %1").arg(skippedDuplicates));
     if (skippedOtherSections > 0)
         reasons.append(QCoreApplication::translate("EntryFileContents", "other sections %1").arg(skippedOtherSections));
     QString summary = QCoreApplication::translate("EntryFileContents", "skipped %1").arg(skipped());

@@ -22,6 +22,13 @@ public:
     {
         int line = 0;
         Entry entry;
+        // What names the record in its file beyond its values, when the
+        // file gives that (an OFX account and transaction id); empty when
+        // the entry's own date, amount, item and place must do.
+        QString sourceId;
+        // What an import remembers the record by (see
+        // EntryImport::recognise()); empty until then.
+        QString fingerprint;
     };
     // Line 0 stands for the file as a whole.
     struct Problem
@@ -37,7 +44,16 @@ public:
     // transactions (accounts, categories, investments).
     int skippedIncome = 0;
     int skippedTransfers = 0;
+    int skippedZeroAmounts = 0;
+    // Set by the import, not the reader: records an earlier import wrote.
+    int skippedDuplicates = 0;
     int skippedOtherSections = 0;
+
+    // The text encoding the file was read in (TextEncoding's name), and
+    // the order its dates were read in ("mdy", "dmy", "ymd"; empty where
+    // the format leaves no choice).
+    QString encoding;
+    QString dateOrder;
 
     // Set by the QIF reader when some date reads differently with the day or
     // the month first and no date of the file decides which: the first such
@@ -61,7 +77,9 @@ public:
     // lone CR each end a line.
     static int lineAt(QByteArrayView bytes, qsizetype offset);
 
-    // "skipped 34 (income 30, transfers 4)", or "skipped 0".
+    // "skipped 34 (income 30, transfers 2, zero amounts 1, already
+    // imported 1)", naming only the reasons that skipped any, or
+    // "skipped 0".
     QString skippedSummary() const;
     // The problems, one a line as "line 7: text", or "FILE:7: text" when
     // `fileName` is given (a whole-file problem without its line), at most

@@ -4,9 +4,15 @@
 #include "entryimport.h"
 
 #include "csvformat.h"
+#include "importlog.h"
+#include "storageform.h"
+#include "ofxformat.h"
 
 #include <QCoreApplication>
+#include <QCryptographicHash>
 #include <QFile>
+#include <QFileInfo>
+#include <QHash>
 #include <QSet>
 
 #include <algorithm>
@@ -25,12 +31,14 @@ const qint64 largestFile = qint64(256) * 1024 * 1024;
 
 } // namespace
 
-EntryFileContents EntryImport::read(const QString &fileName, QifFormat::DateOrder openDateOrder)
+EntryFileContents EntryImport::read(const QString &fileName, std::optional<QifFormat::DateOrder> dateOrder,
+                                    std::optional<TextEncoding::Kind> encoding)
 {
     EntryFileContents contents;
     const bool csv = CsvFormat::matches(fileName);
-    if (!csv && !QifFormat::matches(fileName)) {
-        contents.addProblem(0, tr("%1 is neither a .csv nor a .qif file").arg(fileName));
+    const bool ofx = OfxFormat::matches(fileName);
+    if (!csv && !ofx && !QifFormat::matches(fileName)) {
+        contents.addProblem(0, tr("%1 is not a .csv, .qif, .ofx, .qfx or .qbo file").arg(fileName));
         return contents;
     }
     QFile file(fileName);
@@ -47,11 +55,56 @@ EntryFileContents EntryImport::read(const QString &fileName, QifFormat::DateOrde
         contents.addProblem(0, tr("%1 cannot be read: %2").arg(fileName, file.errorString()));
         return contents;
     }
-    return csv ? CsvFormat::read(bytes) : QifFormat::read(bytes, openDateOrder);
+    if (csv)
+        return CsvFormat::read(bytes);
+    if (ofx)
+        return OfxFormat::read(bytes, encoding);
+    return QifFormat::read(bytes, dateOrder, encoding);
+}
+
+namespace {
+
+QString fingerprintKey(const EntryFileContents::LineEntry &read)
+{
+    if (!read.sourceId.isEmpty())
+        return read.sourceId;
+    const Entry &entry = read.entry;
+    return QStringLiteral("ENTRY\x1f%1\x1f%2\x1f%3\x1f%4")
+        .arg(StorageForm::dateTime(entry.TransactDateTime), QString::number(double(entry.Price), 'g', 9),
+             entry.ItemName, entry.LocationText);
+}
+
+void giveFingerprints(QList<EntryFileContents::LineEntry> &entries)
+{
+    QHash<QString, int> seen;
+    for (EntryFileContents::LineEntry &read : entries) {
+        const QString key = fingerprintKey(read);
+        const int before = seen[key]++;
+        read.fingerprint = QString::fromLatin1(
+            QCryptographicHash::hash((key + QStringLiteral("\x1f%1").arg(before)).toUtf8(), QCryptographicHash::Sha1)
+                .toHex());
+    }
+}
+
+} // namespace
+
+void EntryImport::recognise(DatabaseManager &store, EntryFileContents &contents, bool allowDuplicates)
+{
+    giveFingerprints(contents.entries);
+    contents.skippedDuplicates = 0;
+    if (allowDuplicates)
+        return;
+    const QSet<QString> known = ImportLog(store).knownFingerprints();
+    if (known.isEmpty())
+        return;
+    const qsizetype before = contents.entries.size();
+    contents.entries.removeIf(
+        [&known](const EntryFileContents::LineEntry &read) { return known.contains(read.fingerprint); });
+    contents.skippedDuplicates = int(before - contents.entries.size());
 }
 
 EntryImport::Outcome EntryImport::write(DatabaseManager &store, const QList<EntryFileContents::LineEntry> &entries,
-                                        const DatabaseManager::Progress &progress)
+                                        const DatabaseManager::Progress &progress, const QString &fileName)
 {
     Outcome outcome;
     QList<qsizetype> order(entries.size());
@@ -75,6 +128,22 @@ EntryImport::Outcome EntryImport::write(DatabaseManager &store, const QList<Entr
     const qsizetype total = entries.size();
     bool cancelled = false;
     QString failure;
+    const bool recorded = !fileName.isEmpty() && total > 0;
+    QList<EntryFileContents::LineEntry> withFingerprints;
+    if (recorded && std::any_of(entries.begin(), entries.end(), [](const EntryFileContents::LineEntry &read) {
+            return read.fingerprint.isEmpty();
+        })) {
+        withFingerprints = entries;
+        giveFingerprints(withFingerprints);
+    }
+    const QList<EntryFileContents::LineEntry> &remembered = withFingerprints.isEmpty() ? entries : withFingerprints;
+    ImportLog log(store);
+    QList<int> entryIds;
+    QStringList fingerprints;
+    if (recorded) {
+        entryIds.reserve(total);
+        fingerprints.reserve(total);
+    }
     const bool written = store.runInTransaction(
         DatabaseManager::WriteKind::Import,
         [&] {
@@ -91,9 +160,21 @@ EntryImport::Outcome EntryImport::write(DatabaseManager &store, const QList<Entr
                     failure = tr("the entry of line %1 could not be added to the database").arg(entries.at(i).line);
                     return false;
                 }
+                if (recorded) {
+                    entryIds.append(log.lastEntryId());
+                    fingerprints.append(remembered.at(i).fingerprint);
+                }
                 ++done;
                 if (progress && (done % 256 == 0 || done == total) && !progress(done, total)) {
                     cancelled = true;
+                    return false;
+                }
+            }
+            if (recorded) {
+                outcome.importId = log.record(QFileInfo(fileName).absoluteFilePath(), QDateTime::currentDateTime(),
+                                              entryIds, fingerprints);
+                if (outcome.importId == 0) {
+                    failure = tr("the import could not be recorded in the database");
                     return false;
                 }
             }

@@ -18,25 +18,40 @@ class EntryImport
 {
 public:
     // Reads and checks the file; nothing is written. The format is the
-    // file name's: .csv or .qif, in any case. QIF dates whose day and month
-    // order the file leaves open read with `openDateOrder`.
+    // file name's: .csv, .qif, or .ofx, .qfx and .qbo, in any case. QIF dates read in
+    // `dateOrder` when it is given, whatever the file seems to say; the
+    // text in `encoding` when it is given (see QifFormat::read()).
     static EntryFileContents read(const QString &fileName,
-                                  QifFormat::DateOrder openDateOrder = QifFormat::DateOrder::MonthFirst);
+                                  std::optional<QifFormat::DateOrder> dateOrder = std::nullopt,
+                                  std::optional<TextEncoding::Kind> encoding = std::nullopt);
+
+    // Gives every entry its fingerprint: its source id (an OFX account and
+    // FITID) or else its stored date-time, amount, item and place, with
+    // the number of entries before it in the file that have the same, so
+    // that two identical records of one file stay two. Unless
+    // `allowDuplicates`, then takes out the entries whose fingerprint an
+    // earlier import of a file remembers, and counts them
+    // (skippedDuplicates).
+    static void recognise(DatabaseManager &store, EntryFileContents &contents, bool allowDuplicates = false);
 
     struct Outcome
     {
         bool written = false;
         int added = 0;
         QString failure;
+        // The import's record (see ImportLog), 0 when none was made.
+        int importId = 0;
     };
     // Adds the entries in one transaction: first every category that table
     // Category lacks (AddCategory), then the entries, oldest first, so that
     // each item's last price is that of its newest entry; entries of the
     // same moment keep the file's order. `progress` hears how many entries
     // are written of how many, and cancels the whole import by returning
-    // false. Either every entry is stored or none is.
+    // false. Either every entry is stored or none is. With a `fileName`,
+    // an import that writes any entry is recorded, with the fingerprint of
+    // each (see recognise()), in the same transaction.
     static Outcome write(DatabaseManager &store, const QList<EntryFileContents::LineEntry> &entries,
-                         const DatabaseManager::Progress &progress = {});
+                         const DatabaseManager::Progress &progress = {}, const QString &fileName = QString());
 
     // "Imported 1200 entries from FILE; skipped 34 (income 30, transfers 4)"
     static QString summary(const QString &fileName, const EntryFileContents &contents, int added);

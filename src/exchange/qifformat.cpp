@@ -9,7 +9,6 @@
 
 #include <QCoreApplication>
 #include <QRegularExpression>
-#include <QUtf8StringView>
 
 #include <cmath>
 
@@ -19,6 +18,16 @@ QString tr(const char *text)
 {
     return QCoreApplication::translate("QifFormat", text);
 }
+
+// One part of a split record: S category, E memo, $ amount.
+struct Split
+{
+    int line = 0;
+    QString category;
+    QString memo;
+    int amountLine = 0;
+    QString amount;
+};
 
 // A record's fields as the file gives them; a line of 0 is a field the
 // record does not have.
@@ -34,51 +43,85 @@ struct Record
     QString memo;
     int categoryLine = 0;
     QString category;
+    QList<Split> splits;
 };
 
-// A date as written, before the file's day and month order is known.
+// A date as written: three numbers, before the file's order of day and
+// month is known.
 struct WrittenDate
 {
     bool valid = false;
-    // Year first or with dots: the order is fixed.
-    bool fixedOrder = false;
+    // A four-digit first number, or eight digits without separators.
+    bool yearFirst = false;
+    // The year follows an apostrophe: Quicken's form, of this century when
+    // it has one or two digits.
+    bool apostropheYear = false;
+    bool dotted = false;
     int first = 0;
     int second = 0;
-    int year = 0;
+    int third = 0;
+    int firstDigits = 0;
+    int thirdDigits = 0;
 };
 
 WrittenDate readWrittenDate(const QString &written)
 {
-    static const QRegularExpression iso(QStringLiteral("^(\\d{4})-(\\d{1,2})-(\\d{1,2})$"));
-    static const QRegularExpression dotted(QStringLiteral("^(\\d{1,2})\\.(\\d{1,2})\\.(\\d{4})$"));
-    static const QRegularExpression slashed(QStringLiteral("^(\\d{1,2})/(\\d{1,2})(['/])(\\d{4}|\\d{1,2})$"));
+    static const QRegularExpression compact(QStringLiteral("^(\\d{4})(\\d{2})(\\d{2})$"));
+    static const QRegularExpression separated(QStringLiteral("^(\\d{1,4})([/.-])(\\d{1,2})([/.'-])(\\d{1,4})$"));
 
     QString text = written;
-    text.remove(QLatin1Char(' '));
+    text.remove(QRegularExpression(QStringLiteral("\\s")));
     WrittenDate date;
-    if (const QRegularExpressionMatch match = iso.match(text); match.hasMatch()) {
-        // Stored day first, like the dotted form, so that one rule reads both.
-        date = { true, true, match.captured(3).toInt(), match.captured(2).toInt(), match.captured(1).toInt() };
-    } else if (const QRegularExpressionMatch match = dotted.match(text); match.hasMatch()) {
-        date = { true, true, match.captured(1).toInt(), match.captured(2).toInt(), match.captured(3).toInt() };
-    } else if (const QRegularExpressionMatch match = slashed.match(text); match.hasMatch()) {
-        const QString year = match.captured(4);
-        int fullYear = year.toInt();
-        // A short year after an apostrophe is of this century, after a slash
-        // of the last one: Quicken's own convention.
-        if (year.size() <= 2)
-            fullYear += match.captured(3) == QLatin1String("'") ? 2000 : 1900;
-        date = { true, false, match.captured(1).toInt(), match.captured(2).toInt(), fullYear };
+    if (const QRegularExpressionMatch match = compact.match(text); match.hasMatch()) {
+        date.valid = true;
+        date.yearFirst = true;
+        date.first = match.captured(1).toInt();
+        date.second = match.captured(2).toInt();
+        date.third = match.captured(3).toInt();
+        return date;
     }
+    const QRegularExpressionMatch match = separated.match(text);
+    if (!match.hasMatch())
+        return date;
+    date.firstDigits = int(match.capturedLength(1));
+    date.thirdDigits = int(match.capturedLength(5));
+    date.first = match.captured(1).toInt();
+    date.second = match.captured(3).toInt();
+    date.third = match.captured(5).toInt();
+    date.apostropheYear = match.captured(4) == QLatin1String("'");
+    date.dotted = match.captured(2) == QLatin1String(".");
+    date.yearFirst = date.firstDigits == 4;
+    if (date.yearFirst)
+        date.valid = !date.apostropheYear && date.thirdDigits <= 2;
+    else
+        date.valid = date.firstDigits <= 2 && date.thirdDigits != 3;
     return date;
 }
 
-// The date in the given order; fixed-order dates hold the day first.
+// Whether the date can put its day or its month first: everything but the
+// forms whose order is fixed.
+bool ordersOpen(const WrittenDate &date)
+{
+    return date.valid && !date.yearFirst;
+}
+
 QDate dateOf(const WrittenDate &written, QifFormat::DateOrder order)
 {
-    if (written.fixedOrder || order == QifFormat::DateOrder::DayFirst)
-        return QDate(written.year, written.second, written.first);
-    return QDate(written.year, written.first, written.second);
+    if (!written.valid)
+        return QDate();
+    if (written.yearFirst)
+        return QDate(written.first, written.second, written.third);
+    if (order == QifFormat::DateOrder::YearFirst && written.firstDigits == 2 && !written.apostropheYear &&
+        written.thirdDigits <= 2)
+        return QDate(QifFormat::twoDigitYear(written.first), written.second, written.third);
+    int year = written.third;
+    if (written.apostropheYear && written.thirdDigits <= 2)
+        year += 2000;
+    else if (written.thirdDigits <= 2)
+        year = QifFormat::twoDigitYear(written.third);
+    if (order == QifFormat::DateOrder::DayFirst)
+        return QDate(year, written.second, written.first);
+    return QDate(year, written.first, written.second);
 }
 
 QString quoted(const QString &text)
@@ -122,6 +165,7 @@ enum class Section { None, Transactions, Other };
 
 Section sectionOf(QStringView header)
 {
+    // Programs pad headers with blanks; the line was trimmed already.
     for (const char *name : { "!Type:Cash", "!Type:Bank", "!Type:CCard" }) {
         if (header.compare(QLatin1String(name), Qt::CaseInsensitive) == 0)
             return Section::Transactions;
@@ -211,29 +255,43 @@ std::optional<double> QifFormat::readAmount(QStringView text)
     return negative ? -value : value;
 }
 
-EntryFileContents QifFormat::read(QByteArrayView bytes, DateOrder openOrder)
+int QifFormat::twoDigitYear(int yy, int currentYear)
 {
-    EntryFileContents contents;
-    if (bytes.startsWith("\xEF\xBB\xBF"))
-        bytes = bytes.sliced(3);
-    if (bytes.trimmed().isEmpty()) {
-        contents.addProblem(1, tr("the file is empty"));
-        return contents;
-    }
-    if (!contents.acceptText(bytes, false))
-        return contents;
-    // Older programs wrote their code page; Latin-1 reads every byte.
-    const QString text = QUtf8StringView(bytes).isValidUtf8() ? QString::fromUtf8(bytes) : QString::fromLatin1(bytes);
+    if (currentYear == 0)
+        currentYear = QDate::currentDate().year();
+    const int earliest = currentYear - 80;
+    int year = earliest - earliest % 100 + yy % 100;
+    if (year < earliest)
+        year += 100;
+    return year;
+}
 
-    // First the records as written, then the dates, whose order the whole
-    // file decides.
-    QList<Record> records;
+QString QifFormat::orderName(DateOrder order)
+{
+    switch (order) {
+    case DateOrder::MonthFirst:
+        return QStringLiteral("mdy");
+    case DateOrder::DayFirst:
+        return QStringLiteral("dmy");
+    case DateOrder::YearFirst:
+        break;
+    }
+    return QStringLiteral("ymd");
+}
+
+namespace {
+
+// Reads the lines of the file into records; the sections the reader does not
+// take are counted. False when the file is refused (a problem added).
+bool readRecords(const QString &text, EntryFileContents &contents, QList<Record> &records)
+{
     Section section = Section::None;
     Record record;
     bool inRecord = false;
     // Where the record of a skipped section that is being read started.
     int otherRecordLine = 0;
     int lineNumber = 0;
+    int firstTextLine = 0;
     qsizetype at = 0;
     while (at < text.size()) {
         qsizetype end = at;
@@ -252,14 +310,16 @@ EntryFileContents QifFormat::read(QByteArrayView bytes, DateOrder openOrder)
             if (inRecord || otherRecordLine > 0) {
                 contents.addProblem(inRecord ? record.line : otherRecordLine,
                                     tr("the record that starts here does not end with ^ before the next header"));
-                return contents;
+                return false;
             }
             section = sectionOf(line);
             continue;
         }
         if (section == Section::None) {
-            contents.addProblem(lineNumber, tr("a QIF file starts with a header such as !Type:Bank"));
-            return contents;
+            // A title or a comment before the first header.
+            if (firstTextLine == 0)
+                firstTextLine = lineNumber;
+            continue;
         }
         if (section == Section::Other) {
             if (line.front() == QLatin1Char('^')) {
@@ -285,8 +345,11 @@ EntryFileContents QifFormat::read(QByteArrayView bytes, DateOrder openOrder)
             record.line = lineNumber;
             inRecord = true;
         }
+        Split *split = record.splits.isEmpty() ? nullptr : &record.splits.last();
         switch (code.unicode()) {
         case 'D':
+            // A second date in a record (some programs repeat it among the
+            // splits) changes nothing.
             if (record.dateLine == 0) {
                 record.dateLine = lineNumber;
                 record.date = value;
@@ -312,18 +375,86 @@ EntryFileContents QifFormat::read(QByteArrayView bytes, DateOrder openOrder)
             record.categoryLine = lineNumber;
             record.category = value;
             break;
+        case 'S':
+            record.splits.append({ lineNumber, value, QString(), 0, QString() });
+            break;
+        case 'E':
+            if (!split || split->amountLine > 0 || !split->memo.isNull()) {
+                record.splits.append({ lineNumber, QString(), QString(), 0, QString() });
+                split = &record.splits.last();
+            }
+            split->memo = value.isNull() ? QLatin1String("") : value;
+            break;
+        case '$':
+            if (!split || split->amountLine > 0) {
+                record.splits.append({ lineNumber, QString(), QString(), 0, QString() });
+                split = &record.splits.last();
+            }
+            split->amountLine = lineNumber;
+            split->amount = value;
+            break;
         default:
-            // Numbers, cleared marks, addresses and the lines of splits.
+            // Numbers, cleared marks, addresses, split percentages.
             break;
         }
     }
-    if (inRecord || otherRecordLine > 0) {
-        contents.addProblem(inRecord ? record.line : otherRecordLine,
+    if (section == Section::None && firstTextLine > 0) {
+        contents.addProblem(firstTextLine, tr("a QIF file starts with a header such as !Type:Bank"));
+        return false;
+    }
+    if (otherRecordLine > 0) {
+        contents.addProblem(otherRecordLine,
                             tr("the record that starts here does not end with ^: the file may be cut short"));
+        return false;
+    }
+    if (inRecord) {
+        // The last record may end with the file instead of ^.
+        if (record.dateLine == 0 || record.amountLine == 0) {
+            contents.addProblem(record.line,
+                                tr("the record that starts here does not end with ^: the file may be cut short"));
+            return false;
+        }
+        records.append(record);
+    }
+    return true;
+}
+
+bool isTransfer(const QString &category)
+{
+    return category.startsWith(QLatin1Char('['));
+}
+
+qint64 cents(double amount)
+{
+    return qint64(std::llround(amount * 100.0));
+}
+
+} // namespace
+
+EntryFileContents QifFormat::read(QByteArrayView bytes, std::optional<DateOrder> order,
+                                  std::optional<TextEncoding::Kind> encoding)
+{
+    EntryFileContents contents;
+    const TextEncoding::Kind kind = encoding ? *encoding : TextEncoding::detect(bytes);
+    contents.encoding = TextEncoding::name(kind);
+    const QString text = TextEncoding::decode(bytes, kind);
+    if (text.trimmed().isEmpty()) {
+        contents.addProblem(1, tr("the file is empty"));
+        return contents;
+    }
+    if (const qsizetype nul = text.indexOf(QChar(0)); nul >= 0) {
+        const QByteArray before = text.left(nul).toUtf8();
+        contents.addProblem(EntryFileContents::lineAt(before, before.size()),
+                            tr("a NUL byte: this is not a text file"));
         return contents;
     }
 
-    // The day and month order, from every date with slashes.
+    // First the records as written, then the dates, whose order the whole
+    // file decides.
+    QList<Record> records;
+    if (!readRecords(text, contents, records))
+        return contents;
+
     QList<WrittenDate> dates;
     dates.reserve(records.size());
     int dayFirstLine = 0;
@@ -331,20 +462,21 @@ EntryFileContents QifFormat::read(QByteArrayView bytes, DateOrder openOrder)
     for (const Record &r : records) {
         const WrittenDate date = readWrittenDate(r.date);
         dates.append(date);
-        if (!date.valid || date.fixedOrder)
+        if (!ordersOpen(date))
             continue;
         if (date.first > 12 && date.second <= 12 && dayFirstLine == 0)
             dayFirstLine = r.dateLine;
         if (date.second > 12 && date.first <= 12 && monthFirstLine == 0)
             monthFirstLine = r.dateLine;
-        if (contents.openDate.isEmpty() && date.first <= 12 && date.second <= 12 && date.first != date.second) {
+        if (!order && contents.openDate.isEmpty() && date.first <= 12 && date.second <= 12 &&
+            date.first != date.second) {
             contents.openDate = r.date;
             contents.openDateLine = r.dateLine;
             contents.openDateMonthFirst = dateOf(date, DateOrder::MonthFirst);
             contents.openDateDayFirst = dateOf(date, DateOrder::DayFirst);
         }
     }
-    if (dayFirstLine > 0 && monthFirstLine > 0) {
+    if (!order && dayFirstLine > 0 && monthFirstLine > 0) {
         contents.addProblem(qMax(dayFirstLine, monthFirstLine),
                             tr("this date has the %1 first, but the one on line %2 the %3 first")
                                 .arg(dayFirstLine > monthFirstLine ? tr("day") : tr("month"))
@@ -352,14 +484,24 @@ EntryFileContents QifFormat::read(QByteArrayView bytes, DateOrder openOrder)
                                 .arg(dayFirstLine > monthFirstLine ? tr("month") : tr("day")));
         return contents;
     }
-    DateOrder order = openOrder;
-    if (dayFirstLine > 0 || monthFirstLine > 0) {
-        order = dayFirstLine > 0 ? DateOrder::DayFirst : DateOrder::MonthFirst;
+    std::optional<DateOrder> fileOrder = order;
+    if (!order && (dayFirstLine > 0 || monthFirstLine > 0)) {
+        fileOrder = dayFirstLine > 0 ? DateOrder::DayFirst : DateOrder::MonthFirst;
         contents.openDate.clear();
         contents.openDateLine = 0;
         contents.openDateMonthFirst = QDate();
         contents.openDateDayFirst = QDate();
     }
+    bool anyOpen = false;
+    bool anyDotted = false;
+    for (const WrittenDate &date : dates) {
+        anyOpen = anyOpen || ordersOpen(date);
+        anyDotted = anyDotted || (ordersOpen(date) && date.dotted);
+    }
+    if (fileOrder)
+        contents.dateOrder = orderName(*fileOrder);
+    else if (anyOpen)
+        contents.dateOrder = orderName(anyDotted ? DateOrder::DayFirst : DateOrder::MonthFirst);
 
     for (qsizetype i = 0; i < records.size(); ++i) {
         const Record &r = records.at(i);
@@ -371,7 +513,12 @@ EntryFileContents QifFormat::read(QByteArrayView bytes, DateOrder openOrder)
             contents.addProblem(r.line, tr("the record that starts here has no amount (T)"));
             continue;
         }
-        const QDate date = dates.at(i).valid ? dateOf(dates.at(i), order) : QDate();
+        const WrittenDate &written = dates.at(i);
+        // Where the file leaves the order open, dots are the day-first
+        // countries' form and slashes the month-first ones'.
+        const DateOrder dateOrder =
+            fileOrder ? *fileOrder : written.dotted ? DateOrder::DayFirst : DateOrder::MonthFirst;
+        const QDate date = dateOf(written, dateOrder);
         if (!date.isValid()) {
             contents.addProblem(r.dateLine, tr("the date %1 is not a date Ledgerly can read").arg(quoted(r.date)));
             continue;
@@ -381,31 +528,75 @@ EntryFileContents QifFormat::read(QByteArrayView bytes, DateOrder openOrder)
             contents.addProblem(r.amountLine, tr("the amount %1 is not a number").arg(quoted(r.amount)));
             continue;
         }
-        if (r.category.startsWith(QLatin1Char('['))) {
+        if (isTransfer(r.category)) {
             ++contents.skippedTransfers;
+            continue;
+        }
+        if (*amount == 0) {
+            ++contents.skippedZeroAmounts;
             continue;
         }
         if (*amount > 0) {
             ++contents.skippedIncome;
             continue;
         }
-        if (-*amount > Amount::largest) {
-            contents.addProblem(r.amountLine,
-                                tr("the amount %1 is above %2, the largest amount Ledgerly takes")
-                                    .arg(quoted(r.amount), QString::number(Amount::largest, 'f', 2)));
+
+        const QString recordItem =
+            !r.memo.isEmpty() ? r.memo : !r.payee.isEmpty() ? r.payee : QStringLiteral("Imported");
+        // Without a category an expense goes where the program puts what
+        // fits nowhere else; so does what a split record leaves over.
+        const QString recordCategory = r.category.isEmpty() || r.category == QLatin1String("--Split--")
+            ? QStringLiteral("Others")
+            : r.category;
+        const auto addExpense = [&](int line, const QString &written, double value, const QString &item,
+                                    const QString &category) {
+            if (-value > Amount::largest) {
+                contents.addProblem(line, tr("the amount %1 is above %2, the largest amount Ledgerly takes")
+                                              .arg(quoted(written), QString::number(Amount::largest, 'f', 2)));
+                return;
+            }
+            Entry entry;
+            entry.TransactDateTime = date.startOfDay();
+            // Adding zero makes an expense of -0 plain 0.
+            entry.Price = float(-value) + 0.0f;
+            entry.LocationText = r.payee.isNull() ? QLatin1String("") : r.payee;
+            entry.ItemName = item;
+            entry.CategoryName = category;
+            contents.entries.append({ r.line, entry, QString(), QString() });
+        };
+
+        if (r.splits.isEmpty()) {
+            addExpense(r.amountLine, r.amount, *amount, recordItem, recordCategory);
             continue;
         }
-
-        Entry entry;
-        entry.TransactDateTime = date.startOfDay();
-        // Adding zero makes an expense of -0 plain 0.
-        entry.Price = float(-*amount) + 0.0f;
-        entry.LocationText = r.payee.isNull() ? QLatin1String("") : r.payee;
-        entry.ItemName = !r.memo.isEmpty() ? r.memo : !r.payee.isEmpty() ? r.payee : QStringLiteral("Imported");
-        // Without a category an expense goes where the program puts what
-        // fits nowhere else.
-        entry.CategoryName = !r.category.isEmpty() ? r.category : QStringLiteral("Others");
-        contents.entries.append({ r.line, entry });
+        qint64 splitCents = 0;
+        bool splitsRead = true;
+        for (const Split &split : r.splits) {
+            const std::optional<double> part = readAmount(split.amount);
+            if (!part) {
+                contents.addProblem(split.amountLine > 0 ? split.amountLine : split.line,
+                                    tr("the split amount %1 is not a number").arg(quoted(split.amount)));
+                splitsRead = false;
+                continue;
+            }
+            splitCents += cents(*part);
+            if (isTransfer(split.category))
+                ++contents.skippedTransfers;
+            else if (*part == 0)
+                ++contents.skippedZeroAmounts;
+            else if (*part > 0)
+                ++contents.skippedIncome;
+            else
+                addExpense(split.amountLine, split.amount, *part, !split.memo.isEmpty() ? split.memo : recordItem,
+                           split.category.isEmpty() ? QStringLiteral("Others") : split.category);
+        }
+        if (!splitsRead)
+            continue;
+        const qint64 rest = cents(*amount) - splitCents;
+        if (rest < 0)
+            addExpense(r.amountLine, r.amount, double(rest) / 100.0, recordItem, recordCategory);
+        else if (rest > 0)
+            ++contents.skippedIncome;
     }
     return contents;
 }

@@ -4,6 +4,7 @@
 #pragma once
 
 #include "entryfilecontents.h"
+#include "textencoding.h"
 
 #include <QByteArray>
 #include <QByteArrayView>
@@ -28,14 +29,15 @@ class Entry;
 //     LFood           the category
 //     ^
 //
-// It reads the records of !Type:Cash, !Type:Bank and !Type:CCard sections;
-// other sections are skipped and counted, and so are income (a positive
-// amount) and transfers (a category in brackets). Writing and reading are
-// pure: bytes in, bytes or entries out.
+// It reads the records of !Type:Cash, !Type:Bank and !Type:CCard sections,
+// a split record (S, E, $ lines) as one entry per expense split; other
+// sections are skipped and counted, and so are income (a positive amount),
+// zero amounts and transfers (a category in brackets). Writing and reading
+// are pure: bytes in, bytes or entries out.
 class QifFormat
 {
 public:
-    enum class DateOrder { MonthFirst, DayFirst };
+    enum class DateOrder { MonthFirst, DayFirst, YearFirst };
 
     // The section header, CRLF included.
     static QByteArray header();
@@ -44,12 +46,26 @@ public:
     // The header and one record per entry, in the order given.
     static QByteArray write(const QList<Entry *> &entries);
 
-    // Reads a whole file: UTF-8, or Latin-1 when it is not UTF-8. Which of
-    // day and month comes first in dates with slashes is read from the
-    // whole file (a number above 12 decides); where no date decides it,
-    // `openOrder` does, and the contents name the first date that it
-    // decided (EntryFileContents::openDate).
-    static EntryFileContents read(QByteArrayView bytes, DateOrder openOrder = DateOrder::MonthFirst);
+    // Reads a whole file, in `encoding`, or else in the one TextEncoding
+    // detects. A date is three numbers with blanks anywhere, separated by
+    // '/', '.', '-' or an apostrophe before the year, or yyyyMMdd; a
+    // four-digit first number is the year. Which of day and month comes
+    // first is read from the whole file (a number above 12 decides); where
+    // no date decides it, dotted dates read day first and the others month
+    // first, and the contents name the first date that could be either
+    // (EntryFileContents::openDate). `order`, when given, wins over the
+    // file; YearFirst reads every date with a two-digit first number as
+    // yy/MM/dd.
+    static EntryFileContents read(QByteArrayView bytes, std::optional<DateOrder> order = std::nullopt,
+                                  std::optional<TextEncoding::Kind> encoding = std::nullopt);
+
+    // The year of a two-digit year `yy`: the one ending in it that lies
+    // from 80 years before to 19 years after `currentYear` (this year when
+    // 0). After an apostrophe, Quicken's mark, a short year is 2000 + yy
+    // instead.
+    static int twoDigitYear(int yy, int currentYear = 0);
+    // "mdy", "dmy" or "ymd", as the command line names the orders.
+    static QString orderName(DateOrder order);
 
     // An amount as finance programs write it: a sign, digits and
     // separators. The decimal separator is the last '.' or ',' followed by

@@ -3,6 +3,8 @@
 
 #include "fulltexttooltipdelegate.h"
 
+#include "look.h"
+
 #include <QAbstractItemView>
 #include <QHelpEvent>
 #include <QLabel>
@@ -23,6 +25,17 @@ QString labelText(const QLabel *label)
 } // namespace
 
 FullTextToolTipDelegate::FullTextToolTipDelegate(QObject *parent) : QStyledItemDelegate(parent) { }
+
+void FullTextToolTipDelegate::initStyleOption(QStyleOptionViewItem *option, const QModelIndex &index) const
+{
+    QStyledItemDelegate::initStyleOption(option, index);
+    if (Look::shown() == Look::Kind::Classic || !index.data(Qt::ForegroundRole).isValid())
+        return;
+    QPalette &palette = option->palette;
+    const QColor ground = (option->features & QStyleOptionViewItem::Alternate) ? palette.color(QPalette::AlternateBase)
+                                                                               : palette.color(QPalette::Base);
+    palette.setColor(QPalette::Text, Look::readable(palette.color(QPalette::Text), ground));
+}
 
 QString FullTextToolTipDelegate::cutOffText(const QAbstractItemView *view, const QStyleOptionViewItem &option,
                                             const QModelIndex &index) const

@@ -17,6 +17,11 @@ class FullTextToolTipDelegate : public QStyledItemDelegate
 public:
     explicit FullTextToolTipDelegate(QObject *parent);
 
+    // Text coloured by the cell (the entry tables' red) stays its colour in
+    // Classic and becomes a shade of it readable on the cell in the other
+    // looks.
+    void initStyleOption(QStyleOptionViewItem *option, const QModelIndex &index) const override;
+
     bool helpEvent(QHelpEvent *event, QAbstractItemView *view, const QStyleOptionViewItem &option,
                    const QModelIndex &index) override;
 

@@ -23,3 +23,18 @@ void PageStyle::drawPrimitive(PrimitiveElement element, const QStyleOption *opti
     painter->drawRect(option->rect.adjusted(0, 0, -1, -1));
     painter->restore();
 }
+
+QRect PageStyle::subControlRect(ComplexControl control, const QStyleOptionComplex *option, SubControl subControl,
+                                const QWidget *widget) const
+{
+    QRect rect = QProxyStyle::subControlRect(control, option, subControl, widget);
+    if (control != CC_GroupBox || subControl != SC_GroupBoxLabel)
+        return rect;
+    const auto *box = qstyleoption_cast<const QStyleOptionGroupBox *>(option);
+    if (!box)
+        return rect;
+    const int needed = box->fontMetrics.size(Qt::TextShowMnemonic, box->text).width();
+    if (rect.width() < needed)
+        rect.setWidth(needed);
+    return rect;
+}

@@ -14,6 +14,9 @@
 // darker shade of Window, so on a page an unticked box was black on black:
 // only its caption could be seen. Everything else is drawn by the desktop
 // style, untouched.
+//
+// And a group box's title gets the room its text needs: the desktop style
+// measures it a few pixels short at the pages' font and cuts its last letter.
 class PageStyle : public QProxyStyle
 {
     Q_OBJECT
@@ -24,4 +27,6 @@ public:
 
     void drawPrimitive(PrimitiveElement element, const QStyleOption *option, QPainter *painter,
                        const QWidget *widget = nullptr) const override;
+    QRect subControlRect(ComplexControl control, const QStyleOptionComplex *option, SubControl subControl,
+                         const QWidget *widget = nullptr) const override;
 };

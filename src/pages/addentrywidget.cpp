@@ -8,6 +8,7 @@
 #include "databasemanager.h"
 #include "format.h"
 #include "geolocationreply.h"
+#include "geolocator.h"
 #include "look.h"
 #include "notice.h"
 #include "settings.h"
@@ -17,9 +18,7 @@
 #include <QCompleter>
 #include <QDate>
 #include <QKeyEvent>
-#include <QNetworkAccessManager>
 #include <QNetworkReply>
-#include <QNetworkRequest>
 #include <QRegularExpression>
 #include <QRegularExpressionValidator>
 #include <QShowEvent>
@@ -137,28 +136,24 @@ void AddEntryWidget::offerCatalogueItem(const QString &itemName)
 
 void AddEntryWidget::startLocationLookup()
 {
-    const QUrl url = Settings().geoLocationServiceUrl();
-    if (url.isEmpty())
+    QNetworkReply *reply = GeoLocator::instance().lookUp();
+    if (!reply)
         return;
-
-    // A manager per lookup, owned by the page: a reply still on its way when
-    // the page is replaced dies with it and is never delivered.
-    auto *manager = new QNetworkAccessManager(this);
-    connect(manager, &QNetworkAccessManager::finished, this, &AddEntryWidget::handleNetworkData);
-    manager->get(QNetworkRequest(url));
+    // The page as the context: a reply still on its way when the page is
+    // replaced is never delivered to it (the locator deletes it all the
+    // same).
+    connect(reply, &QNetworkReply::finished, this, [this, reply] { handleNetworkData(reply); });
+    // One the page no longer waits for is given up, not left to the server.
+    connect(this, &QObject::destroyed, reply, &QNetworkReply::abort);
 }
 
 void AddEntryWidget::handleNetworkData(QNetworkReply *reply)
 {
-    // A failed lookup changes nothing and is not cleaned up here: the reply
-    // and its manager stay with the page until the page goes.
+    // A failed lookup changes nothing; the locator deletes every reply.
     if (reply->error() != QNetworkReply::NoError)
         return;
 
     const QByteArray body = reply->readAll();
-    reply->manager()->deleteLater();
-    reply->deleteLater();
-
     const GeoLocationReply answer = parseGeoLocationReply(body);
     if (answer.ipAddress)
         ipAddress = *answer.ipAddress;

@@ -55,8 +55,8 @@ void EntryDetailsWidget::ShowEntryDetails()
 void EntryDetailsWidget::fillTable(const Entry &entry)
 {
     QTableWidget *table = ui->tableWidget;
-    // Both resizes run while the table has no columns yet, so the columns
-    // keep their default widths; that is the look the page was designed with.
+    // Both resizes run while the table has no columns yet; the columns are
+    // fitted once they are filled.
     table->resizeColumnsToContents();
     table->horizontalHeader()->resizeSections(QHeaderView::Stretch);
     table->setColumnCount(2);
@@ -83,6 +83,20 @@ void EntryDetailsWidget::fillTable(const Entry &entry)
         table->setCellWidget(row, 0, new QLabel(rows[row][0]));
         table->setCellWidget(row, 1, new QLabel(valueCell(rows[row][1])));
     }
+    // Every label and value whole (and again as the page shows, in its
+    // place's fonts): the columns take the width of their widest cell or
+    // heading, and the table scrolls sideways if it must.
+    table->resizeColumnsToContents();
+}
+
+void EntryDetailsWidget::showEvent(QShowEvent *event)
+{
+    // Every label and value whole: the columns take the width of their
+    // widest cell or heading, and the table scrolls sideways if it must.
+    // Measured as shown, with the fonts and borders of the style sheets
+    // around the page.
+    ui->tableWidget->resizeColumnsToContents();
+    QWidget::showEvent(event);
 }
 
 QString EntryDetailsWidget::mapPageHtml(const Entry &entry)

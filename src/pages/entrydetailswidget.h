@@ -33,6 +33,11 @@ public:
     // cannot be read.
     static QString mapPageHtml(const Entry &entry);
 
+protected:
+    // Fits the table's columns to their cells, in the fonts of the place the
+    // page is shown in.
+    void showEvent(QShowEvent *event) override;
+
 private:
     void fillTable(const Entry &entry);
 

@@ -10,6 +10,7 @@
 #include "fulltexttooltipdelegate.h"
 #include "historybuckets.h"
 #include "linegraph.h"
+#include "look.h"
 #include "notice.h"
 #include "piewidget.h"
 #include "placesmap.h"
@@ -18,10 +19,46 @@
 #include <QFile>
 #include <QHeaderView>
 #include <QSignalBlocker>
+#include <QStyle>
 #include <QTableWidget>
 #include <QTableWidgetItem>
 
 namespace {
+
+// The columns share the table's width equally, as designed; a column whose
+// heading would not fit in its share keeps the heading's width, and the
+// others share what is left. A heading is never cut; a cell may be (its tool
+// tip tells the whole text).
+void keepHeadingsWhole(QTableWidget *table)
+{
+    QHeaderView *header = table->horizontalHeader();
+    header->setSectionResizeMode(QHeaderView::Stretch);
+    // The room the columns have once the table shows, with a vertical
+    // scroll bar, whether or not it comes.
+    int available = table->width() - 2 * table->frameWidth() -
+        table->style()->pixelMetric(QStyle::PM_ScrollBarExtent, nullptr, table);
+    if (table->verticalHeader()->isVisibleTo(table))
+        available -= table->verticalHeader()->sizeHint().width();
+    QList<int> shared;
+    for (int column = 0; column < header->count(); ++column)
+        shared.append(column);
+    for (bool changed = true; changed && !shared.isEmpty();) {
+        changed = false;
+        const int share = available / int(shared.size());
+        for (int i = 0; i < shared.size(); ++i) {
+            const int column = shared.at(i);
+            const int heading = header->sectionSizeHint(column);
+            if (heading > share) {
+                header->setSectionResizeMode(column, QHeaderView::Fixed);
+                header->resizeSection(column, heading);
+                available -= heading;
+                shared.removeAt(i);
+                changed = true;
+                break;
+            }
+        }
+    }
+}
 
 // The periods of the date-wise tab, in the order of the period box.
 enum Period { Daily = 0, Weekly = 1, Monthly = 2 };
@@ -125,6 +162,25 @@ private:
     PlaceCell(const PlaceCell &) = default;
 };
 
+// Gives the graph the colours of the look that shows.
+void colourGraph(ZRLineGraph *graph)
+{
+    const Look::GraphColours colours = Look::graphColours();
+    graph->setBackground(colours.background);
+    graph->setBorder(colours.border);
+    graph->setGraphBackground(colours.plot);
+    graph->setGraphBorder(colours.grid);
+    graph->setTextColor(colours.text);
+    graph->setGraphLine(colours.line);
+}
+
+ZRLineGraph *newGraph()
+{
+    auto *graph = new ZRLineGraph;
+    colourGraph(graph);
+    return graph;
+}
+
 } // namespace
 
 HistoryWidget::HistoryWidget(QPointer<DatabaseManager> dbManager, QWidget *parent)
@@ -204,6 +260,21 @@ void HistoryWidget::AddCategoriesToComboBoxInCategoryTab(QList<QString> names)
         ui->comboBoxCategory->addItem(name);
 }
 
+void HistoryWidget::changeEvent(QEvent *event)
+{
+    // A new look restyles the application, and the graphs shown take its
+    // colours at once; the files written keep those of the look they were
+    // written in until the tab is shown again.
+    if (event->type() == QEvent::StyleChange) {
+        const QList<ZRLineGraph *> graphs = findChildren<ZRLineGraph *>();
+        for (ZRLineGraph *graph : graphs) {
+            colourGraph(graph);
+            graph->update();
+        }
+    }
+    QWidget::changeEvent(event);
+}
+
 void HistoryWidget::ShowCategoryWiseDetails()
 {
     const QString name = ui->comboBoxCategory->currentText();
@@ -214,7 +285,7 @@ void HistoryWidget::ShowCategoryWiseDetails()
     const QString key = tabKey(QStringLiteral("%1x%2/").arg(graphSize.width()).arg(graphSize.height()) + name);
     if (isShowing(&categoryTabShownFor, key, QFile::exists(graphFile)))
         return;
-    auto *graph = new ZRLineGraph;
+    auto *graph = newGraph();
 
     const QList<QDateTime> dates = dbManager->GetAllDistinctDatesOfEntriesOfCategory(name);
     // The combo only ever holds names of usedCategories; an empty store
@@ -257,9 +328,9 @@ void HistoryWidget::ShowDateWiseDetails()
     const QDateTime end = ui->dateEditDateWiseEndDate->dateTime();
     const int period = ui->comboBoxDateWiseTimePeriod->currentIndex();
     const QString graphFile = period == Daily ? QStringLiteral("QtDateWiseDailyLineGraph.png")
-        : period == Weekly                   ? QStringLiteral("QtDateWiseWeeklyLineGraph.png")
-        : period == Monthly                  ? QStringLiteral("QtDateWiseMonthlyLineGraph.png")
-                                             : QString();
+        : period == Weekly                    ? QStringLiteral("QtDateWiseWeeklyLineGraph.png")
+        : period == Monthly                   ? QStringLiteral("QtDateWiseMonthlyLineGraph.png")
+                                              : QString();
     const QSize graphSize = ui->scrollAreaDateWiseLineChart->size();
     // A range without entries is never kept: each run tells the user so.
     const QString key = tabKey(QStringLiteral("%1/%2/%3/%4x%5")
@@ -309,7 +380,7 @@ void HistoryWidget::ShowDateWiseDetails()
     }
 
     if (!graphFile.isEmpty()) {
-        auto *graph = new ZRLineGraph;
+        auto *graph = newGraph();
         for (const LabelledTotal &bucket : std::as_const(buckets))
             graph->append(ZRLineGraphData(bucket.label, Format::number(bucket.total)));
         graph->setSortY(true);
@@ -348,8 +419,7 @@ void HistoryWidget::ShowTotalDetails()
     // Anchored at the oldest entry, under the caption "Recent Entries": that
     // is the page's long-standing choice.
     const DateTimeRange window = HistoryBuckets::totalTabWindow(first, last);
-    fillEntryTable(ui->tableWidgetTotalTabEntries,
-                   owned(dbManager->GetAllEntriesBetweenDates(window.from, window.to)));
+    fillEntryTable(ui->tableWidgetTotalTabEntries, owned(dbManager->GetAllEntriesBetweenDates(window.from, window.to)));
     totalTabShownFor = key;
 }
 
@@ -453,7 +523,7 @@ void HistoryWidget::fillEntryTable(QTableWidget *table, OwnedList<Entry> entries
         { tr("No."), tr("Item Name"), tr("Category"), tr("Price"), tr("Date"), tr("Location Text") });
     if (fitColumns && fit == ColumnFit::AfterHeaders)
         table->resizeColumnsToContents();
-    table->horizontalHeader()->setSectionResizeMode(QHeaderView::Stretch);
+    keepHeadingsWhole(table);
 
     // Items, not a label per cell: label cells cost a widget each and do not
     // survive years of entries. Each setItem() would announce its own change

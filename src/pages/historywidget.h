@@ -44,6 +44,9 @@ private slots:
     void on_tabWidgetHistoryContainer_currentChanged(int index);
     void on_pushButtonFind_clicked();
 
+protected:
+    void changeEvent(QEvent *event) override;
+
 private:
     // When an entry table fits its columns to their contents: after the
     // header labels are set, or once before the rows are replaced, from what
@@ -63,8 +66,7 @@ private:
     static void fillPlacesTable(QTableWidget *table, const QList<PlaceSpending *> &places);
     // Fills an entry table from a list, in list order, and frees the
     // entries as their rows are made.
-    static void fillEntryTable(QTableWidget *table, OwnedList<Entry> entries,
-                               ColumnFit fit = ColumnFit::AfterHeaders);
+    static void fillEntryTable(QTableWidget *table, OwnedList<Entry> entries, ColumnFit fit = ColumnFit::AfterHeaders);
 
     // What a tab was last computed from: the store's contents and the tab's
     // own inputs. A tab whose key is unchanged would show again exactly what

@@ -10,6 +10,17 @@ const QList<Migration> &Migrations::all()
     // A new step goes at the end with the next number; a step that has been
     // released is never changed, since files out there carry its tables.
     static const QList<Migration> steps = {
+        { 1,
+          QStringLiteral("the record of imports"),
+          { // One row per import that wrote entries: when, from which file
+            // (its absolute path), how many.
+            QStringLiteral("CREATE TABLE ImportLog ( SNo integer PRIMARY KEY AUTOINCREMENT NOT NULL, ImportedAt "
+                           "datetime NOT NULL, FileName text NOT NULL, EntryCount integer NOT NULL )"),
+            // Every entry an import wrote, by the entry's SNo (never used
+            // twice: the Entry table counts up), with what names its record
+            // in its file, so that the same record is known again.
+            QStringLiteral("CREATE TABLE ImportedEntry ( EntrySNo integer PRIMARY KEY NOT NULL, ImportSNo integer "
+                           "NOT NULL, Fingerprint text NOT NULL )") } },
         // The texts that finding entries matches, folded (see EntrySearch),
         // one row per entry. The triggers keep a row for every entry and mark
         // it pending (no texts) whenever an entry is added or its texts
@@ -17,7 +28,7 @@ const QList<Migration> &Migrations::all()
         // another program. The store folds pending rows before it searches,
         // since folding needs Unicode tables that SQLite lacks. The entries
         // already there start out pending.
-        { 1,
+        { 2,
           QCoreApplication::translate("DatabaseManager", "the search texts of the entries"),
           { QStringLiteral("CREATE TABLE EntrySearch (SNo integer PRIMARY KEY NOT NULL, Item text, Category text, "
                            "Place text)"),

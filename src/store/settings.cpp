@@ -11,6 +11,7 @@ namespace {
 
 const char geometryKey[] = "MainWindow/geometry";
 const char maximizedKey[] = "MainWindow/maximized";
+const char lookKey[] = "View/look";
 
 } // namespace
 
@@ -78,4 +79,14 @@ void Settings::setFindFilter(const SearchFilter &filter)
         settings.setValue(QStringLiteral("Find/minimum"), QString::number(*filter.minimum, 'g', 17));
     if (filter.maximum)
         settings.setValue(QStringLiteral("Find/maximum"), QString::number(*filter.maximum, 'g', 17));
+}
+
+QString Settings::lookName() const
+{
+    return settings.value(QLatin1String(lookKey)).toString();
+}
+
+void Settings::setLookName(const QString &name)
+{
+    settings.setValue(QLatin1String(lookKey), name);
 }

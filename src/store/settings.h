@@ -41,6 +41,11 @@ public:
     SearchFilter findFilter() const;
     void setFindFilter(const SearchFilter &filter);
 
+    // The name of the look the user picked in the View menu, key View/look;
+    // empty when none was picked.
+    QString lookName() const;
+    void setLookName(const QString &name);
+
 private:
     QSettings settings;
 };
