@@ -7,6 +7,7 @@
 
 #include "describedfile.h"
 #include "rawdatabase.h"
+#include "sampleentries.h"
 #include "temphome.h"
 
 #include <QSqlRecord>
@@ -16,26 +17,6 @@
 #include <memory>
 
 namespace {
-
-QDateTime at(int year, int month, int day, int hour = 0, int minute = 0)
-{
-    return QDateTime(QDate(year, month, day), QTime(hour, minute));
-}
-
-Entry makeEntry(const QString &item, const QString &category, const QDateTime &when, float price,
-                const QString &place = QStringLiteral("Somewhere"))
-{
-    Entry entry;
-    entry.ItemName = item;
-    entry.CategoryName = category;
-    entry.TransactDateTime = when;
-    entry.Price = price;
-    entry.LocationText = place;
-    entry.EnableGeoLoc = false;
-    entry.GeoLocLongit = 103.0f;
-    entry.GeoLocLatit = 1.3f;
-    return entry;
-}
 
 QStringList itemsOf(const EntrySearch::Result &result)
 {
@@ -103,7 +84,7 @@ void tst_EntrySearch::cleanup()
 void tst_EntrySearch::add(const QString &item, const QString &category, const QDateTime &when, float price,
                           const QString &place)
 {
-    Entry entry = makeEntry(item, category, when, price, place);
+    Entry entry = makeEntry(when, item, category, price, place);
     QVERIFY(store->AddEntry(&entry));
 }
 
