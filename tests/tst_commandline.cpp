@@ -105,6 +105,10 @@ private slots:
     void budgetRefusalsExitWith1AndChangeNothing();
     void budgetUsageErrorsExitWith2_data();
     void budgetUsageErrorsExitWith2();
+    void findPrintsTheMatchesNewestFirstAndTheirCountAndTotal_data();
+    void findPrintsTheMatchesNewestFirstAndTheirCountAndTotal();
+    void findFindsAnAmountToTheCent();
+    void findAsCsvWritesWhatExportWritesAndTheSummaryOnStandardError();
 
 private:
     // The home's database with two entries and a category of its own.
@@ -246,6 +250,27 @@ void TestCommandLine::usageErrorsExitWith2AndTouchNothing_data()
                                             << QStringLiteral("--date-order goes with import only.");
     QTest::newRow("force with import") << QStringList { "import", "in.csv", "--force" }
                                        << QStringLiteral("--force goes with backup only.");
+    QTest::newRow("find with two texts") << QStringList { "find", "tea", "coffee" }
+                                         << QStringLiteral("find takes at most one TEXT.");
+    QTest::newRow("find with force") << QStringList { "find", "tea", "--force" }
+                                     << QStringLiteral("--force goes with backup only.");
+    QTest::newRow("csv with export") << QStringList { "export", "out.csv", "--csv" }
+                                     << QStringLiteral("--csv goes with find only.");
+    QTest::newRow("a day without its zeros") << QStringList { "find", "--from", "2026-3-1" }
+                                             << QStringLiteral("--from takes a day as yyyy-MM-dd, not \"2026-3-1\".");
+    QTest::newRow("a day that is no day") << QStringList { "find", "--to", "2026-02-30" }
+                                          << QStringLiteral("--to takes a day as yyyy-MM-dd, not \"2026-02-30\".");
+    QTest::newRow("a day the other way round")
+        << QStringList { "find", "--from", "01.03.2026" }
+        << QStringLiteral("--from takes a day as yyyy-MM-dd, not \"01.03.2026\".");
+    QTest::newRow("an amount that is no number")
+        << QStringList { "find", "--min", "ten" } << QStringLiteral("--min takes an amount such as 49.90, not \"ten\".");
+    QTest::newRow("an amount with a comma")
+        << QStringList { "find", "--max", "49,90" } << QStringLiteral("--max takes an amount such as 49.90, not \"49,90\".");
+    QTest::newRow("min above max") << QStringList { "find", "--min", "20", "--max", "19.99" }
+                                   << QStringLiteral("--min is above --max.");
+    QTest::newRow("from after to") << QStringList { "find", "--from", "2026-03-02", "--to", "2026-03-01" }
+                                   << QStringLiteral("--from is after --to.");
 }
 
 void TestCommandLine::usageErrorsExitWith2AndTouchNothing()
@@ -839,6 +864,79 @@ void TestCommandLine::budgetUsageErrorsExitWith2()
     QCOMPARE(run.err, message + QLatin1Char('\n') + tryHelp);
     QCOMPARE(run.exitCode, 2);
     QCOMPARE(QDir(home->path()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden), QStringList());
+}
+
+void TestCommandLine::findPrintsTheMatchesNewestFirstAndTheirCountAndTotal_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<QString>("out");
+    const QString bread = QStringLiteral("2026-03-02\tBread\tFood\t0.10\tBakery\n");
+    const QString kibble = QStringLiteral("2026-03-01\tKibble, large\tPets\t12.75\tPet Shop\n");
+    // 12.75 and the float nearest 0.1, added: 12.850000001490116.
+    QTest::newRow("everything") << QStringList { "find" } << bread + kibble + QStringLiteral("2 entries, total 12.85\n");
+    QTest::newRow("a text in any case") << QStringList { "find", "KIBBLE" }
+                                        << kibble + QStringLiteral("1 entry, total 12.75\n");
+    QTest::newRow("a text of the place") << QStringList { "find", "baker" }
+                                         << bread + QStringLiteral("1 entry, total 0.10\n");
+    QTest::newRow("a category") << QStringList { "find", "--category", "Pets" }
+                                << kibble + QStringLiteral("1 entry, total 12.75\n");
+    QTest::newRow("a place") << QStringList { "find", "--place", "SHOP" }
+                             << kibble + QStringLiteral("1 entry, total 12.75\n");
+    QTest::newRow("one day") << QStringList { "find", "--from", "2026-03-02", "--to", "2026-03-02" }
+                             << bread + QStringLiteral("1 entry, total 0.10\n");
+    QTest::newRow("amounts") << QStringList { "find", "--min", "1", "--max", "12.75" }
+                             << kibble + QStringLiteral("1 entry, total 12.75\n");
+    QTest::newRow("nothing") << QStringList { "find", "caviar" } << QStringLiteral("0 entries, total 0.00\n");
+    QTest::newRow("a category that does not exist") << QStringList { "find", "--category", "Caviar" }
+                                                    << QStringLiteral("0 entries, total 0.00\n");
+}
+
+void TestCommandLine::findPrintsTheMatchesNewestFirstAndTheirCountAndTotal()
+{
+    QFETCH(QStringList, arguments);
+    QFETCH(QString, out);
+    setUpDatabase();
+    const Run run = runLedgerly(arguments, home->path());
+    QCOMPARE(run.err, QString());
+    QCOMPARE(run.exitCode, 0);
+    QCOMPARE(run.out, out);
+}
+
+void TestCommandLine::findFindsAnAmountToTheCent()
+{
+    {
+        DatabaseManager store(nullptr);
+        for (const float price : { 49.89f, 49.90f, 49.91f }) {
+            Entry entry;
+            entry.TransactDateTime = QDateTime(QDate(2026, 3, 15), QTime(12, 0));
+            entry.ItemName = QStringLiteral("Shoes");
+            entry.CategoryName = QStringLiteral("Clothing");
+            entry.Price = price;
+            entry.LocationText = QStringLiteral("Mall");
+            QVERIFY(store.AddEntry(&entry));
+        }
+    }
+    const Run run = runLedgerly({ "find", "--min", "49.90", "--max", "49.90" }, home->path());
+    QCOMPARE(run.exitCode, 0);
+    QCOMPARE(run.out, QStringLiteral("2026-03-15\tShoes\tClothing\t49.90\tMall\n1 entry, total 49.90\n"));
+}
+
+void TestCommandLine::findAsCsvWritesWhatExportWritesAndTheSummaryOnStandardError()
+{
+    setUpDatabase();
+    const QString file = home->filePath(QStringLiteral("all.csv"));
+    QCOMPARE(runLedgerly({ QStringLiteral("export"), file }, home->path()).exitCode, 0);
+
+    const Run everything = runLedgerly({ "find", "--csv" }, home->path());
+    QCOMPARE(everything.exitCode, 0);
+    QCOMPARE(everything.out.toUtf8(), readFile(file));
+    QCOMPARE(everything.err, QStringLiteral("2 entries, total 12.85\n"));
+
+    const Run one = runLedgerly({ "find", "kibble", "--csv" }, home->path());
+    QCOMPARE(one.exitCode, 0);
+    QCOMPARE(one.out.toUtf8(),
+             csvHeader + "2026-03-01T09:30:00,\"Kibble, large\",Pets,12.75,Pet Shop,true,-3.5,40.25\r\n");
+    QCOMPARE(one.err, QStringLiteral("1 entry, total 12.75\n"));
 }
 
 QTEST_GUILESS_MAIN(TestCommandLine)

@@ -912,7 +912,7 @@ void TestMainWindow::menuBarHasFileGoViewAndHelpWithTheirCommandsInOrder()
     QCOMPARE(names(bar->actions().at(0)->menu()),
              QStringList({ "actionImport", "actionExport", "actionBackUp", "-", "actionQuit" }));
     QCOMPARE(names(bar->actions().at(1)->menu()),
-             QStringList({ "actionHome", "actionNewEntry", "actionHistory", "actionOptions" }));
+             QStringList({ "actionHome", "actionNewEntry", "actionHistory", "actionOptions", "actionFind" }));
     QCOMPARE(names(bar->actions().at(2)->menu()), QStringList({ "menuLook" }));
     const QMenu *looks = bar->actions().at(2)->menu()->actions().at(0)->menu();
     QCOMPARE(looks->title(), QStringLiteral("Look"));
@@ -942,6 +942,8 @@ void TestMainWindow::everyMenuCommandHasItsNameTextShortcutAndState_data()
                              << QKeySequence(Qt::CTRL | Qt::Key_H) << true;
     QTest::newRow("options") << QByteArray("actionOptions") << QStringLiteral("Options")
                              << QKeySequence(Qt::CTRL | Qt::Key_Comma) << true;
+    QTest::newRow("find") << QByteArray("actionFind") << QStringLiteral("Find…") << QKeySequence(Qt::CTRL | Qt::Key_F)
+                          << true;
     QTest::newRow("about") << QByteArray("actionAbout") << QStringLiteral("About Ledgerly") << QKeySequence() << true;
     QTest::newRow("about qt") << QByteArray("actionAboutQt") << QStringLiteral("About Qt") << QKeySequence() << true;
 }

@@ -12,6 +12,8 @@
 #include "databasemanager.h"
 #include "entryexport.h"
 #include "entryimport.h"
+#include "filechooser.h"
+#include "findwidget.h"
 #include "format.h"
 #include "historywidget.h"
 #include "look.h"
@@ -196,6 +198,7 @@ void MainWindow::connectMenuBar()
     connect(ui->actionHistory, &QAction::triggered, this, &MainWindow::on_pushButtonHistory_clicked);
     connect(ui->actionOptions, &QAction::triggered, this, &MainWindow::on_pushButtonOptions_clicked);
     connect(ui->actionAbout, &QAction::triggered, this, &MainWindow::on_pushButtonExit_clicked);
+    connect(ui->actionFind, &QAction::triggered, this, &MainWindow::showFindPage);
     // Without a parent, as every box of the program: inside the window it
     // would take the black pages' style sheet.
     connect(ui->actionAboutQt, &QAction::triggered, this, [] { QMessageBox::aboutQt(nullptr); });
@@ -298,36 +301,9 @@ void MainWindow::reportAutomaticBackupFailure()
                      .arg(Backup::automaticDirectory(), automaticBackupFailure));
 }
 
-QString MainWindow::chooseFile(QFileDialog::AcceptMode mode, const QString &title, const QStringList &nameFilters,
-                               const QString &suggested)
-{
-    QFileDialog dialog(nullptr, title);
-    dialog.setWindowModality(Qt::ApplicationModal);
-    dialog.setAcceptMode(mode);
-    dialog.setFileMode(mode == QFileDialog::AcceptOpen ? QFileDialog::ExistingFile : QFileDialog::AnyFile);
-    dialog.setNameFilters(nameFilters);
-    dialog.setDirectory(QFileInfo(suggested).absolutePath());
-    if (mode == QFileDialog::AcceptSave) {
-        // A name typed without its suffix gets that of the chosen filter
-        // ("*.csv" gives csv); the dialog asks before replacing a file.
-        const auto suffixOf = [](const QString &filter) {
-            const qsizetype star = filter.indexOf(QLatin1String("*."));
-            return star < 0 ? QString()
-                            : filter.mid(star + 2).section(QLatin1Char(')'), 0, 0).section(QLatin1Char(' '), 0, 0);
-        };
-        dialog.setDefaultSuffix(suffixOf(nameFilters.value(0)));
-        connect(&dialog, &QFileDialog::filterSelected, &dialog,
-                [&dialog, suffixOf](const QString &filter) { dialog.setDefaultSuffix(suffixOf(filter)); });
-        dialog.selectFile(QFileInfo(suggested).fileName());
-    }
-    if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty())
-        return QString();
-    return dialog.selectedFiles().constFirst();
-}
-
 void MainWindow::importEntries()
 {
-    const QString fileName = chooseFile(QFileDialog::AcceptOpen, tr("Import Entries"),
+    const QString fileName = FileChooser::choose(QFileDialog::AcceptOpen, tr("Import Entries"),
                                         { tr("CSV, QIF and OFX files (*.csv *.qif *.ofx *.qfx *.qbo *.CSV *.QIF *.OFX *.QFX *.QBO)"),
                                           tr("All files (*)") },
                                         QDir::homePath() + QLatin1Char('/'));
@@ -381,7 +357,7 @@ void MainWindow::rebuildDataPageAfterImport()
         return;
     QWidget *page = ui->scrollArea_2->widget();
     if (qobject_cast<HistoryWidget *>(page)) {
-        showDataPage(new HistoryWidget(QPointer<DatabaseManager>(dbManager), this));
+        showHistoryPage();
     } else if (auto *options = qobject_cast<OptionsWidget *>(page)) {
         if (!options->hasUnsavedEntryChanges())
             showDataPage(new OptionsWidget(QPointer<DatabaseManager>(dbManager), this));
@@ -391,7 +367,7 @@ void MainWindow::rebuildDataPageAfterImport()
 void MainWindow::exportEntries()
 {
     const QString fileName =
-        chooseFile(QFileDialog::AcceptSave, tr("Export Entries"), { tr("CSV files (*.csv)"), tr("QIF files (*.qif)") },
+        FileChooser::choose(QFileDialog::AcceptSave, tr("Export Entries"), { tr("CSV files (*.csv)"), tr("QIF files (*.qif)") },
                    QDir::home().filePath(QStringLiteral("ledgerly-entries.csv")));
     if (fileName.isEmpty())
         return;
@@ -413,7 +389,7 @@ void MainWindow::exportEntries()
 
 void MainWindow::backUpDatabase()
 {
-    const QString fileName = chooseFile(
+    const QString fileName = FileChooser::choose(
         QFileDialog::AcceptSave, tr("Back Up Database"), { tr("Ledgerly databases (*.db)") },
         QDir::home().filePath(QStringLiteral("ledgerly-backup-%1.db").arg(QDate::currentDate().toString(Qt::ISODate))));
     if (fileName.isEmpty())
@@ -429,6 +405,18 @@ void MainWindow::backUpDatabase()
         return;
     }
     Notice::inform(tr("The database was backed up to %1.").arg(fileName));
+}
+
+void MainWindow::showHistoryPage()
+{
+    auto *page = new HistoryWidget(QPointer<DatabaseManager>(dbManager), this);
+    connect(page, &HistoryWidget::findRequested, this, &MainWindow::showFindPage);
+    showDataPage(page);
+}
+
+void MainWindow::showFindPage()
+{
+    showDataPage(new FindWidget(QPointer<DatabaseManager>(dbManager), this));
 }
 
 void MainWindow::on_pushButtonNewEntry_clicked()
@@ -475,7 +463,7 @@ void MainWindow::on_pushButtonHistory_clicked()
     // The flag is sticky: once entries were seen, History opens even if they
     // have since been deleted.
     if (IsEntryPresentInDatabase) {
-        showDataPage(new HistoryWidget(QPointer<DatabaseManager>(dbManager), this));
+        showHistoryPage();
         return;
     }
 

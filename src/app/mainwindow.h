@@ -4,8 +4,6 @@
 #pragma once
 
 #include "budgets.h"
-
-#include <QFileDialog>
 #include <QList>
 #include <QMainWindow>
 #include <QRect>
@@ -55,6 +53,10 @@ private:
     void restoreWindowGeometry();
     void saveWindowGeometry() const;
     void showDataPage(QWidget *page);
+    // A fresh history page, whose Find button opens the Find page.
+    void showHistoryPage();
+    // A fresh Find page, with the filter it had last.
+    void showFindPage();
     void reportUnusableDatabase();
     void reportUnwritableDatabase();
     void reportAutomaticBackupFailure();
@@ -66,9 +68,6 @@ private:
     // Shows a budget's warning in the status bar until the next page opens.
     void showBudgetWarning(const QString &message, BudgetLevel level);
     void clearBudgetWarning();
-    // Asks for a file in a dialog of its own; empty when the user cancels.
-    QString chooseFile(QFileDialog::AcceptMode mode, const QString &title, const QStringList &nameFilters,
-                       const QString &suggested);
 
     Ui::MainWindow *ui;
     DatabaseManager *dbManager;

@@ -9,6 +9,7 @@
 #include "databasemanager.h"
 #include "entryexport.h"
 #include "entryimport.h"
+#include "entrysearch.h"
 #include "importlog.h"
 #include "ofxformat.h"
 #include "qifformat.h"
@@ -17,10 +18,13 @@
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
+#include <QFile>
 #include <QFileInfo>
 #include <QRegularExpression>
 #include <QTextStream>
 
+#include <cmath>
+#include <cstdio>
 #include <functional>
 #include <optional>
 
@@ -267,6 +271,117 @@ int budget(const QStringList &arguments, QTextStream &out, QTextStream &err,
     return CommandLine::Success;
 }
 
+int findEntries(DatabaseManager &store, const SearchFilter &filter, bool csv, QTextStream &out, QTextStream &err)
+{
+    EntrySearch search(store);
+    const EntrySearch::Result result = search.find(filter);
+    if (csv) {
+        // The bytes of an export, as they are: no text stream in between.
+        out.flush();
+        QFile standardOutput;
+        if (!standardOutput.open(stdout, QIODevice::WriteOnly | QIODevice::Unbuffered) ||
+            standardOutput.write(CsvFormat::write(result.entries.list())) < 0) {
+            err << tr("The entries could not be written: %1").arg(standardOutput.errorString()) << '\n';
+            return CommandLine::Refused;
+        }
+        err << EntrySearch::summary(result) << '\n';
+        return CommandLine::Success;
+    }
+    for (const Entry *entry : result.entries.list())
+        out << entry->TransactDateTime.date().toString(QStringLiteral("yyyy-MM-dd")) << '\t' << entry->ItemName
+            << '\t' << entry->CategoryName << '\t' << QString::number(double(entry->Price), 'f', 2) << '\t'
+            << entry->LocationText << '\n';
+    out << EntrySearch::summary(result) << '\n';
+    return CommandLine::Success;
+}
+
+// A day as yyyy-MM-dd, exactly.
+bool readDay(const QString &text, QDate *day)
+{
+    *day = QDate::fromString(text, QStringLiteral("yyyy-MM-dd"));
+    return day->isValid() && text.size() == 10;
+}
+
+bool readAmount(const QString &text, double *amount)
+{
+    bool ok = false;
+    *amount = text.toDouble(&ok);
+    return ok && std::isfinite(*amount);
+}
+
+// The options of find, with their help texts.
+struct SearchOptions
+{
+    QCommandLineOption category { QStringLiteral("category"), tr("find: entries of this category only."),
+                                  QStringLiteral("name") };
+    QCommandLineOption place { QStringLiteral("place"), tr("find: entries whose place holds this text."),
+                               QStringLiteral("text") };
+    QCommandLineOption from { QStringLiteral("from"), tr("find: entries of this day or later."),
+                              QStringLiteral("yyyy-MM-dd") };
+    QCommandLineOption to { QStringLiteral("to"), tr("find: entries of this day or earlier."),
+                            QStringLiteral("yyyy-MM-dd") };
+    QCommandLineOption minimum { QStringLiteral("min"), tr("find: entries of this amount or more."),
+                                 QStringLiteral("amount") };
+    QCommandLineOption maximum { QStringLiteral("max"), tr("find: entries of this amount or less."),
+                                 QStringLiteral("amount") };
+    QCommandLineOption csv { QStringLiteral("csv"),
+                             tr("find: the entries as CSV on standard output, the summary on standard error.") };
+};
+
+// Fills the parts of `filter` that the options give; else says what is
+// wrong with them.
+QString readSearchOptions(const QCommandLineParser &parser, const SearchOptions &options, SearchFilter *filter)
+{
+    if (parser.isSet(options.category))
+        filter->category = parser.value(options.category);
+    filter->place = parser.value(options.place);
+    for (const auto &[option, day] : { std::pair(&options.from, &filter->from), std::pair(&options.to, &filter->to) }) {
+        if (parser.isSet(*option) && !readDay(parser.value(*option), day))
+            return tr("--%1 takes a day as yyyy-MM-dd, not \"%2\".")
+                .arg(option->names().constFirst(), parser.value(*option));
+    }
+    for (const auto &[option, amount] :
+         { std::pair(&options.minimum, &filter->minimum), std::pair(&options.maximum, &filter->maximum) }) {
+        double value = 0;
+        if (!parser.isSet(*option))
+            continue;
+        if (!readAmount(parser.value(*option), &value))
+            return tr("--%1 takes an amount such as 49.90, not \"%2\".")
+                .arg(option->names().constFirst(), parser.value(*option));
+        *amount = value;
+    }
+    if (filter->from.isValid() && filter->to.isValid() && filter->from > filter->to)
+        return tr("--from is after --to.");
+    if (filter->minimum && filter->maximum && EntrySearch::cents(*filter->minimum) > EntrySearch::cents(*filter->maximum))
+        return tr("--min is above --max.");
+    return QString();
+}
+
+// Runs find: TEXT at most, the options of find and none of another
+// command's.
+int find(const QCommandLineParser &parser, const QStringList &positional, const SearchOptions &options,
+         const QList<QPair<QCommandLineOption, QString>> &othersOptions,
+         const std::function<int(const QString &)> &usageError, QTextStream &out, QTextStream &err)
+{
+    if (positional.size() > 2)
+        return usageError(tr("find takes at most one TEXT."));
+    for (const auto &[option, command] : othersOptions) {
+        if (parser.isSet(option))
+            return usageError(tr("--%1 goes with %2 only.").arg(option.names().constFirst(), command));
+    }
+    SearchFilter filter;
+    filter.text = positional.value(1);
+    const QString problem = readSearchOptions(parser, options, &filter);
+    if (!problem.isEmpty())
+        return usageError(problem);
+    DatabaseManager store(nullptr);
+    if (!store.isUsable()) {
+        err << tr("The database %1 cannot be opened: %2").arg(store.databaseFileName(), store.openError()) << '\n';
+        return CommandLine::Refused;
+    }
+    return findEntries(store, filter, parser.isSet(options.csv), out, err);
+}
+
 } // namespace
 
 bool CommandLine::wanted(int argc)
@@ -285,6 +400,9 @@ int CommandLine::run(const QStringList &arguments)
            "  import FILE   Adds the entries of a CSV, QIF or OFX (.ofx, .qfx, .qbo) file; a file with any\n"
            "                problem adds none.\n"
            "  backup FILE   Writes a copy of the database into FILE.\n"
+           "  find [TEXT]   Lists the entries whose item, category or place holds TEXT (in any case, with or\n"
+           "                without accents) and that the options below allow, newest first, then how many\n"
+           "                and their total.\n"
            "  imports       Lists the imports that added entries, newest first.\n"
            "  imports undo ID\n"
            "                Removes the entries that import ID added.\n"
@@ -300,7 +418,7 @@ int CommandLine::run(const QStringList &arguments)
            "\n"
            "Exit status: 0 when done, 1 when the data or a file is refused, 2 for a usage error.")
             .arg(DatabaseManager::defaultFileName()));
-    parser.addPositionalArgument(QStringLiteral("command"), tr("export, import, backup, imports or budget"),
+    parser.addPositionalArgument(QStringLiteral("command"), tr("export, import, backup, find, imports or budget"),
                                  QStringLiteral("[command FILE]"));
     const QCommandLineOption help = parser.addHelpOption();
     const QCommandLineOption version = parser.addVersionOption();
@@ -322,6 +440,12 @@ int CommandLine::run(const QStringList &arguments)
     parser.addOption(dateOrder);
     parser.addOption(encoding);
     parser.addOption(allowDuplicates);
+    const SearchOptions searchOptions;
+    const QList<QCommandLineOption> findOptions = { searchOptions.category, searchOptions.place, searchOptions.from,
+                                                    searchOptions.to,       searchOptions.minimum, searchOptions.maximum,
+                                                    searchOptions.csv };
+    for (const QCommandLineOption &option : findOptions)
+        parser.addOption(option);
     parser.addOption(force);
 
     // parse() rather than process(): process() ends the program itself, with
@@ -353,9 +477,20 @@ int CommandLine::run(const QStringList &arguments)
         return usageError(tr("Nothing to do."));
     const QString command = positional.first();
     const QStringList commands = { QStringLiteral("export"), QStringLiteral("import"), QStringLiteral("backup"),
-                                   QStringLiteral("imports") };
+                                   QStringLiteral("imports"), QStringLiteral("find") };
     if (!commands.contains(command))
         return usageError(tr("Unknown command \"%1\".").arg(command));
+    if (command == QLatin1String("find")) {
+        const QString import = QStringLiteral("import");
+        return find(parser, positional, searchOptions,
+                    { { dateOrder, import }, { encoding, import }, { allowDuplicates, import },
+                      { force, QStringLiteral("backup") } },
+                    usageError, out, err);
+    }
+    for (const QCommandLineOption &option : findOptions) {
+        if (parser.isSet(option))
+            return usageError(tr("--%1 goes with find only.").arg(option.names().constFirst()));
+    }
     const bool imports = command == QLatin1String("imports");
     int undoId = 0;
     if (imports) {

@@ -755,3 +755,8 @@ void HistoryWidget::showBudgetEntries(int row)
         ++at;
     }
 }
+
+void HistoryWidget::on_pushButtonFind_clicked()
+{
+    emit findRequested();
+}

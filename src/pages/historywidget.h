@@ -32,6 +32,10 @@ public:
     HistoryWidget(QPointer<DatabaseManager> dbManager, QWidget *parent);
     ~HistoryWidget() override;
 
+signals:
+    // The user asked for the Find page (the Find button of the Entries tab).
+    void findRequested();
+
 private slots:
     void on_tableWidgetAllEntries_cellClicked(int row, int column);
     void on_dateEditDateWiseStartDate_dateChanged(const QDate &date);
@@ -40,6 +44,7 @@ private slots:
     void on_tableWidgetCategoryRecentEntries_cellClicked(int row, int column);
     void on_comboBoxCategory_currentIndexChanged(int index);
     void on_tabWidgetHistoryContainer_currentChanged(int index);
+    void on_pushButtonFind_clicked();
 
 protected:
     void changeEvent(QEvent *event) override;

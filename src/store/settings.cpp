@@ -7,6 +7,8 @@
 
 #include <QString>
 
+#include <utility>
+
 namespace {
 
 const char geometryKey[] = "MainWindow/geometry";
@@ -42,6 +44,44 @@ void Settings::setMainWindowGeometry(const QRect &geometry, bool maximized)
 {
     settings.setValue(QLatin1String(geometryKey), geometry);
     settings.setValue(QLatin1String(maximizedKey), maximized);
+}
+
+SearchFilter Settings::findFilter() const
+{
+    SearchFilter filter;
+    filter.text = settings.value(QStringLiteral("Find/text")).toString();
+    if (settings.contains(QStringLiteral("Find/category")))
+        filter.category = settings.value(QStringLiteral("Find/category")).toString();
+    filter.place = settings.value(QStringLiteral("Find/place")).toString();
+    filter.from = QDate::fromString(settings.value(QStringLiteral("Find/from")).toString(), Qt::ISODate);
+    filter.to = QDate::fromString(settings.value(QStringLiteral("Find/to")).toString(), Qt::ISODate);
+    for (const auto &[key, amount] : { std::pair(QStringLiteral("Find/minimum"), &filter.minimum),
+                                       std::pair(QStringLiteral("Find/maximum"), &filter.maximum) }) {
+        bool ok = false;
+        const double value = settings.value(key).toString().toDouble(&ok);
+        if (ok)
+            *amount = value;
+    }
+    return filter;
+}
+
+void Settings::setFindFilter(const SearchFilter &filter)
+{
+    settings.remove(QStringLiteral("Find"));
+    const auto keep = [this](const QString &key, const QString &value) {
+        if (!value.isEmpty())
+            settings.setValue(key, value);
+    };
+    keep(QStringLiteral("Find/text"), filter.text);
+    if (filter.category)
+        settings.setValue(QStringLiteral("Find/category"), *filter.category);
+    keep(QStringLiteral("Find/place"), filter.place);
+    keep(QStringLiteral("Find/from"), filter.from.toString(Qt::ISODate));
+    keep(QStringLiteral("Find/to"), filter.to.toString(Qt::ISODate));
+    if (filter.minimum)
+        settings.setValue(QStringLiteral("Find/minimum"), QString::number(*filter.minimum, 'g', 17));
+    if (filter.maximum)
+        settings.setValue(QStringLiteral("Find/maximum"), QString::number(*filter.maximum, 'g', 17));
 }
 
 QString Settings::lookName() const

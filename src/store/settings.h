@@ -3,6 +3,8 @@
 
 #pragma once
 
+#include "entrysearch.h"
+
 #include <QRect>
 #include <QSettings>
 #include <QUrl>
@@ -31,6 +33,13 @@ public:
     QRect mainWindowGeometry() const;
     bool isMainWindowMaximized() const;
     void setMainWindowGeometry(const QRect &geometry, bool maximized);
+
+    // The last filter of the Find page, keys Find/text, Find/category,
+    // Find/place, Find/from, Find/to (yyyy-MM-dd), Find/minimum and
+    // Find/maximum; a part left out is not kept. An empty filter when none
+    // was kept.
+    SearchFilter findFilter() const;
+    void setFindFilter(const SearchFilter &filter);
 
     // The name of the look the user picked in the View menu, key View/look;
     // empty when none was picked.
