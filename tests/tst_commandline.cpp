@@ -228,6 +228,10 @@ void TestCommandLine::usageErrorsExitWith2AndTouchNothing_data()
     QTest::newRow("unknown option") << QStringList { "--frobnicate" } << QStringLiteral("Unknown option 'frobnicate'.");
     QTest::newRow("unknown command") << QStringList { "frobnicate", "now" }
                                      << QStringLiteral("Unknown command \"frobnicate\".");
+    QTest::newRow("a budget period on another command")
+        << QStringList { "export", "x.csv", "--period", "week" } << QStringLiteral("--period goes with budget only.");
+    QTest::newRow("a budget day on find")
+        << QStringList { "find", "tea", "--date", "2026-11-01" } << QStringLiteral("--date goes with budget only.");
     QTest::newRow("an option alone") << QStringList { "--force" } << QStringLiteral("Nothing to do.");
     QTest::newRow("export without a file") << QStringList { "export" } << QStringLiteral("export takes one FILE.");
     QTest::newRow("import with two files")

@@ -683,6 +683,9 @@ void TestInstall::bashCompletesCommandsOptionsValuesAndFiles_data()
     QTest::newRow("the commands that share their first letters")
         << "ledgerly imp" << QStringList { QStringLiteral("import"), QStringLiteral("imports") };
     QTest::newRow("every command") << "ledgerly " << help.commands;
+    QTest::newRow("a budget's periods")
+        << "ledgerly budget set Food 10 --period "
+        << QStringList { QStringLiteral("month"), QStringLiteral("week"), QStringLiteral("year") };
     QTest::newRow("the date orders the help lists") << "ledgerly import x --date-order " << dateOrders;
     QTest::newRow("a date order after an equals sign")
         << "ledgerly import x --date-order=d" << dateOrders.filter(QRegularExpression(QStringLiteral("^d")));

@@ -447,6 +447,17 @@ int CommandLine::run(const QStringList &arguments)
     for (const QCommandLineOption &option : findOptions)
         parser.addOption(option);
     parser.addOption(force);
+    // The budget command reads its own words (a negative amount is a word
+    // there, not an option); these two stand here so that the help, the
+    // manual page made from it and the shell's completion name them.
+    const QCommandLineOption budgetPeriod(QStringLiteral("period"),
+                                          tr("budget: the budget's period with set (month without it)."),
+                                          QStringLiteral("month|week|year"));
+    const QCommandLineOption budgetDate(QStringLiteral("date"),
+                                        tr("budget: list the periods that hold this day (today without it)."),
+                                        QStringLiteral("yyyy-MM-dd"));
+    parser.addOption(budgetPeriod);
+    parser.addOption(budgetDate);
 
     // parse() rather than process(): process() ends the program itself, with
     // its own exit status, where a usage error here exits with UsageError.
@@ -484,7 +495,8 @@ int CommandLine::run(const QStringList &arguments)
         const QString import = QStringLiteral("import");
         return find(parser, positional, searchOptions,
                     { { dateOrder, import }, { encoding, import }, { allowDuplicates, import },
-                      { force, QStringLiteral("backup") } },
+                      { force, QStringLiteral("backup") }, { budgetPeriod, QStringLiteral("budget") },
+                      { budgetDate, QStringLiteral("budget") } },
                     usageError, out, err);
     }
     for (const QCommandLineOption &option : findOptions) {
@@ -510,6 +522,10 @@ int CommandLine::run(const QStringList &arguments)
         return usageError(tr("--allow-duplicates goes with import only."));
     if (parser.isSet(force) && command != QLatin1String("backup"))
         return usageError(tr("--force goes with backup only."));
+    for (const QCommandLineOption &option : { budgetPeriod, budgetDate }) {
+        if (parser.isSet(option))
+            return usageError(tr("--%1 goes with budget only.").arg(option.names().constFirst()));
+    }
     std::optional<QifFormat::DateOrder> order;
     if (parser.isSet(dateOrder)) {
         const QString value = parser.value(dateOrder);
