@@ -98,6 +98,7 @@ private slots:
     void anUnusableDatabaseIsReportedWithExitStatus1();
 
     void budgetSetListRemoveAndMonthStartSayWhatTheyDid();
+    void anImportTellsEachBudgetItTakesPastAThresholdOnce();
     void budgetListsEachBudgetInItsPeriodSortedByCategory();
     void budgetWithoutBudgetsPrintsNothing();
     void budgetMoneyHasNoThousandsSeparators();
@@ -696,6 +697,39 @@ void TestCommandLine::anUnusableDatabaseIsReportedWithExitStatus1()
         QCOMPARE(readFile(home->databasePath()), noise);
         QVERIFY(!QFile::exists(file));
     }
+}
+
+void TestCommandLine::anImportTellsEachBudgetItTakesPastAThresholdOnce()
+{
+    setUpDatabase();
+    QCOMPARE(runLedgerly({ "budget", "set", "Groceries", "100" }, home->path()).exitCode, 0);
+    QCOMPARE(runLedgerly({ "budget", "set", "Phone", "50", "--period", "week" }, home->path()).exitCode, 0);
+    // Entries of today, so in the periods that hold today.
+    const QByteArray today = QDate::currentDate().toString(Qt::ISODate).toLatin1();
+    const auto record = [&today](const char *amount, const char *payee, const char *category) {
+        return "D" + today + "\nT" + amount + "\nP" + payee + "\nL" + category + "\n^\n";
+    };
+
+    // 30 + 50 of 100 is 80 %: amber, told once; the phone's 10 of 50 is not.
+    const QString first = home->filePath(QStringLiteral("first.qif"));
+    QVERIFY(writeFile(first, "!Type:Bank\n" + record("-30.00", "Market", "Groceries") +
+                                 record("-50.00", "Bakery", "Groceries") + record("-10.00", "Carrier", "Phone")));
+    Run run = runLedgerly({ QStringLiteral("import"), first }, home->path());
+    QCOMPARE(run.exitCode, 0);
+    QCOMPARE(run.out, QStringLiteral("Imported 3 entries from %1; skipped 0\n"
+                                     "Budget: Groceries: 80.00 of 100.00 this month (80 %)\n")
+                          .arg(first));
+
+    // Groceries stay amber (85 %): nothing more; the phone goes from 20 %
+    // to 110 % of its week: red, told.
+    const QString second = home->filePath(QStringLiteral("second.qif"));
+    QVERIFY(writeFile(second, "!Type:Bank\n" + record("-5.00", "Market", "Groceries") +
+                                  record("-45.00", "Shop", "Phone")));
+    run = runLedgerly({ QStringLiteral("import"), second }, home->path());
+    QCOMPARE(run.exitCode, 0);
+    QCOMPARE(run.out, QStringLiteral("Imported 2 entries from %1; skipped 0\n"
+                                     "Budget: Phone: 55.00 of 50.00 this week (110 %)\n")
+                          .arg(second));
 }
 
 void TestCommandLine::budgetSetListRemoveAndMonthStartSayWhatTheyDid()

@@ -58,12 +58,20 @@ int importEntries(DatabaseManager &store, const QString &fileName, std::optional
         return CommandLine::Refused;
     }
     EntryImport::recognise(store, contents, allowDuplicates);
+    // The budgets' periods holding today, before and after: each category
+    // the import takes past 80 % or past its budget is told once.
+    Budgets budgets(store);
+    const QDate today = QDate::currentDate();
+    const int monthStart = Settings().budgetMonthStart();
+    const QList<BudgetStanding> before = budgets.standings(today, monthStart);
     const EntryImport::Outcome outcome = EntryImport::write(store, contents.entries, {}, fileName);
     if (!outcome.written) {
         err << tr("Nothing was imported from %1: %2").arg(fileName, outcome.failure) << '\n';
         return CommandLine::Refused;
     }
     out << EntryImport::summary(fileName, contents, outcome.added) << '\n';
+    for (const QString &crossed : Budgets::crossed(before, budgets.standings(today, monthStart)))
+        out << tr("Budget: %1").arg(crossed) << '\n';
     return CommandLine::Success;
 }
 

@@ -305,22 +305,7 @@ void AddEntryWidget::checkBudget(const Entry &entry)
         Budgets::crossing(spentBefore, standing->spent, standing->budget.amount);
     if (!reached)
         return;
-    QString text;
-    switch (standing->budget.period) {
-    case BudgetPeriod::Week:
-        text = tr("%1: %2 of %3 this week (%4 %)");
-        break;
-    case BudgetPeriod::Year:
-        text = tr("%1: %2 of %3 this year (%4 %)");
-        break;
-    case BudgetPeriod::Month:
-        text = tr("%1: %2 of %3 this month (%4 %)");
-        break;
-    }
-    emit budgetThresholdCrossed(text.arg(entry.CategoryName, Budgets::money(standing->spent),
-                                         Budgets::money(standing->budget.amount),
-                                         QString::number(standing->usedPercent())),
-                                *reached);
+    emit budgetThresholdCrossed(Budgets::told(*standing), *reached);
 }
 
 void AddEntryWidget::clearFields()

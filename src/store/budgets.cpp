@@ -3,6 +3,8 @@
 
 #include "budgets.h"
 
+#include <QCoreApplication>
+
 #include "amount.h"
 #include "databasemanager.h"
 #include "statements.h"
@@ -218,4 +220,37 @@ bool Budgets::erase(const QString &category)
 {
     return store.statementRunner().execute(QStringLiteral("DELETE FROM Budget WHERE CategoryName = :name"),
                                            { { QStringLiteral(":name"), category } });
+}
+
+QString Budgets::told(const BudgetStanding &standing)
+{
+    QString text;
+    switch (standing.budget.period) {
+    case BudgetPeriod::Week:
+        text = QCoreApplication::translate("Budgets", "%1: %2 of %3 this week (%4 %)");
+        break;
+    case BudgetPeriod::Year:
+        text = QCoreApplication::translate("Budgets", "%1: %2 of %3 this year (%4 %)");
+        break;
+    case BudgetPeriod::Month:
+        text = QCoreApplication::translate("Budgets", "%1: %2 of %3 this month (%4 %)");
+        break;
+    }
+    return text.arg(standing.budget.category, money(standing.spent), money(standing.budget.amount),
+                    QString::number(standing.usedPercent()));
+}
+
+QStringList Budgets::crossed(const QList<BudgetStanding> &before, const QList<BudgetStanding> &after)
+{
+    QStringList told;
+    for (const BudgetStanding &now : after) {
+        double spentBefore = 0;
+        for (const BudgetStanding &then : before) {
+            if (then.budget.category == now.budget.category)
+                spentBefore = then.spent;
+        }
+        if (crossing(spentBefore, now.spent, now.budget.amount))
+            told << Budgets::told(now);
+    }
+    return told;
 }

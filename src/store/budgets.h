@@ -61,6 +61,13 @@ public:
     static std::optional<BudgetLevel> crossing(double spentBefore, double spentAfter, double amount);
     // Two decimals and a point, no thousands separators: 1000001.00, -12.50.
     static QString money(double value);
+    // Where a budget stands, as the warnings tell it: "Food: 412.50 of
+    // 400.00 this month (103 %)".
+    static QString told(const BudgetStanding &standing);
+    // The standings of `after` whose category went past 80 % or past its
+    // budget since `before` (the same day's standings, taken earlier), each
+    // told once; those without a budget in `before` count from nothing.
+    static QStringList crossed(const QList<BudgetStanding> &before, const QList<BudgetStanding> &after);
 
     // Sets the category's budget, replacing the one it had. False for an
     // amount that is not acceptable or a file that takes no writes.
