@@ -3,6 +3,8 @@
 
 #include "addentrywidget.h"
 #include "backup.h"
+#include "budgets.h"
+#include "budgetlevelcolours.h"
 #include "databasemanager.h"
 #include "format.h"
 #include "historywidget.h"
@@ -43,7 +45,9 @@
 #include <QScrollBar>
 #include <QSettings>
 #include <QSqlTableModel>
+#include <QSignalSpy>
 #include <QStackedWidget>
+#include <QStatusBar>
 #include <QTabWidget>
 #include <QTableView>
 #include <QTableWidget>
@@ -118,6 +122,9 @@ private slots:
     void init();
     void cleanup();
 
+    void aBudgetWarningShowsWhenAnEntryCrossesAThresholdUntilTheNextPage();
+    void noBudgetWarningForACategoryWithoutABudget();
+
     void formHasTheDesignedWidgetsAndGeometry_data();
     void formHasTheDesignedWidgetsAndGeometry();
     void windowHasItsTitleSizeAndStyle();
@@ -180,6 +187,7 @@ private slots:
     void thePreviewsDateOrderDecidesWhereTheFileLeavesItOpen();
     void cancelInTheImportPreviewWritesNothing();
     void importWritesExactlyTheEntriesThePreviewShows();
+    void anImportsReportTellsEachBudgetItTakesPastAThreshold();
     void theImportsDialogListsTheImportsNewestFirst();
     void removingAnImportAfterConfirmingRemovesExactlyItsEntries();
     void removingAnImportCancelledRemovesNothing();
@@ -236,6 +244,106 @@ void TestMainWindow::cleanup()
     if (Look::chosen() != Look::Kind::Classic)
         Look::apply(Look::Kind::Classic);
     VERIFY_NO_WIDGETS_LEFT();
+}
+
+namespace {
+
+// Types an entry of `amount` into the new-entry page, for the category
+// `category`, dated today, and stores it.
+void addThroughThePage(AddEntryWidget *page, MessageBoxAnswerer &answerer, const QString &category,
+                       const QString &amount)
+{
+    auto *combo = page->findChild<QComboBox *>(QStringLiteral("comboBoxCategory"));
+    combo->setCurrentIndex(combo->findText(category));
+    QTest::keyClicks(page->findChild<QLineEdit *>(QStringLiteral("lineEditItemName")), QStringLiteral("Groceries"));
+    QTest::keyClicks(page->findChild<QLineEdit *>(QStringLiteral("lineEditAmount")), amount);
+    QTest::keyClicks(page->findChild<QLineEdit *>(QStringLiteral("lineEditLocation")), QStringLiteral("Market"));
+    answerer.clear();
+    answerer.answer({ QMessageBox::Save, QMessageBox::Ok });
+    page->findChild<QPushButton *>(QStringLiteral("pushButtonAdd"))->click();
+}
+
+} // namespace
+
+void TestMainWindow::aBudgetWarningShowsWhenAnEntryCrossesAThresholdUntilTheNextPage()
+{
+    MainWindowFixture f;
+    f.setUpFile();
+    f.addEntry(QStringLiteral("Rent share"), QStringLiteral("Food"), QDate::currentDate().startOfDay(), 300);
+    {
+        RawDatabase raw(f.home.databasePath());
+        QVERIFY(raw.exec(QStringLiteral("INSERT INTO Budget (CategoryName, Amount, Period) VALUES ('Food', 400, 'month')")));
+    }
+    MainWindow &window = f.window();
+    QVERIFY(f.show());
+    f.click("pushButtonNewEntry");
+    auto *page = qobject_cast<AddEntryWidget *>(f.page());
+    QVERIFY(page);
+    QSignalSpy warnings(page, &AddEntryWidget::budgetThresholdCrossed);
+    MessageBoxAnswerer answerer;
+
+    // 319.50 of 400 is below 80 %: nothing to say.
+    addThroughThePage(page, answerer, QStringLiteral("Food"), QStringLiteral("19.50"));
+    QCOMPARE(answerer.texts().last(), QStringLiteral("Entry added to the database successfully"));
+    QCOMPARE(warnings.size(), 0);
+    QVERIFY(!window.findChild<QStatusBar *>() || !window.statusBar()->isVisible());
+
+    // 320.00 is exactly 80 %: amber, after the success message.
+    addThroughThePage(page, answerer, QStringLiteral("Food"), QStringLiteral("0.50"));
+    QCOMPARE(answerer.texts().last(), QStringLiteral("Entry added to the database successfully"));
+    QCOMPARE(warnings.size(), 1);
+    auto *label = window.findChild<QLabel *>(QStringLiteral("labelBudgetWarning"));
+    QVERIFY(label);
+    QTRY_VERIFY(window.statusBar()->isVisible());
+    QCOMPARE(label->text(), QStringLiteral("Food: 320.00 of 400.00 this month (80 %)"));
+    QImage picture = window.statusBar()->grab().toImage();
+    QCOMPARE(groundColour(picture, picture.rect()), QColor(255, 191, 0));
+    QVERIFY(drawnContrast(picture) >= 4.5);
+
+    // 330.00 stays in the same band: no second warning.
+    addThroughThePage(page, answerer, QStringLiteral("Food"), QStringLiteral("10.00"));
+    QCOMPARE(warnings.size(), 1);
+    QCOMPARE(label->text(), QStringLiteral("Food: 320.00 of 400.00 this month (80 %)"));
+
+    // 412.50 is above the budget: red.
+    addThroughThePage(page, answerer, QStringLiteral("Food"), QStringLiteral("82.50"));
+    QCOMPARE(warnings.size(), 2);
+    QCOMPARE(label->text(), QStringLiteral("Food: 412.50 of 400.00 this month (103 %)"));
+    picture = window.statusBar()->grab().toImage();
+    QCOMPARE(groundColour(picture, picture.rect()), QColor(198, 40, 40));
+    QVERIFY(drawnContrast(picture) >= 4.5);
+    QVERIFY2(answerer.errors().isEmpty(), qPrintable(answerer.errors().join('\n')));
+
+    // The next page takes the warning away.
+    f.click("pushButtonHistory");
+    QVERIFY(!window.statusBar()->isVisible());
+    QCOMPARE(label->text(), QString());
+}
+
+void TestMainWindow::noBudgetWarningForACategoryWithoutABudget()
+{
+    MainWindowFixture f;
+    f.setUpFile();
+    {
+        RawDatabase raw(f.home.databasePath());
+        QVERIFY(raw.exec(QStringLiteral("INSERT INTO Budget (CategoryName, Amount, Period) VALUES ('Food', 10, 'week')")));
+    }
+    MainWindow &window = f.window();
+    QVERIFY(f.show());
+    f.click("pushButtonNewEntry");
+    auto *page = qobject_cast<AddEntryWidget *>(f.page());
+    QSignalSpy warnings(page, &AddEntryWidget::budgetThresholdCrossed);
+    MessageBoxAnswerer answerer;
+    addThroughThePage(page, answerer, QStringLiteral("Drinks"), QStringLiteral("500.00"));
+    QCOMPARE(answerer.texts().last(), QStringLiteral("Entry added to the database successfully"));
+    QCOMPARE(warnings.size(), 0);
+    QVERIFY(!window.findChild<QLabel *>(QStringLiteral("labelBudgetWarning")));
+
+    // A weekly budget names its week.
+    addThroughThePage(page, answerer, QStringLiteral("Food"), QStringLiteral("12.00"));
+    QCOMPARE(warnings.size(), 1);
+    QCOMPARE(warnings.at(0).at(0).toString(), QStringLiteral("Food: 12.00 of 10.00 this week (120 %)"));
+    QCOMPARE(warnings.at(0).at(1).value<BudgetLevel>(), BudgetLevel::Over);
 }
 
 void TestMainWindow::formHasTheDesignedWidgetsAndGeometry_data()
@@ -814,7 +922,7 @@ void TestMainWindow::menuBarHasFileGoViewAndHelpWithTheirCommandsInOrder()
     QCOMPARE(names(bar->actions().at(0)->menu()),
              QStringList({ "actionImport", "actionImports", "actionExport", "actionBackUp", "-", "actionQuit" }));
     QCOMPARE(names(bar->actions().at(1)->menu()),
-             QStringList({ "actionHome", "actionNewEntry", "actionHistory", "actionOptions" }));
+             QStringList({ "actionHome", "actionNewEntry", "actionHistory", "actionOptions", "actionFind" }));
     QCOMPARE(names(bar->actions().at(2)->menu()), QStringList({ "menuLook" }));
     const QMenu *looks = bar->actions().at(2)->menu()->actions().at(0)->menu();
     QCOMPARE(looks->title(), QStringLiteral("Look"));
@@ -845,6 +953,8 @@ void TestMainWindow::everyMenuCommandHasItsNameTextShortcutAndState_data()
                              << QKeySequence(Qt::CTRL | Qt::Key_H) << true;
     QTest::newRow("options") << QByteArray("actionOptions") << QStringLiteral("Options")
                              << QKeySequence(Qt::CTRL | Qt::Key_Comma) << true;
+    QTest::newRow("find") << QByteArray("actionFind") << QStringLiteral("Find…") << QKeySequence(Qt::CTRL | Qt::Key_F)
+                          << true;
     QTest::newRow("about") << QByteArray("actionAbout") << QStringLiteral("About Ledgerly") << QKeySequence() << true;
     QTest::newRow("about qt") << QByteArray("actionAboutQt") << QStringLiteral("About Qt") << QKeySequence() << true;
 }
@@ -1599,6 +1709,31 @@ void TestMainWindow::importWritesExactlyTheEntriesThePreviewShows()
              shown);
 }
 
+void TestMainWindow::anImportsReportTellsEachBudgetItTakesPastAThreshold()
+{
+    MainWindowFixture f;
+    QVERIFY(f.show());
+    {
+        DatabaseManager store(nullptr);
+        QVERIFY(Budgets(store).set({ QStringLiteral("Groceries"), 100.0, BudgetPeriod::Month }));
+        QVERIFY(Budgets(store).set({ QStringLiteral("Phone"), 50.0, BudgetPeriod::Month }));
+    }
+    // Today's groceries of 120 take that budget past its limit; the phone's
+    // 10 stay at 20 %.
+    const QByteArray today = QDate::currentDate().toString(Qt::ISODate).toLatin1();
+    const QString file = f.home.filePath(QStringLiteral("month.qif"));
+    QVERIFY(writeFile(file, "!Type:Cash\r\nD" + today + "\r\nT-120\r\nMWeekly shop\r\nLGroceries\r\n^\r\n" +
+                                "D" + today + "\r\nT-10\r\nMTop-up\r\nLPhone\r\n^\r\n"));
+    FileCommand command;
+    command.run(f.window(), "actionImport", file);
+    QCOMPARE(command.previews.errors(), QStringList());
+    QCOMPARE(command.boxes.texts(),
+             QStringList { QStringLiteral("Imported 2 entries from %1; skipped 0.\n\n"
+                                          "Importing the same file again adds only what it has not added yet.\n\n"
+                                          "Budgets:\nGroceries: 120.00 of 100.00 this month (120 %)")
+                               .arg(file) });
+}
+
 namespace {
 
 // Two imports, a day's coffee and a week's shopping, beside the two entries
@@ -2257,8 +2392,8 @@ void TestMainWindow::noTextOfAnyPageIsCutOffAtTheDefaultSize()
             seen.insert(text);
         }
     });
-    // Home, About, new entry, five history tabs, details, three options tabs.
-    QCOMPARE(pages, 12);
+    // Home, About, new entry, six history tabs, details, four options tabs.
+    QCOMPARE(pages, 14);
     QVERIFY2(answerer.errors().isEmpty(), qPrintable(answerer.errors().join(QLatin1Char('\n'))));
     if (!qEnvironmentVariableIsEmpty("LEDGERLY_GRAB"))
         window.grab().save(qEnvironmentVariable("LEDGERLY_GRAB"));

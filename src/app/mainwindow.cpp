@@ -6,11 +6,15 @@
 
 #include "addentrywidget.h"
 #include "automaticbackup.h"
+#include "budgetlevelcolours.h"
 #include "backup.h"
 #include "csvformat.h"
 #include "databasemanager.h"
 #include "entryexport.h"
 #include "entryimport.h"
+#include "filechooser.h"
+#include "findwidget.h"
+#include "format.h"
 #include "historywidget.h"
 #include "importpreviewdialog.h"
 #include "importsdialog.h"
@@ -25,10 +29,12 @@
 #include <QDir>
 #include <QGridLayout>
 #include <QGuiApplication>
+#include <QLabel>
 #include <QMessageBox>
 #include <QPointer>
 #include <QProgressDialog>
 #include <QScreen>
+#include <QStatusBar>
 
 namespace {
 
@@ -72,6 +78,7 @@ MainWindow::MainWindow(QWidget *parent) : QMainWindow(parent), ui(new Ui::MainWi
                              ui->pushButtonExit })
         Look::applyButtonFontWeight(button);
     IsEntryPresentInDatabase = false;
+    labelBudgetWarning = nullptr;
     ui->stackedWidget->setCurrentIndex(0);
 
     dbManager = new DatabaseManager(this);
@@ -193,6 +200,7 @@ void MainWindow::connectMenuBar()
     connect(ui->actionHistory, &QAction::triggered, this, &MainWindow::on_pushButtonHistory_clicked);
     connect(ui->actionOptions, &QAction::triggered, this, &MainWindow::on_pushButtonOptions_clicked);
     connect(ui->actionAbout, &QAction::triggered, this, &MainWindow::on_pushButtonExit_clicked);
+    connect(ui->actionFind, &QAction::triggered, this, &MainWindow::showFindPage);
     // Without a parent, as every box of the program: inside the window it
     // would take the black pages' style sheet.
     connect(ui->actionAboutQt, &QAction::triggered, this, [] { QMessageBox::aboutQt(nullptr); });
@@ -265,6 +273,7 @@ void MainWindow::closeEvent(QCloseEvent *event)
 }
 void MainWindow::showDataPage(QWidget *page)
 {
+    clearBudgetWarning();
     // The scroll area takes the page over and deletes the one it held, so at
     // most one data page lives at a time.
     ui->scrollArea_2->setWidget(page);
@@ -295,36 +304,9 @@ void MainWindow::reportAutomaticBackupFailure()
                      .arg(Backup::automaticDirectory(), automaticBackupFailure));
 }
 
-QString MainWindow::chooseFile(QFileDialog::AcceptMode mode, const QString &title, const QStringList &nameFilters,
-                               const QString &suggested)
-{
-    QFileDialog dialog(nullptr, title);
-    dialog.setWindowModality(Qt::ApplicationModal);
-    dialog.setAcceptMode(mode);
-    dialog.setFileMode(mode == QFileDialog::AcceptOpen ? QFileDialog::ExistingFile : QFileDialog::AnyFile);
-    dialog.setNameFilters(nameFilters);
-    dialog.setDirectory(QFileInfo(suggested).absolutePath());
-    if (mode == QFileDialog::AcceptSave) {
-        // A name typed without its suffix gets that of the chosen filter
-        // ("*.csv" gives csv); the dialog asks before replacing a file.
-        const auto suffixOf = [](const QString &filter) {
-            const qsizetype star = filter.indexOf(QLatin1String("*."));
-            return star < 0 ? QString()
-                            : filter.mid(star + 2).section(QLatin1Char(')'), 0, 0).section(QLatin1Char(' '), 0, 0);
-        };
-        dialog.setDefaultSuffix(suffixOf(nameFilters.value(0)));
-        connect(&dialog, &QFileDialog::filterSelected, &dialog,
-                [&dialog, suffixOf](const QString &filter) { dialog.setDefaultSuffix(suffixOf(filter)); });
-        dialog.selectFile(QFileInfo(suggested).fileName());
-    }
-    if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty())
-        return QString();
-    return dialog.selectedFiles().constFirst();
-}
-
 void MainWindow::importEntries()
 {
-    const QString fileName = chooseFile(QFileDialog::AcceptOpen, tr("Import Entries"),
+    const QString fileName = FileChooser::choose(QFileDialog::AcceptOpen, tr("Import Entries"),
                                         { tr("CSV, QIF and OFX files (*.csv *.qif *.ofx *.qfx *.qbo *.CSV *.QIF *.OFX *.QFX *.QBO)"),
                                           tr("All files (*)") },
                                         QDir::homePath() + QLatin1Char('/'));
@@ -346,6 +328,12 @@ void MainWindow::importEntries()
         return;
     const EntryFileContents &contents = preview.contents();
 
+    // The budgets' periods holding today, before and after: the report
+    // tells each category the import takes past 80 % or past its budget.
+    Budgets budgets(*dbManager);
+    const QDate today = QDate::currentDate();
+    const int monthStart = Settings().budgetMonthStart();
+    const QList<BudgetStanding> before = budgets.standings(today, monthStart);
     EntryImport::Outcome outcome;
     {
         Progress progress(tr("Importing entries…"));
@@ -359,8 +347,12 @@ void MainWindow::importEntries()
         IsEntryPresentInDatabase = true;
         rebuildDataPageAfterImport();
     }
-    Notice::inform(EntryImport::summary(fileName, contents, outcome.added) + QStringLiteral(".\n\n") +
-                   tr("Importing the same file again adds only what it has not added yet."));
+    QString report = EntryImport::summary(fileName, contents, outcome.added) + QStringLiteral(".\n\n") +
+        tr("Importing the same file again adds only what it has not added yet.");
+    const QStringList crossed = Budgets::crossed(before, budgets.standings(today, monthStart));
+    if (!crossed.isEmpty())
+        report += QStringLiteral("\n\n") + tr("Budgets:") + QLatin1Char('\n') + crossed.join(QLatin1Char('\n'));
+    Notice::inform(report);
 }
 
 void MainWindow::showImports()
@@ -381,7 +373,7 @@ void MainWindow::rebuildDataPageAfterImport()
         return;
     QWidget *page = ui->scrollArea_2->widget();
     if (qobject_cast<HistoryWidget *>(page)) {
-        showDataPage(new HistoryWidget(QPointer<DatabaseManager>(dbManager), this));
+        showHistoryPage();
     } else if (auto *options = qobject_cast<OptionsWidget *>(page)) {
         if (!options->hasUnsavedEntryChanges())
             showDataPage(new OptionsWidget(QPointer<DatabaseManager>(dbManager), this));
@@ -391,7 +383,7 @@ void MainWindow::rebuildDataPageAfterImport()
 void MainWindow::exportEntries()
 {
     const QString fileName =
-        chooseFile(QFileDialog::AcceptSave, tr("Export Entries"), { tr("CSV files (*.csv)"), tr("QIF files (*.qif)") },
+        FileChooser::choose(QFileDialog::AcceptSave, tr("Export Entries"), { tr("CSV files (*.csv)"), tr("QIF files (*.qif)") },
                    QDir::home().filePath(QStringLiteral("ledgerly-entries.csv")));
     if (fileName.isEmpty())
         return;
@@ -413,7 +405,7 @@ void MainWindow::exportEntries()
 
 void MainWindow::backUpDatabase()
 {
-    const QString fileName = chooseFile(
+    const QString fileName = FileChooser::choose(
         QFileDialog::AcceptSave, tr("Back Up Database"), { tr("Ledgerly databases (*.db)") },
         QDir::home().filePath(QStringLiteral("ledgerly-backup-%1.db").arg(QDate::currentDate().toString(Qt::ISODate))));
     if (fileName.isEmpty())
@@ -431,9 +423,47 @@ void MainWindow::backUpDatabase()
     Notice::inform(tr("The database was backed up to %1.").arg(fileName));
 }
 
+void MainWindow::showHistoryPage()
+{
+    auto *page = new HistoryWidget(QPointer<DatabaseManager>(dbManager), this);
+    connect(page, &HistoryWidget::findRequested, this, &MainWindow::showFindPage);
+    showDataPage(page);
+}
+
+void MainWindow::showFindPage()
+{
+    showDataPage(new FindWidget(QPointer<DatabaseManager>(dbManager), this));
+}
+
 void MainWindow::on_pushButtonNewEntry_clicked()
 {
-    showDataPage(new AddEntryWidget(QPointer<DatabaseManager>(dbManager), this));
+    auto *page = new AddEntryWidget(QPointer<DatabaseManager>(dbManager), this);
+    connect(page, &AddEntryWidget::budgetThresholdCrossed, this, &MainWindow::showBudgetWarning);
+    showDataPage(page);
+}
+
+void MainWindow::showBudgetWarning(const QString &message, BudgetLevel level)
+{
+    if (!labelBudgetWarning) {
+        // Made on the first warning: until then the window has no status
+        // bar and keeps its designed height.
+        labelBudgetWarning = new QLabel(this);
+        labelBudgetWarning->setObjectName(QStringLiteral("labelBudgetWarning"));
+        labelBudgetWarning->setTextFormat(Qt::PlainText);
+        statusBar()->addWidget(labelBudgetWarning, 1);
+    }
+    labelBudgetWarning->setText(message);
+    statusBar()->setStyleSheet(QStringLiteral("QStatusBar, QStatusBar QLabel { %1 }")
+                                   .arg(BudgetLevelColours::styleSheet(level)));
+    statusBar()->show();
+}
+
+void MainWindow::clearBudgetWarning()
+{
+    if (!labelBudgetWarning)
+        return;
+    labelBudgetWarning->clear();
+    statusBar()->hide();
 }
 
 void MainWindow::on_pushButtonOptions_clicked()
@@ -449,7 +479,7 @@ void MainWindow::on_pushButtonHistory_clicked()
     // The flag is sticky: once entries were seen, History opens even if they
     // have since been deleted.
     if (IsEntryPresentInDatabase) {
-        showDataPage(new HistoryWidget(QPointer<DatabaseManager>(dbManager), this));
+        showHistoryPage();
         return;
     }
 
@@ -458,10 +488,12 @@ void MainWindow::on_pushButtonHistory_clicked()
 
 void MainWindow::on_pushButtonExit_clicked()
 {
+    clearBudgetWarning();
     ui->stackedWidget->setCurrentIndex(1);
 }
 
 void MainWindow::on_pushButtonHome_clicked()
 {
+    clearBudgetWarning();
     ui->stackedWidget->setCurrentIndex(0);
 }

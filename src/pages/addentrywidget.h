@@ -9,7 +9,10 @@
 #include <QString>
 #include <QWidget>
 
+#include "budgets.h"
+
 class Category;
+class Entry;
 class DatabaseManager;
 class QCompleter;
 class QNetworkReply;
@@ -36,6 +39,11 @@ public:
     // Appends the names in list order; the categories stay the caller's.
     void AddCategoriesToComboBox(QList<Category *> categories);
 
+signals:
+    // An entry just stored took its category's spending past 80 % of its
+    // budget (Nearing) or past the budget (Over) in the entry's period.
+    void budgetThresholdCrossed(const QString &message, BudgetLevel level);
+
 protected:
     void showEvent(QShowEvent *event) override;
     bool eventFilter(QObject *watched, QEvent *event) override;
@@ -59,6 +67,7 @@ private:
     // the user has not chosen them.
     void offerCatalogueItem(const QString &itemName);
     void clearFields();
+    void checkBudget(const Entry &entry);
 
     Ui::AddEntryWidget *ui;
     QPointer<DatabaseManager> dbManager;

@@ -826,6 +826,11 @@ QList<Entry *> DatabaseManager::GetAllEntries()
     return entries->list({});
 }
 
+QList<Entry *> DatabaseManager::entryList(const EntryFilter &filter)
+{
+    return entries->list(filter);
+}
+
 QList<Entry *> DatabaseManager::GetAllEntriesOrderByPrice()
 {
     return entries->list(EntryFilter().cheapestFirst());

@@ -41,6 +41,7 @@ class QSqlTableModel;
 // last store to go closes the connection; table models made by the store
 // must go before it.
 class EntryQuery;
+struct EntryFilter;
 class SqliteReader;
 class Statements;
 class StoreConnection;
@@ -127,6 +128,10 @@ public:
     QList<Entry *> GetAllEntriesOfCategoryBetweenDates(QString catName, QDateTime startDate, QDateTime endDate);
     QList<Entry *> GetAllEntriesOfCategoryBetweenDatesOrderByPrice(QString catName, QDateTime startDate,
                                                                    QDateTime endDate);
+
+    // Any list the one entry query makes, for the store's own classes
+    // (see EntrySearch).
+    QList<Entry *> entryList(const EntryFilter &filter);
 
     // Other lists
     QList<Category *> GetAllCategories();
