@@ -18,6 +18,7 @@
 #include "rawdatabase.h"
 #include "temphome.h"
 #include "testsupport.h"
+#include "webenginesanitizeroptions.h"
 #include "widgettest.h"
 
 #include <QAbstractItemView>
