@@ -12,6 +12,7 @@
 #include "messageboxanswerer.h"
 #include "rawdatabase.h"
 #include "testsupport.h"
+#include "webenginesanitizeroptions.h"
 #include "widgettest.h"
 
 #include <QAction>

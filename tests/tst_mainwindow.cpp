@@ -21,6 +21,7 @@
 #include "rawdatabase.h"
 #include "temphome.h"
 #include "testsupport.h"
+#include "webenginesanitizeroptions.h"
 #include "widgettest.h"
 
 #include <QAbstractItemView>

@@ -65,6 +65,14 @@ AddEntryWidget::AddEntryWidget(QPointer<DatabaseManager> dbManager, QWidget *par
 
 AddEntryWidget::~AddEntryWidget()
 {
+    // A lookup the page no longer waits for is given up, not left to the
+    // server; it is let go of first, so that its end reaches no page.
+    for (const QPointer<QNetworkReply> &reply : std::as_const(pendingLookups)) {
+        if (reply) {
+            reply->disconnect(this);
+            reply->abort();
+        }
+    }
     // A page that goes while its name field has the focus moves the focus
     // away as it closes, after this destructor: the field would report its
     // editing finished to a page whose catalogue is gone.
@@ -143,8 +151,7 @@ void AddEntryWidget::startLocationLookup()
     // replaced is never delivered to it (the locator deletes it all the
     // same).
     connect(reply, &QNetworkReply::finished, this, [this, reply] { handleNetworkData(reply); });
-    // One the page no longer waits for is given up, not left to the server.
-    connect(this, &QObject::destroyed, reply, &QNetworkReply::abort);
+    pendingLookups.append(reply);
 }
 
 void AddEntryWidget::handleNetworkData(QNetworkReply *reply)

@@ -53,6 +53,8 @@ private slots:
     void handleNetworkData(QNetworkReply *reply);
 
 private:
+    // The lookups the page sent, until the program's locator deletes them.
+    QList<QPointer<QNetworkReply>> pendingLookups;
     // What the catalogue knows of an item name: the amount and category a
     // pick of the name offers.
     struct CatalogueItem
