@@ -27,8 +27,11 @@ Run runLedgerly(const QStringList &arguments, const QString &home = QString())
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     for (const char *name : { "QT_QPA_PLATFORM", "DISPLAY", "WAYLAND_DISPLAY" })
         environment.remove(QString::fromLatin1(name));
-    if (!home.isEmpty())
+    if (!home.isEmpty()) {
         environment.insert(QStringLiteral("HOME"), home);
+        // The settings (the budgets' month start) belong to the home too.
+        environment.insert(QStringLiteral("XDG_CONFIG_HOME"), home + QStringLiteral("/.config"));
+    }
     return runProgram(QStringLiteral(LEDGERLY_PROGRAM), arguments, environment);
 }
 
@@ -94,6 +97,20 @@ private slots:
 
     void anUnusableDatabaseIsReportedWithExitStatus1();
 
+    void budgetSetListRemoveAndMonthStartSayWhatTheyDid();
+    void anImportTellsEachBudgetItTakesPastAThresholdOnce();
+    void budgetListsEachBudgetInItsPeriodSortedByCategory();
+    void budgetWithoutBudgetsPrintsNothing();
+    void budgetMoneyHasNoThousandsSeparators();
+    void budgetRefusalsExitWith1AndChangeNothing_data();
+    void budgetRefusalsExitWith1AndChangeNothing();
+    void budgetUsageErrorsExitWith2_data();
+    void budgetUsageErrorsExitWith2();
+    void findPrintsTheMatchesNewestFirstAndTheirCountAndTotal_data();
+    void findPrintsTheMatchesNewestFirstAndTheirCountAndTotal();
+    void findFindsAnAmountToTheCent();
+    void findAsCsvWritesWhatExportWritesAndTheSummaryOnStandardError();
+
 private:
     // The home's database with two entries and a category of its own.
     void setUpDatabase();
@@ -111,6 +128,22 @@ void TestCommandLine::cleanup()
 {
     home.reset();
 }
+
+namespace {
+
+// The month start kept in the home's settings file, as a second reader sees it.
+QString keptMonthStart(const QString &home)
+{
+    QFile file(home + QStringLiteral("/.config/Ledgerly/Ledgerly.conf"));
+    if (!file.open(QIODevice::ReadOnly))
+        return QString();
+    for (const QByteArray &line : file.readAll().split('\n'))
+        if (line.startsWith("monthStart="))
+            return QString::fromLatin1(line.mid(int(qstrlen("monthStart="))));
+    return QString();
+}
+
+} // namespace
 
 void TestCommandLine::setUpDatabase()
 {
@@ -196,6 +229,10 @@ void TestCommandLine::usageErrorsExitWith2AndTouchNothing_data()
     QTest::newRow("unknown option") << QStringList { "--frobnicate" } << QStringLiteral("Unknown option 'frobnicate'.");
     QTest::newRow("unknown command") << QStringList { "frobnicate", "now" }
                                      << QStringLiteral("Unknown command \"frobnicate\".");
+    QTest::newRow("a budget period on another command")
+        << QStringList { "export", "x.csv", "--period", "week" } << QStringLiteral("--period goes with budget only.");
+    QTest::newRow("a budget day on find")
+        << QStringList { "find", "tea", "--date", "2026-11-01" } << QStringLiteral("--date goes with budget only.");
     QTest::newRow("an option alone") << QStringList { "--force" } << QStringLiteral("Nothing to do.");
     QTest::newRow("export without a file") << QStringList { "export" } << QStringLiteral("export takes one FILE.");
     QTest::newRow("import with two files")
@@ -218,6 +255,27 @@ void TestCommandLine::usageErrorsExitWith2AndTouchNothing_data()
                                             << QStringLiteral("--date-order goes with import only.");
     QTest::newRow("force with import") << QStringList { "import", "in.csv", "--force" }
                                        << QStringLiteral("--force goes with backup only.");
+    QTest::newRow("find with two texts") << QStringList { "find", "tea", "coffee" }
+                                         << QStringLiteral("find takes at most one TEXT.");
+    QTest::newRow("find with force") << QStringList { "find", "tea", "--force" }
+                                     << QStringLiteral("--force goes with backup only.");
+    QTest::newRow("csv with export") << QStringList { "export", "out.csv", "--csv" }
+                                     << QStringLiteral("--csv goes with find only.");
+    QTest::newRow("a day without its zeros") << QStringList { "find", "--from", "2026-3-1" }
+                                             << QStringLiteral("--from takes a day as yyyy-MM-dd, not \"2026-3-1\".");
+    QTest::newRow("a day that is no day") << QStringList { "find", "--to", "2026-02-30" }
+                                          << QStringLiteral("--to takes a day as yyyy-MM-dd, not \"2026-02-30\".");
+    QTest::newRow("a day the other way round")
+        << QStringList { "find", "--from", "01.03.2026" }
+        << QStringLiteral("--from takes a day as yyyy-MM-dd, not \"01.03.2026\".");
+    QTest::newRow("an amount that is no number")
+        << QStringList { "find", "--min", "ten" } << QStringLiteral("--min takes an amount such as 49.90, not \"ten\".");
+    QTest::newRow("an amount with a comma")
+        << QStringList { "find", "--max", "49,90" } << QStringLiteral("--max takes an amount such as 49.90, not \"49,90\".");
+    QTest::newRow("min above max") << QStringList { "find", "--min", "20", "--max", "19.99" }
+                                   << QStringLiteral("--min is above --max.");
+    QTest::newRow("from after to") << QStringList { "find", "--from", "2026-03-02", "--to", "2026-03-01" }
+                                   << QStringLiteral("--from is after --to.");
 }
 
 void TestCommandLine::usageErrorsExitWith2AndTouchNothing()
@@ -639,6 +697,284 @@ void TestCommandLine::anUnusableDatabaseIsReportedWithExitStatus1()
         QCOMPARE(readFile(home->databasePath()), noise);
         QVERIFY(!QFile::exists(file));
     }
+}
+
+void TestCommandLine::anImportTellsEachBudgetItTakesPastAThresholdOnce()
+{
+    setUpDatabase();
+    QCOMPARE(runLedgerly({ "budget", "set", "Groceries", "100" }, home->path()).exitCode, 0);
+    QCOMPARE(runLedgerly({ "budget", "set", "Phone", "50", "--period", "week" }, home->path()).exitCode, 0);
+    // Entries of today, so in the periods that hold today.
+    const QByteArray today = QDate::currentDate().toString(Qt::ISODate).toLatin1();
+    const auto record = [&today](const char *amount, const char *payee, const char *category) {
+        return "D" + today + "\nT" + amount + "\nP" + payee + "\nL" + category + "\n^\n";
+    };
+
+    // 30 + 50 of 100 is 80 %: amber, told once; the phone's 10 of 50 is not.
+    const QString first = home->filePath(QStringLiteral("first.qif"));
+    QVERIFY(writeFile(first, "!Type:Bank\n" + record("-30.00", "Market", "Groceries") +
+                                 record("-50.00", "Bakery", "Groceries") + record("-10.00", "Carrier", "Phone")));
+    Run run = runLedgerly({ QStringLiteral("import"), first }, home->path());
+    QCOMPARE(run.exitCode, 0);
+    QCOMPARE(run.out, QStringLiteral("Imported 3 entries from %1; skipped 0\n"
+                                     "Budget: Groceries: 80.00 of 100.00 this month (80 %)\n")
+                          .arg(first));
+
+    // Groceries stay amber (85 %): nothing more; the phone goes from 20 %
+    // to 110 % of its week: red, told.
+    const QString second = home->filePath(QStringLiteral("second.qif"));
+    QVERIFY(writeFile(second, "!Type:Bank\n" + record("-5.00", "Market", "Groceries") +
+                                  record("-45.00", "Shop", "Phone")));
+    run = runLedgerly({ QStringLiteral("import"), second }, home->path());
+    QCOMPARE(run.exitCode, 0);
+    QCOMPARE(run.out, QStringLiteral("Imported 2 entries from %1; skipped 0\n"
+                                     "Budget: Phone: 55.00 of 50.00 this week (110 %)\n")
+                          .arg(second));
+}
+
+void TestCommandLine::budgetSetListRemoveAndMonthStartSayWhatTheyDid()
+{
+    setUpDatabase();
+    Run run = runLedgerly({ "budget", "set", "Food", "400" }, home->path());
+    QCOMPARE(run.err, QString());
+    QCOMPARE(run.out, QStringLiteral("Food: 400.00 a month\n"));
+    QCOMPARE(run.exitCode, 0);
+    run = runLedgerly({ "budget", "set", "Pets", "20.5", "--period", "week" }, home->path());
+    QCOMPARE(run.out, QStringLiteral("Pets: 20.50 a week\n"));
+    QCOMPARE(run.exitCode, 0);
+    run = runLedgerly({ "budget", "set", "Food", "1200", "--period=year" }, home->path());
+    QCOMPARE(run.out, QStringLiteral("Food: 1200.00 a year\n"));
+    {
+        RawDatabase raw(home->databasePath());
+        QCOMPARE(raw.rows(QStringLiteral("SELECT CategoryName, Amount, Period FROM Budget ORDER BY CategoryName")),
+                 QList<QVariantList>({ { QStringLiteral("Food"), 1200.0, QStringLiteral("year") },
+                                       { QStringLiteral("Pets"), 20.5, QStringLiteral("week") } }));
+    }
+
+    run = runLedgerly({ "budget", "month-start", "25" }, home->path());
+    QCOMPARE(run.err, QString());
+    QCOMPARE(run.out, QStringLiteral("Budget months start on day 25.\n"));
+    QCOMPARE(run.exitCode, 0);
+    QCOMPARE(keptMonthStart(home->path()), QStringLiteral("25"));
+
+    run = runLedgerly({ "budget", "remove", "Food" }, home->path());
+    QCOMPARE(run.err, QString());
+    QCOMPARE(run.out, QStringLiteral("Food has no budget now.\n"));
+    QCOMPARE(run.exitCode, 0);
+    RawDatabase raw(home->databasePath());
+    QCOMPARE(raw.scalar(QStringLiteral("SELECT group_concat(CategoryName) FROM Budget")).toString(),
+             QStringLiteral("Pets"));
+}
+
+void TestCommandLine::budgetListsEachBudgetInItsPeriodSortedByCategory()
+{
+    {
+        DatabaseManager store(nullptr);
+        QVERIFY(store.AddCategory(QStringLiteral("Pets")));
+    }
+    {
+        RawDatabase raw(home->databasePath());
+        QVERIFY(raw.insertEntry("Groceries", "Food", QDateTime(QDate(2026, 10, 25), QTime(0, 0)), 400));
+        QVERIFY(raw.insertEntry("Bread", "Food", QDateTime(QDate(2026, 11, 24), QTime(23, 59, 59)), 12.5));
+        QVERIFY(raw.insertEntry("Old", "Food", QDateTime(QDate(2026, 10, 24), QTime(12, 0)), 999));
+        QVERIFY(raw.insertEntry("Kibble", "Pets", QDateTime(QDate(2026, 11, 23), QTime(12, 0)), 7.25));
+        QVERIFY(raw.insertEntry("Toy", "Pets", QDateTime(QDate(2026, 11, 22), QTime(12, 0)), 50));
+    }
+    QCOMPARE(runLedgerly({ "budget", "month-start", "25" }, home->path()).exitCode, 0);
+    QCOMPARE(runLedgerly({ "budget", "set", "Pets", "20", "--period", "week" }, home->path()).exitCode, 0);
+    QCOMPARE(runLedgerly({ "budget", "set", "Food", "400" }, home->path()).exitCode, 0);
+    QCOMPARE(runLedgerly({ "budget", "set", "Drinks", "30" }, home->path()).exitCode, 0);
+
+    // Tuesday 24 November 2026: Food's month runs from 25 October, Pets'
+    // week from Monday 23 November.
+    const Run run = runLedgerly({ "budget", "--date", "2026-11-24" }, home->path());
+    QCOMPARE(run.err, QString());
+    QCOMPARE(run.exitCode, 0);
+    QCOMPARE(run.out, QStringLiteral("Drinks\tmonth\t2026-10-25\t2026-11-24\t30.00\t0.00\t30.00\t0%\n"
+                                     "Food\tmonth\t2026-10-25\t2026-11-24\t400.00\t412.50\t-12.50\t103%\n"
+                                     "Pets\tweek\t2026-11-23\t2026-11-29\t20.00\t7.25\t12.75\t36%\n"));
+    // The next day opens Food's next month.
+    const Run next = runLedgerly({ "budget", "--date=2026-11-25" }, home->path());
+    QVERIFY2(next.out.contains(QStringLiteral("Food\tmonth\t2026-11-25\t2026-12-24\t400.00\t0.00\t400.00\t0%\n")),
+             qPrintable(next.out));
+}
+
+void TestCommandLine::budgetWithoutBudgetsPrintsNothing()
+{
+    setUpDatabase();
+    const Run run = runLedgerly({ "budget" }, home->path());
+    QCOMPARE(run.err, QString());
+    QCOMPARE(run.out, QString());
+    QCOMPARE(run.exitCode, 0);
+}
+
+void TestCommandLine::budgetMoneyHasNoThousandsSeparators()
+{
+    {
+        DatabaseManager store(nullptr);
+        RawDatabase raw(home->databasePath());
+        QVERIFY(raw.insertEntry("Flat", "Food", QDateTime(QDate(2026, 3, 10), QTime(12, 0)), 500000.5));
+    }
+    QCOMPARE(runLedgerly({ "budget", "set", "Food", "1000001" }, home->path()).exitCode, 0);
+    const Run run = runLedgerly({ "budget", "--date", "2026-03-31" }, home->path());
+    QCOMPARE(run.out, QStringLiteral("Food\tmonth\t2026-03-01\t2026-03-31\t1000001.00\t500000.50\t500000.50\t50%\n"));
+}
+
+void TestCommandLine::budgetRefusalsExitWith1AndChangeNothing_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<QString>("message");
+    QTest::newRow("unknown category") << QStringList { "budget", "set", "Yachts", "400" }
+                                      << QStringLiteral("no category Yachts");
+    const QString noAmount = QStringLiteral("%1 is no budget: an amount is a number above 0 and at most 9999999.99.");
+    QTest::newRow("amount 0") << QStringList { "budget", "set", "Food", "0" } << noAmount.arg("0");
+    QTest::newRow("negative amount") << QStringList { "budget", "set", "Food", "-5" } << noAmount.arg("-5");
+    QTest::newRow("infinite amount") << QStringList { "budget", "set", "Food", "inf" } << noAmount.arg("inf");
+    QTest::newRow("amount not a number") << QStringList { "budget", "set", "Food", "nan" } << noAmount.arg("nan");
+    QTest::newRow("amount of words") << QStringList { "budget", "set", "Food", "lots" } << noAmount.arg("lots");
+    QTest::newRow("amount too large") << QStringList { "budget", "set", "Food", "10000000" }
+                                      << noAmount.arg("10000000");
+    QTest::newRow("amount of 400 digits") << QStringList { "budget", "set", "Food", QString(400, QLatin1Char('9')) }
+                                          << noAmount.arg(QString(400, QLatin1Char('9')));
+    QTest::newRow("month start 0") << QStringList { "budget", "month-start", "0" }
+                                   << QStringLiteral("0 is no month start: it is a day from 1 to 28.");
+    QTest::newRow("month start 29") << QStringList { "budget", "month-start", "29" }
+                                    << QStringLiteral("29 is no month start: it is a day from 1 to 28.");
+    QTest::newRow("removing what is not there") << QStringList { "budget", "remove", "Drinks" }
+                                                << QStringLiteral("Drinks has no budget.");
+}
+
+void TestCommandLine::budgetRefusalsExitWith1AndChangeNothing()
+{
+    QFETCH(QStringList, arguments);
+    QFETCH(QString, message);
+    setUpDatabase();
+    QCOMPARE(runLedgerly({ "budget", "set", "Food", "400" }, home->path()).exitCode, 0);
+    QCOMPARE(runLedgerly({ "budget", "month-start", "25" }, home->path()).exitCode, 0);
+    QStringList before;
+    {
+        RawDatabase raw(home->databasePath());
+        before = raw.dumpTables();
+    }
+
+    const Run run = runLedgerly(arguments, home->path());
+    QCOMPARE(run.out, QString());
+    QCOMPARE(run.err, message + QLatin1Char('\n'));
+    QCOMPARE(run.exitCode, 1);
+    RawDatabase raw(home->databasePath());
+    QCOMPARE(raw.dumpTables(), before);
+    QCOMPARE(keptMonthStart(home->path()), QStringLiteral("25"));
+}
+
+void TestCommandLine::budgetUsageErrorsExitWith2_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<QString>("message");
+    QTest::newRow("unknown budget command") << QStringList { "budget", "raise", "Food" }
+                                            << QStringLiteral("Unknown budget command \"raise\".");
+    QTest::newRow("set without an amount") << QStringList { "budget", "set", "Food" }
+                                           << QStringLiteral("budget set takes CATEGORY AMOUNT.");
+    QTest::newRow("remove without a category") << QStringList { "budget", "remove" }
+                                               << QStringLiteral("budget remove takes CATEGORY.");
+    QTest::newRow("month start without a day") << QStringList { "budget", "month-start" }
+                                               << QStringLiteral("budget month-start takes N.");
+    QTest::newRow("another period") << QStringList { "budget", "set", "Food", "4", "--period", "day" }
+                                    << QStringLiteral("--period is month, week or year, not \"day\".");
+    QTest::newRow("period without a value") << QStringList { "budget", "set", "Food", "4", "--period" }
+                                            << QStringLiteral("Missing value after '--period'.");
+    QTest::newRow("period with the list") << QStringList { "budget", "--period", "week" }
+                                          << QStringLiteral("--period goes with budget set only.");
+    QTest::newRow("date with set") << QStringList { "budget", "set", "Food", "4", "--date", "2026-01-01" }
+                                   << QStringLiteral("--date goes with budget alone only.");
+    QTest::newRow("a date of another form") << QStringList { "budget", "--date", "24/11/2026" }
+                                            << QStringLiteral("--date is a day written yyyy-MM-dd, not \"24/11/2026\".");
+    QTest::newRow("no such day") << QStringList { "budget", "--date", "2026-02-30" }
+                                 << QStringLiteral("--date is a day written yyyy-MM-dd, not \"2026-02-30\".");
+    QTest::newRow("unknown option") << QStringList { "budget", "--all" } << QStringLiteral("Unknown option 'all'.");
+}
+
+void TestCommandLine::budgetUsageErrorsExitWith2()
+{
+    QFETCH(QStringList, arguments);
+    QFETCH(QString, message);
+    const Run run = runLedgerly(arguments, home->path());
+    QCOMPARE(run.out, QString());
+    QCOMPARE(run.err, message + QLatin1Char('\n') + tryHelp);
+    QCOMPARE(run.exitCode, 2);
+    QCOMPARE(QDir(home->path()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden), QStringList());
+}
+
+void TestCommandLine::findPrintsTheMatchesNewestFirstAndTheirCountAndTotal_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<QString>("out");
+    const QString bread = QStringLiteral("2026-03-02\tBread\tFood\t0.10\tBakery\n");
+    const QString kibble = QStringLiteral("2026-03-01\tKibble, large\tPets\t12.75\tPet Shop\n");
+    // 12.75 and the float nearest 0.1, added: 12.850000001490116.
+    QTest::newRow("everything") << QStringList { "find" } << bread + kibble + QStringLiteral("2 entries, total 12.85\n");
+    QTest::newRow("a text in any case") << QStringList { "find", "KIBBLE" }
+                                        << kibble + QStringLiteral("1 entry, total 12.75\n");
+    QTest::newRow("a text of the place") << QStringList { "find", "baker" }
+                                         << bread + QStringLiteral("1 entry, total 0.10\n");
+    QTest::newRow("a category") << QStringList { "find", "--category", "Pets" }
+                                << kibble + QStringLiteral("1 entry, total 12.75\n");
+    QTest::newRow("a place") << QStringList { "find", "--place", "SHOP" }
+                             << kibble + QStringLiteral("1 entry, total 12.75\n");
+    QTest::newRow("one day") << QStringList { "find", "--from", "2026-03-02", "--to", "2026-03-02" }
+                             << bread + QStringLiteral("1 entry, total 0.10\n");
+    QTest::newRow("amounts") << QStringList { "find", "--min", "1", "--max", "12.75" }
+                             << kibble + QStringLiteral("1 entry, total 12.75\n");
+    QTest::newRow("nothing") << QStringList { "find", "caviar" } << QStringLiteral("0 entries, total 0.00\n");
+    QTest::newRow("a category that does not exist") << QStringList { "find", "--category", "Caviar" }
+                                                    << QStringLiteral("0 entries, total 0.00\n");
+}
+
+void TestCommandLine::findPrintsTheMatchesNewestFirstAndTheirCountAndTotal()
+{
+    QFETCH(QStringList, arguments);
+    QFETCH(QString, out);
+    setUpDatabase();
+    const Run run = runLedgerly(arguments, home->path());
+    QCOMPARE(run.err, QString());
+    QCOMPARE(run.exitCode, 0);
+    QCOMPARE(run.out, out);
+}
+
+void TestCommandLine::findFindsAnAmountToTheCent()
+{
+    {
+        DatabaseManager store(nullptr);
+        for (const float price : { 49.89f, 49.90f, 49.91f }) {
+            Entry entry;
+            entry.TransactDateTime = QDateTime(QDate(2026, 3, 15), QTime(12, 0));
+            entry.ItemName = QStringLiteral("Shoes");
+            entry.CategoryName = QStringLiteral("Clothing");
+            entry.Price = price;
+            entry.LocationText = QStringLiteral("Mall");
+            QVERIFY(store.AddEntry(&entry));
+        }
+    }
+    const Run run = runLedgerly({ "find", "--min", "49.90", "--max", "49.90" }, home->path());
+    QCOMPARE(run.exitCode, 0);
+    QCOMPARE(run.out, QStringLiteral("2026-03-15\tShoes\tClothing\t49.90\tMall\n1 entry, total 49.90\n"));
+}
+
+void TestCommandLine::findAsCsvWritesWhatExportWritesAndTheSummaryOnStandardError()
+{
+    setUpDatabase();
+    const QString file = home->filePath(QStringLiteral("all.csv"));
+    QCOMPARE(runLedgerly({ QStringLiteral("export"), file }, home->path()).exitCode, 0);
+
+    const Run everything = runLedgerly({ "find", "--csv" }, home->path());
+    QCOMPARE(everything.exitCode, 0);
+    QCOMPARE(everything.out.toUtf8(), readFile(file));
+    QCOMPARE(everything.err, QStringLiteral("2 entries, total 12.85\n"));
+
+    const Run one = runLedgerly({ "find", "kibble", "--csv" }, home->path());
+    QCOMPARE(one.exitCode, 0);
+    QCOMPARE(one.out.toUtf8(),
+             csvHeader + "2026-03-01T09:30:00,\"Kibble, large\",Pets,12.75,Pet Shop,true,-3.5,40.25\r\n");
+    QCOMPARE(one.err, QStringLiteral("1 entry, total 12.75\n"));
 }
 
 QTEST_GUILESS_MAIN(TestCommandLine)

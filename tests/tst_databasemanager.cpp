@@ -2,9 +2,11 @@
 // Copyright 2026 The Ledgerly developers
 
 #include "databasemanager.h"
+#include "migrations.h"
 #include "describedfile.h"
 #include "migrations.h"
 #include "rawdatabase.h"
+#include "sampleentries.h"
 #include "temphome.h"
 #include "testsupport.h"
 #include "tiedentries.h"
@@ -22,6 +24,7 @@
 #include <QSqlTableModel>
 #include <QTest>
 
+#include <algorithm>
 #include <functional>
 #include <memory>
 #include <unistd.h>
@@ -79,29 +82,6 @@ const QStringList defaultCategories = {
 const QStringList defaultModes = { QStringLiteral("Default"), QStringLiteral("Money Saving"),
                                    QStringLiteral("Time Saving") };
 
-
-QDateTime at(int year, int month, int day, int hour = 0, int minute = 0, int second = 0)
-{
-    return QDateTime(QDate(year, month, day), QTime(hour, minute, second));
-}
-
-// An entry as the new-entry page builds it: without a geolocation it still
-// carries the page's fallback coordinates.
-Entry makeEntry(const QString &item, const QString &category, const QDateTime &when, float price,
-                const QString &location = QStringLiteral("Market"), bool geo = false, float longitude = 103.0f,
-                float latitude = 1.3f)
-{
-    Entry entry;
-    entry.ItemName = item;
-    entry.CategoryName = category;
-    entry.TransactDateTime = when;
-    entry.Price = price;
-    entry.LocationText = location;
-    entry.EnableGeoLoc = geo;
-    entry.GeoLocLongit = longitude;
-    entry.GeoLocLatit = latitude;
-    return entry;
-}
 
 Items makeItem(const QString &name, const QString &category, float lastPrice, int useFrequency = 1)
 {
@@ -181,6 +161,7 @@ private slots:
     void anImportTransactionIndexesTheCatalogueOnlyWhileItRuns();
     void anImportTransactionBesideAnUnfinishedReadRunsWithoutTheIndex();
     void statementsRepeatedInATransactionGiveTheSameResultsAsOutside();
+    void anImportFindsCategoriesAddedOrRenamedWhileItRuns();
     void aBackupWhileAModelHoldsAStatementOpenEqualsTheFile();
     void aCancelledBackupSaysSoAndCopiesNothingMore();
     void aBackupEqualsTheFileWithOrWithoutTheSqliteHandle();
@@ -270,11 +251,11 @@ void tst_DatabaseManager::cleanup()
 void tst_DatabaseManager::addSampleEntries(DatabaseManager &store)
 {
     const QList<Entry> entries = {
-        makeEntry(QStringLiteral("Coffee"), QStringLiteral("Drinks"), at(2026, 1, 10, 8, 0), 3.0f),
-        makeEntry(QStringLiteral("Bread"), QStringLiteral("Food"), at(2026, 1, 10, 8, 0), 2.0f),
-        makeEntry(QStringLiteral("Tea"), QStringLiteral("Drinks"), at(2026, 2, 5, 12, 0), 1.5f),
-        makeEntry(QStringLiteral("Cake"), QStringLiteral("Food"), at(2026, 3, 1, 18, 30), 5.0f),
-        makeEntry(QStringLiteral("Juice"), QStringLiteral("Drinks"), at(2026, 3, 20, 9, 15), 4.0f),
+        makeEntry(at(2026, 1, 10, 8, 0), QStringLiteral("Coffee"), QStringLiteral("Drinks"), 3.0f, QStringLiteral("Market")),
+        makeEntry(at(2026, 1, 10, 8, 0), QStringLiteral("Bread"), QStringLiteral("Food"), 2.0f, QStringLiteral("Market")),
+        makeEntry(at(2026, 2, 5, 12, 0), QStringLiteral("Tea"), QStringLiteral("Drinks"), 1.5f, QStringLiteral("Market")),
+        makeEntry(at(2026, 3, 1, 18, 30), QStringLiteral("Cake"), QStringLiteral("Food"), 5.0f, QStringLiteral("Market")),
+        makeEntry(at(2026, 3, 20, 9, 15), QStringLiteral("Juice"), QStringLiteral("Drinks"), 4.0f, QStringLiteral("Market")),
     };
     for (Entry entry : entries)
         QVERIFY(store.AddEntry(&entry));
@@ -332,26 +313,25 @@ void tst_DatabaseManager::aNewHomeGetsExactlyTheSixTablesWithTheirCreateStatemen
     RawDatabase raw(home->databasePath());
     const QList<QVariantList> rows = raw.rows(
         QStringLiteral("select name, sql from sqlite_master where type = 'table' and name <> 'sqlite_sequence'"));
-    // The six described tables, and beside them only the record of imports.
-    QStringList others;
-    for (const QVariantList &row : rows) {
-        if (std::none_of(describedCreateStatements().begin(), describedCreateStatements().end(),
-                         [&row](const auto &table) { return table.first == row.at(0).toString(); }))
-            others.append(row.at(0).toString());
-    }
-    others.sort();
-    QCOMPARE(others, QStringList({ QStringLiteral("ImportLog"), QStringLiteral("ImportedEntry") }));
-    QCOMPARE(rows.size(), describedCreateStatements().size() + others.size());
+    // The six described tables as described, and beside them exactly what
+    // the store's migrations add.
+    QCOMPARE(rows.size(), describedCreateStatements().size() + migrationObjectNames(QStringLiteral("table")).size());
     for (const auto &table : describedCreateStatements()) {
         const QList<QVariantList> matching = raw.rows(
             QStringLiteral("select sql from sqlite_master where type = 'table' and name = '%1'").arg(table.first));
         QCOMPARE(matching.size(), 1);
         QCOMPARE(matching.first().first().toString(), table.second);
     }
-    QCOMPARE(raw.scalar(QStringLiteral("select count(*) from sqlite_master where type in ('index', 'trigger') and "
-                                       "sql is not null"))
-                 .toInt(),
-             0);
+    for (const QString &type : { QStringLiteral("table"), QStringLiteral("index"), QStringLiteral("trigger") }) {
+        QStringList added;
+        const QString names = QStringLiteral("select name from sqlite_master where type = '%1' and sql is not null "
+                                             "and name not in ('Category', 'Items', 'Mode', 'HistoricLocation', "
+                                             "'ItemSubstitutes', 'Entry', 'sqlite_sequence') order by name")
+                                  .arg(type);
+        for (const QVariantList &row : raw.rows(names))
+            added << row.at(0).toString();
+        QCOMPARE(added, migrationObjectNames(type));
+    }
 }
 
 void tst_DatabaseManager::aFileOfTheSixTablesGetsTheRecordOfImportsAndKeepsItsRows()
@@ -424,9 +404,9 @@ void tst_DatabaseManager::startingAgainOnTheSameFileChangesNothing()
         RawDatabase raw(home->databasePath());
         before = raw.dumpTables();
     }
-    // Categories, modes, entries, items, the place, and the numbering of
-    // those five tables in sqlite_sequence.
-    QCOMPARE(before.size(), 37 + 3 + 5 + 5 + 1 + 5);
+    // Categories, modes, entries, items, the place, the numbering of those
+    // five tables in sqlite_sequence, and the search row of each entry.
+    QCOMPARE(before.size(), 37 + 3 + 5 + 5 + 1 + 5 + 5);
 
     auto again = startStore();
     QVERIFY(again->isUsable());
@@ -468,7 +448,7 @@ void tst_DatabaseManager::aDroppedEntryTableComesBackEmptyWhileTheOthersKeepThei
     RawDatabase raw(home->databasePath());
     QCOMPARE(raw.scalar(QStringLiteral("select sql from sqlite_master where name = 'Entry'")).toString(),
              describedCreateStatements().last().second);
-    Entry entry = makeEntry(QStringLiteral("Tea"), QStringLiteral("Drinks"), at(2026, 4, 1), 1.0f);
+    Entry entry = makeEntry(at(2026, 4, 1), QStringLiteral("Tea"), QStringLiteral("Drinks"), 1.0f, QStringLiteral("Market"));
     QVERIFY(store->AddEntry(&entry));
     QCOMPARE(store->GetTotalNumberOfEntries(), 1);
 }
@@ -496,7 +476,7 @@ void tst_DatabaseManager::aTableNamedInLowerCaseIsNotTakenForTheEntryTable()
     // The rest of the file was set up as usual; entry operations fail.
     QCOMPARE(store->GetNumberOfCategories(), 37);
     QCOMPARE(store->GetNumberOfModes(), 3);
-    Entry entry = makeEntry(QStringLiteral("Tea"), QStringLiteral("Drinks"), at(2026, 4, 1), 1.0f);
+    Entry entry = makeEntry(at(2026, 4, 1), QStringLiteral("Tea"), QStringLiteral("Drinks"), 1.0f, QStringLiteral("Market"));
     QVERIFY(!store->AddEntry(&entry));
     QCOMPARE(store->GetTotalNumberOfEntries(), 0);
     QVERIFY(owned(store->GetAllEntries()).isEmpty());
@@ -539,7 +519,7 @@ void tst_DatabaseManager::aFileOfRandomBytesMakesAnUnusableStoreAndStaysUntouche
     QVERIFY(owned(store->GetAllModes()).isEmpty());
     QCOMPARE(store->GetTotalNumberOfEntries(), 0);
     QCOMPARE(store->GetNumberOfCategories(), 0);
-    Entry entry = makeEntry(QStringLiteral("Tea"), QStringLiteral("Drinks"), at(2026, 4, 1), 1.0f);
+    Entry entry = makeEntry(at(2026, 4, 1), QStringLiteral("Tea"), QStringLiteral("Drinks"), 1.0f, QStringLiteral("Market"));
     QVERIFY(!store->AddEntry(&entry));
     QVERIFY(!store->AddCategory(QStringLiteral("Pets")));
     store.reset();
@@ -585,7 +565,7 @@ void tst_DatabaseManager::anUnopenedStoreAnswersEveryOperationWithItsFailureValu
     pairing.ItemName = QStringLiteral("Coffee");
     pairing.SubstituteName = QStringLiteral("Tea");
     HistoricLocation place = makePlace(QStringLiteral("Harbour"), 1.5f, 2.5f);
-    Entry entry = makeEntry(QStringLiteral("Coffee"), QStringLiteral("Drinks"), at(2026, 4, 1), 2.5f);
+    Entry entry = makeEntry(at(2026, 4, 1), QStringLiteral("Coffee"), QStringLiteral("Drinks"), 2.5f, QStringLiteral("Market"));
     const QDateTime day = at(2026, 4, 1);
     const QDateTime later = at(2026, 5, 1);
     const QString drinks = QStringLiteral("Drinks");
@@ -702,7 +682,7 @@ void tst_DatabaseManager::aSecondStoreOnTheSameFileSharesTheConnectionAndKeepsMo
         auto second = startStore();
         QVERIFY(second->isUsable());
         QCOMPARE(QSqlDatabase::connectionNames(), QStringList { QLatin1String(QSqlDatabase::defaultConnection) });
-        Entry entry = makeEntry(QStringLiteral("Tea"), QStringLiteral("Drinks"), at(2026, 4, 1), 1.5f);
+        Entry entry = makeEntry(at(2026, 4, 1), QStringLiteral("Tea"), QStringLiteral("Drinks"), 1.5f, QStringLiteral("Market"));
         QVERIFY(second->AddEntry(&entry));
         QVERIFY(model->select());
         QCOMPARE(model->rowCount(), 1);
@@ -832,8 +812,8 @@ void tst_DatabaseManager::aTransactionStoresEverythingItsWorkWrote()
 {
     auto store = startStore();
     QVERIFY(store->runInTransaction(DatabaseManager::WriteKind::Import, [&] {
-        Entry first = makeEntry(QStringLiteral("Coffee"), QStringLiteral("Drinks"), at(2026, 1, 10, 8, 0), 3.0f);
-        Entry second = makeEntry(QStringLiteral("Coffee"), QStringLiteral("Drinks"), at(2026, 1, 11, 8, 0), 3.5f);
+        Entry first = makeEntry(at(2026, 1, 10, 8, 0), QStringLiteral("Coffee"), QStringLiteral("Drinks"), 3.0f, QStringLiteral("Market"));
+        Entry second = makeEntry(at(2026, 1, 11, 8, 0), QStringLiteral("Coffee"), QStringLiteral("Drinks"), 3.5f, QStringLiteral("Market"));
         return store->AddCategory(QStringLiteral("Pets")) && store->AddEntry(&first) && store->AddEntry(&second);
     }));
     RawDatabase raw(home->databasePath());
@@ -841,10 +821,11 @@ void tst_DatabaseManager::aTransactionStoresEverythingItsWorkWrote()
     QCOMPARE(raw.rows(QStringLiteral("select ItemName, UseFrequency, LastPrice from Items")),
              QList<QVariantList>({ { QStringLiteral("Coffee"), 2, 3.5 } }));
     QCOMPARE(raw.scalar(QStringLiteral("select count(*) from Category where CategoryName = 'Pets'")).toInt(), 1);
-    // Nothing of the transaction's own making stays in the file.
+    // Nothing of the transaction's own making stays in the file: only the
+    // migrations' indexes are there.
     QCOMPARE(raw.scalar(QStringLiteral("select count(*) from sqlite_master where type = 'index' and sql is not null"))
                  .toInt(),
-             0);
+             migrationObjectNames(QStringLiteral("index")).size());
 }
 
 void tst_DatabaseManager::aTransactionWhoseWorkFailsStoresNothing()
@@ -857,15 +838,14 @@ void tst_DatabaseManager::aTransactionWhoseWorkFailsStoresNothing()
     QVERIFY(!store->runInTransaction(
         DatabaseManager::WriteKind::Import,
         [&] {
-            Entry entry = makeEntry(QStringLiteral("Cake"), QStringLiteral("Sweets"), at(2026, 4, 1), 6.0f,
-                                    QStringLiteral("Bakery"), true, 10.0f, 20.0f);
+            Entry entry = makeEntry(at(2026, 4, 1), QStringLiteral("Cake"), QStringLiteral("Sweets"), 6.0f, QStringLiteral("Bakery"), true, 10.0f, 20.0f);
             return store->AddCategory(QStringLiteral("Sweets")) && store->AddEntry(&entry) && false;
         },
         &failure));
     QCOMPARE(failure, QStringLiteral("the work's own reason"));
     QCOMPARE(raw.dumpTables(), before);
     // The store goes on as before, outside any transaction.
-    Entry after = makeEntry(QStringLiteral("Tea"), QStringLiteral("Drinks"), at(2026, 4, 2), 1.0f);
+    Entry after = makeEntry(at(2026, 4, 2), QStringLiteral("Tea"), QStringLiteral("Drinks"), 1.0f, QStringLiteral("Market"));
     QVERIFY(store->AddEntry(&after));
     QCOMPARE(raw.scalar(QStringLiteral("select count(*) from Entry")).toInt(), 6);
 }
@@ -884,7 +864,7 @@ void tst_DatabaseManager::aCommitThatCannotGetTheFileStoresNothingAndSaysWhy()
     QVERIFY(!store->runInTransaction(
         DatabaseManager::WriteKind::Edits,
         [&] {
-            Entry entry = makeEntry(QStringLiteral("Cake"), QStringLiteral("Food"), at(2026, 4, 1), 6.0f);
+            Entry entry = makeEntry(at(2026, 4, 1), QStringLiteral("Cake"), QStringLiteral("Food"), 6.0f, QStringLiteral("Market"));
             return store->AddEntry(&entry);
         },
         &failure));
@@ -925,8 +905,7 @@ void tst_DatabaseManager::anImportTransactionBesideAnUnfinishedReadRunsWithoutTh
     // More rows than a table model reads at first: its statement stays open.
     QVERIFY(store->runInTransaction(DatabaseManager::WriteKind::Import, [&] {
         for (int i = 0; i < 600; ++i) {
-            Entry entry = makeEntry(QStringLiteral("Item %1").arg(i % 7), QStringLiteral("Food"),
-                                    at(2026, 1, 1).addSecs(i * 60), 1.0f + i);
+            Entry entry = makeEntry(at(2026, 1, 1).addSecs(i * 60), QStringLiteral("Item %1").arg(i % 7), QStringLiteral("Food"), 1.0f + i, QStringLiteral("Market"));
             if (!store->AddEntry(&entry))
                 return false;
         }
@@ -943,7 +922,7 @@ void tst_DatabaseManager::anImportTransactionBesideAnUnfinishedReadRunsWithoutTh
                 query.next()
             ? query.value(0).toInt()
             : -1;
-        Entry entry = makeEntry(QStringLiteral("Item 3"), QStringLiteral("Food"), at(2026, 6, 1), 2.0f);
+        Entry entry = makeEntry(at(2026, 6, 1), QStringLiteral("Item 3"), QStringLiteral("Food"), 2.0f, QStringLiteral("Market"));
         return store->AddEntry(&entry);
     }));
     QCOMPARE(during, 0);
@@ -961,9 +940,7 @@ void tst_DatabaseManager::statementsRepeatedInATransactionGiveTheSameResultsAsOu
     const auto addAll = [](DatabaseManager &store) {
         for (int i = 0; i < 40; ++i) {
             Entry entry =
-                makeEntry(QStringLiteral("Item %1").arg(i % 5),
-                          i % 2 ? QStringLiteral("Food") : QStringLiteral("Unknown"), at(2026, 1, 1).addDays(i),
-                          1.5f * i, QStringLiteral("Place %1").arg(i % 3), i % 3 == 0, 10.0f + i % 3, 20.0f);
+                makeEntry(at(2026, 1, 1).addDays(i), QStringLiteral("Item %1").arg(i % 5), i % 2 ? QStringLiteral("Food") : QStringLiteral("Unknown"), 1.5f * i, QStringLiteral("Place %1").arg(i % 3), i % 3 == 0, 10.0f + i % 3, 20.0f);
             if (!store.AddEntry(&entry))
                 return false;
         }
@@ -987,14 +964,42 @@ void tst_DatabaseManager::statementsRepeatedInATransactionGiveTheSameResultsAsOu
     QCOMPARE(raw.scalar(QStringLiteral("select min(UseFrequency) from Items")).toInt(), 4);
 }
 
+void tst_DatabaseManager::anImportFindsCategoriesAddedOrRenamedWhileItRuns()
+{
+    // An import keeps the categories' numbers it looked up; a category
+    // added or renamed meanwhile is found by its new name only.
+    auto store = startStore();
+    int missing = -1;
+    int added = -1;
+    int oldName = -1;
+    int newName = -1;
+    QVERIFY(store->runInTransaction(DatabaseManager::WriteKind::Import, [&] {
+        missing = store->GetCategoryID(QStringLiteral("Pets"));
+        if (!store->AddCategory(QStringLiteral("Pets")))
+            return false;
+        added = store->GetCategoryID(QStringLiteral("Pets"));
+        if (!store->EditCategory(QStringLiteral("Pets"), QStringLiteral("Animals")))
+            return false;
+        oldName = store->GetCategoryID(QStringLiteral("Pets"));
+        newName = store->GetCategoryID(QStringLiteral("Animals"));
+        return true;
+    }));
+    RawDatabase raw(home->databasePath());
+    const int stored = raw.scalar(QStringLiteral("select SNo from Category where CategoryName = 'Animals'")).toInt();
+    QVERIFY(stored > 0);
+    QCOMPARE(missing, 0);
+    QCOMPARE(added, stored);
+    QCOMPARE(oldName, 0);
+    QCOMPARE(newName, stored);
+}
+
 void tst_DatabaseManager::aBackupWhileAModelHoldsAStatementOpenEqualsTheFile()
 {
     auto store = startStore();
     QVERIFY(store->runInTransaction(DatabaseManager::WriteKind::Import, [&] {
         for (int i = 0; i < 700; ++i) {
             Entry entry =
-                makeEntry(QStringLiteral("Item %1").arg(i % 11), QStringLiteral("Food"),
-                          at(2026, 1, 1).addSecs(i * 600), 0.5f + i, QStringLiteral("Shop"), i % 2, 1.0f, 2.0f);
+                makeEntry(at(2026, 1, 1).addSecs(i * 600), QStringLiteral("Item %1").arg(i % 11), QStringLiteral("Food"), 0.5f + i, QStringLiteral("Shop"), i % 2, 1.0f, 2.0f);
             if (!store->AddEntry(&entry))
                 return false;
         }
@@ -1065,9 +1070,8 @@ void tst_DatabaseManager::aCancelledBackupSaysSoAndCopiesNothingMore()
 void tst_DatabaseManager::theStoreWritesDatesBooleansAndFloatsInTheirStorageForms()
 {
     auto store = startStore();
-    Entry plain = makeEntry(QStringLiteral("Coffee"), QStringLiteral("Drinks"), QDate(2026, 11, 15).startOfDay(), 2.5f);
-    Entry located = makeEntry(QStringLiteral("Bread"), QStringLiteral("Food"), at(2026, 11, 16, 13, 8, 59), 0.1f,
-                              QStringLiteral("Harbour"), true, -3.5f, 40.25f);
+    Entry plain = makeEntry(QDate(2026, 11, 15).startOfDay(), QStringLiteral("Coffee"), QStringLiteral("Drinks"), 2.5f, QStringLiteral("Market"));
+    Entry located = makeEntry(at(2026, 11, 16, 13, 8, 59), QStringLiteral("Bread"), QStringLiteral("Food"), 0.1f, QStringLiteral("Harbour"), true, -3.5f, 40.25f);
     QVERIFY(store->AddEntry(&plain));
     QVERIFY(store->AddEntry(&located));
 
@@ -1112,8 +1116,7 @@ void tst_DatabaseManager::theCoordinateTextJoinsLongitudeAndLatitudeWithADash()
     QFETCH(float, latitude);
     QFETCH(QString, text);
     auto store = startStore();
-    Entry entry = makeEntry(QStringLiteral("Coffee"), QStringLiteral("Drinks"), at(2026, 4, 1), 2.5f,
-                            QStringLiteral("Somewhere"), true, longitude, latitude);
+    Entry entry = makeEntry(at(2026, 4, 1), QStringLiteral("Coffee"), QStringLiteral("Drinks"), 2.5f, QStringLiteral("Somewhere"), true, longitude, latitude);
     QVERIFY(store->AddEntry(&entry));
     const auto places = owned(store->GetAllHistoricLocation());
     QCOMPARE(places.size(), 1);
@@ -1170,7 +1173,7 @@ void tst_DatabaseManager::aFileWrittenInTheStorageFormsReadsBackFieldForField()
     QCOMPARE(store->GetDateOfLastEntry(), when);
     QCOMPARE(store->GetDateOfFirstEntry(), at(2019, 6, 29));
     QCOMPARE(store->GetNumberOfEntriesOnDate(when), 1);
-    Entry lookup = makeEntry(QStringLiteral("Coffee"), QStringLiteral("Drinks"), when, 3.75f, QStringLiteral("Cafe"));
+    Entry lookup = makeEntry(when, QStringLiteral("Coffee"), QStringLiteral("Drinks"), 3.75f, QStringLiteral("Cafe"));
     QCOMPARE(store->GetEntryID(&lookup), 1);
 }
 
@@ -1193,10 +1196,10 @@ void tst_DatabaseManager::hardTextRoundTripsThroughAddEntry()
 {
     QFETCH(QString, text);
     auto store = startStore();
-    Entry entry = makeEntry(text, QStringLiteral("Food"), at(2026, 4, 1, 12), 9.99f, text, true, 10.5f, 20.25f);
+    Entry entry = makeEntry(at(2026, 4, 1, 12), text, QStringLiteral("Food"), 9.99f, text, true, 10.5f, 20.25f);
     QVERIFY(store->AddEntry(&entry));
     // The same text as the category, too.
-    Entry inItsOwnCategory = makeEntry(text, text, at(2026, 4, 2, 12), 1.5f, text);
+    Entry inItsOwnCategory = makeEntry(at(2026, 4, 2, 12), text, text, 1.5f, text);
     QVERIFY(store->AddEntry(&inItsOwnCategory));
 
     const auto all = owned(store->GetAllEntries());
@@ -1228,7 +1231,7 @@ void tst_DatabaseManager::hardTextRoundTripsThroughAddEntry()
 void tst_DatabaseManager::entriesKeepOneCatalogueRowPerItemAndCategory()
 {
     auto store = startStore();
-    Entry first = makeEntry(QStringLiteral("Coffee"), QStringLiteral("Drinks"), at(2026, 4, 2), 2.5f);
+    Entry first = makeEntry(at(2026, 4, 2), QStringLiteral("Coffee"), QStringLiteral("Drinks"), 2.5f, QStringLiteral("Market"));
     QVERIFY(store->AddEntry(&first));
     {
         const auto items = owned(store->GetAllItems());
@@ -1238,7 +1241,7 @@ void tst_DatabaseManager::entriesKeepOneCatalogueRowPerItemAndCategory()
         QCOMPARE(items[0]->CategoryID, 2);
     }
     // An older date still sets the last price: it is the last one entered.
-    Entry second = makeEntry(QStringLiteral("Coffee"), QStringLiteral("Drinks"), at(2026, 4, 1), 3.0f);
+    Entry second = makeEntry(at(2026, 4, 1), QStringLiteral("Coffee"), QStringLiteral("Drinks"), 3.0f, QStringLiteral("Market"));
     QVERIFY(store->AddEntry(&second));
     {
         const auto items = owned(store->GetAllItems());
@@ -1246,7 +1249,7 @@ void tst_DatabaseManager::entriesKeepOneCatalogueRowPerItemAndCategory()
         QCOMPARE(items[0]->UseFrequency, 2);
         QCOMPARE(items[0]->LastPrice, 3.0f);
     }
-    Entry food = makeEntry(QStringLiteral("Coffee"), QStringLiteral("Food"), at(2026, 4, 3), 4.0f);
+    Entry food = makeEntry(at(2026, 4, 3), QStringLiteral("Coffee"), QStringLiteral("Food"), 4.0f, QStringLiteral("Market"));
     QVERIFY(store->AddEntry(&food));
     const auto items = owned(store->GetAllItems());
     QCOMPARE(items.size(), 2);
@@ -1264,7 +1267,7 @@ void tst_DatabaseManager::entriesKeepOneCatalogueRowPerItemAndCategory()
 void tst_DatabaseManager::anEntryInAnUnknownCategoryIsStoredWithCategoryIdZero()
 {
     auto store = startStore();
-    Entry entry = makeEntry(QStringLiteral("Bone"), QStringLiteral("Pets"), at(2026, 4, 1), 1.0f);
+    Entry entry = makeEntry(at(2026, 4, 1), QStringLiteral("Bone"), QStringLiteral("Pets"), 1.0f, QStringLiteral("Market"));
     entry.CategoryID = 17;
     QVERIFY(store->AddEntry(&entry));
 
@@ -1282,8 +1285,7 @@ void tst_DatabaseManager::anEntryWithoutGeolocationLeavesThePlacesUntouched()
     RawDatabase raw(home->databasePath());
     const QList<QVariantList> before = raw.rows(QStringLiteral("select * from HistoricLocation"));
 
-    Entry entry = makeEntry(QStringLiteral("Tea"), QStringLiteral("Drinks"), at(2026, 4, 1), 1.0f,
-                            QStringLiteral("Elsewhere"), false, 5.0f, 6.0f);
+    Entry entry = makeEntry(at(2026, 4, 1), QStringLiteral("Tea"), QStringLiteral("Drinks"), 1.0f, QStringLiteral("Elsewhere"), false, 5.0f, 6.0f);
     QVERIFY(store->AddEntry(&entry));
     QCOMPARE(raw.rows(QStringLiteral("select * from HistoricLocation")), before);
     QCOMPARE(store->GetNumberOfHistoricLocations(), 1);
@@ -1292,7 +1294,7 @@ void tst_DatabaseManager::anEntryWithoutGeolocationLeavesThePlacesUntouched()
 void tst_DatabaseManager::anEntryWithoutGeolocationKeepsTheCallersCoordinatesAndPlaceZero()
 {
     auto store = startStore();
-    Entry entry = makeEntry(QStringLiteral("Tea"), QStringLiteral("Drinks"), at(2026, 4, 1), 1.0f);
+    Entry entry = makeEntry(at(2026, 4, 1), QStringLiteral("Tea"), QStringLiteral("Drinks"), 1.0f, QStringLiteral("Market"));
     entry.GeoLocID = 9;
     QVERIFY(store->AddEntry(&entry));
 
@@ -1310,10 +1312,8 @@ void tst_DatabaseManager::anEntryWithoutGeolocationKeepsTheCallersCoordinatesAnd
 void tst_DatabaseManager::twoEntriesAtTheSamePlaceShareOnePlaceRow()
 {
     auto store = startStore();
-    Entry first = makeEntry(QStringLiteral("Tea"), QStringLiteral("Drinks"), at(2026, 4, 1), 1.0f,
-                            QStringLiteral("Harbour"), true, 103.8488f, 1.2903f);
-    Entry second = makeEntry(QStringLiteral("Cake"), QStringLiteral("Food"), at(2026, 4, 2), 2.0f,
-                             QStringLiteral("Harbour"), true, 103.8488f, 1.2903f);
+    Entry first = makeEntry(at(2026, 4, 1), QStringLiteral("Tea"), QStringLiteral("Drinks"), 1.0f, QStringLiteral("Harbour"), true, 103.8488f, 1.2903f);
+    Entry second = makeEntry(at(2026, 4, 2), QStringLiteral("Cake"), QStringLiteral("Food"), 2.0f, QStringLiteral("Harbour"), true, 103.8488f, 1.2903f);
     QVERIFY(store->AddEntry(&first));
     QVERIFY(store->AddEntry(&second));
 
@@ -1329,10 +1329,8 @@ void tst_DatabaseManager::twoEntriesAtTheSamePlaceShareOnePlaceRow()
 void tst_DatabaseManager::anEntryAtAKnownPlaceNameWithOtherCoordinatesGetsPlaceZero()
 {
     auto store = startStore();
-    Entry first = makeEntry(QStringLiteral("Tea"), QStringLiteral("Drinks"), at(2026, 4, 1), 1.0f,
-                            QStringLiteral("Harbour"), true, 10.0f, 20.0f);
-    Entry moved = makeEntry(QStringLiteral("Tea"), QStringLiteral("Drinks"), at(2026, 4, 2), 1.0f,
-                            QStringLiteral("Harbour"), true, 11.0f, 21.0f);
+    Entry first = makeEntry(at(2026, 4, 1), QStringLiteral("Tea"), QStringLiteral("Drinks"), 1.0f, QStringLiteral("Harbour"), true, 10.0f, 20.0f);
+    Entry moved = makeEntry(at(2026, 4, 2), QStringLiteral("Tea"), QStringLiteral("Drinks"), 1.0f, QStringLiteral("Harbour"), true, 11.0f, 21.0f);
     QVERIFY(store->AddEntry(&first));
     QVERIFY(store->AddEntry(&moved));
 
@@ -1374,7 +1372,7 @@ void tst_DatabaseManager::renamingACategoryToANameInUseFails()
 void tst_DatabaseManager::renamingACategoryLeavesItsEntriesUnderTheOldName()
 {
     auto store = startStore();
-    Entry entry = makeEntry(QStringLiteral("Bread"), QStringLiteral("Food"), at(2026, 4, 1), 1.0f);
+    Entry entry = makeEntry(at(2026, 4, 1), QStringLiteral("Bread"), QStringLiteral("Food"), 1.0f, QStringLiteral("Market"));
     QVERIFY(store->AddEntry(&entry));
     QVERIFY(store->EditCategory(QStringLiteral("Food"), QStringLiteral("Meals")));
 
@@ -1397,7 +1395,7 @@ void tst_DatabaseManager::anUnknownCategoryHasIdZero()
 void tst_DatabaseManager::deletingAnOrdinaryEntryFailsAndKeepsTheRow()
 {
     auto store = startStore();
-    Entry entry = makeEntry(QStringLiteral("Coffee"), QStringLiteral("Drinks"), at(2026, 4, 1, 14, 30), 2.5f);
+    Entry entry = makeEntry(at(2026, 4, 1, 14, 30), QStringLiteral("Coffee"), QStringLiteral("Drinks"), 2.5f, QStringLiteral("Market"));
     QVERIFY(store->AddEntry(&entry));
     QVERIFY(!store->DeleteEntry(&entry));
     QCOMPARE(store->GetTotalNumberOfEntries(), 1);
@@ -1451,14 +1449,13 @@ void tst_DatabaseManager::anEntryWithoutItemOrCategoryNameIsRefusedBeforeTheCata
     QFETCH(QString, item);
     QFETCH(QString, category);
     auto store = startStore();
-    Entry entry = makeEntry(item, category, at(2026, 4, 1), 2.5f);
+    Entry entry = makeEntry(at(2026, 4, 1), item, category, 2.5f, QStringLiteral("Market"));
     QVERIFY(!store->AddEntry(&entry));
     QCOMPARE(store->GetTotalNumberOfItems(), 0);
     QCOMPARE(store->GetTotalNumberOfEntries(), 0);
 
     // An empty text is not a null one: it is stored.
-    Entry empty = makeEntry(item.isNull() ? QLatin1String("") : item, category.isNull() ? QLatin1String("") : category,
-                            at(2026, 4, 1), 2.5f);
+    Entry empty = makeEntry(at(2026, 4, 1), item.isNull() ? QLatin1String("") : item, category.isNull() ? QLatin1String("") : category, 2.5f, QStringLiteral("Market"));
     QVERIFY(store->AddEntry(&empty));
     QCOMPARE(store->GetTotalNumberOfEntries(), 1);
 }
@@ -1466,9 +1463,9 @@ void tst_DatabaseManager::anEntryWithoutItemOrCategoryNameIsRefusedBeforeTheCata
 void tst_DatabaseManager::anEntryWithoutDateUpdatesItsCatalogueRowButIsRefused()
 {
     auto store = startStore();
-    Entry dated = makeEntry(QStringLiteral("Coffee"), QStringLiteral("Drinks"), at(2026, 4, 1), 2.5f);
+    Entry dated = makeEntry(at(2026, 4, 1), QStringLiteral("Coffee"), QStringLiteral("Drinks"), 2.5f, QStringLiteral("Market"));
     QVERIFY(store->AddEntry(&dated));
-    Entry undated = makeEntry(QStringLiteral("Coffee"), QStringLiteral("Drinks"), QDateTime(), 3.5f);
+    Entry undated = makeEntry(QDateTime(), QStringLiteral("Coffee"), QStringLiteral("Drinks"), 3.5f, QStringLiteral("Market"));
     QVERIFY(!store->AddEntry(&undated));
 
     QCOMPARE(store->GetTotalNumberOfEntries(), 1);
@@ -1481,8 +1478,7 @@ void tst_DatabaseManager::anEntryWithoutDateUpdatesItsCatalogueRowButIsRefused()
 void tst_DatabaseManager::aPlaceIsStoredWithAnEmptyReverseGeolocation()
 {
     auto store = startStore();
-    Entry entry = makeEntry(QStringLiteral("Tea"), QStringLiteral("Drinks"), at(2026, 4, 1), 1.0f,
-                            QStringLiteral("Harbour"), true, 1.5f, 2.5f);
+    Entry entry = makeEntry(at(2026, 4, 1), QStringLiteral("Tea"), QStringLiteral("Drinks"), 1.0f, QStringLiteral("Harbour"), true, 1.5f, 2.5f);
     QVERIFY(store->AddEntry(&entry));
     RawDatabase raw(home->databasePath());
     const QList<QVariantList> rows =
@@ -1615,7 +1611,7 @@ void tst_DatabaseManager::anEntryIsFoundByItsFields()
 {
     auto store = startStore();
     addSampleEntries(*store);
-    Entry cake = makeEntry(QStringLiteral("Cake"), QStringLiteral("Food"), at(2026, 3, 1, 18, 30), 5.0f);
+    Entry cake = makeEntry(at(2026, 3, 1, 18, 30), QStringLiteral("Cake"), QStringLiteral("Food"), 5.0f, QStringLiteral("Market"));
     QCOMPARE(store->GetEntryID(&cake), 4);
     cake.TransactDateTime = at(2026, 3, 1, 18, 31);
     QCOMPARE(store->GetEntryID(&cake), 0);
@@ -1655,7 +1651,7 @@ void tst_DatabaseManager::periodBoundsIncludeAnEntryAtExactlyTheirTime()
     QFETCH(QDateTime, end);
     QFETCH(bool, found);
     auto store = startStore();
-    Entry entry = makeEntry(QStringLiteral("Coffee"), QStringLiteral("Drinks"), at(2026, 5, 12, 14, 30), 2.5f);
+    Entry entry = makeEntry(at(2026, 5, 12, 14, 30), QStringLiteral("Coffee"), QStringLiteral("Drinks"), 2.5f, QStringLiteral("Market"));
     QVERIFY(store->AddEntry(&entry));
 
     QCOMPARE(owned(store->GetAllEntriesBetweenDates(start, end)).size(), found ? 1 : 0);
@@ -1667,7 +1663,7 @@ void tst_DatabaseManager::periodBoundsIncludeAnEntryAtExactlyTheirTime()
 void tst_DatabaseManager::aDateThatDiffersOnlyInTimeOfDayFindsNoEntry()
 {
     auto store = startStore();
-    Entry entry = makeEntry(QStringLiteral("Coffee"), QStringLiteral("Drinks"), at(2026, 5, 12, 14, 30), 2.5f);
+    Entry entry = makeEntry(at(2026, 5, 12, 14, 30), QStringLiteral("Coffee"), QStringLiteral("Drinks"), 2.5f, QStringLiteral("Market"));
     QVERIFY(store->AddEntry(&entry));
     QVERIFY(owned(store->GetAllEntriesOnDate(at(2026, 5, 12))).isEmpty());
     QVERIFY(owned(store->GetAllEntriesOfCategoryOnDate(QStringLiteral("Drinks"), at(2026, 5, 12))).isEmpty());
@@ -1798,7 +1794,7 @@ void tst_DatabaseManager::topNItemsAreTheLeastUsedOnesInAscendingOrder()
                                               { QStringLiteral("Sometimes"), 3 } };
     for (const auto &use : uses) {
         for (int i = 0; i < use.second; ++i) {
-            Entry entry = makeEntry(use.first, QStringLiteral("Food"), at(2026, 4, 1 + i), 1.0f);
+            Entry entry = makeEntry(at(2026, 4, 1 + i), use.first, QStringLiteral("Food"), 1.0f, QStringLiteral("Market"));
             QVERIFY(store->AddEntry(&entry));
         }
     }
@@ -1859,10 +1855,10 @@ void tst_DatabaseManager::distinctCategoriesOfEntriesIncludeRenamedOnesAndSkipUn
 void tst_DatabaseManager::distinctDatesTellApartTwoTimesOfTheSameDay()
 {
     auto store = startStore();
-    Entry morning = makeEntry(QStringLiteral("Coffee"), QStringLiteral("Drinks"), at(2026, 4, 1, 8), 2.0f);
-    Entry evening = makeEntry(QStringLiteral("Wine"), QStringLiteral("Drinks"), at(2026, 4, 1, 20), 9.0f);
-    Entry again = makeEntry(QStringLiteral("Tea"), QStringLiteral("Drinks"), at(2026, 4, 1, 8), 1.0f);
-    Entry other = makeEntry(QStringLiteral("Bread"), QStringLiteral("Food"), at(2026, 4, 2), 1.0f);
+    Entry morning = makeEntry(at(2026, 4, 1, 8), QStringLiteral("Coffee"), QStringLiteral("Drinks"), 2.0f, QStringLiteral("Market"));
+    Entry evening = makeEntry(at(2026, 4, 1, 20), QStringLiteral("Wine"), QStringLiteral("Drinks"), 9.0f, QStringLiteral("Market"));
+    Entry again = makeEntry(at(2026, 4, 1, 8), QStringLiteral("Tea"), QStringLiteral("Drinks"), 1.0f, QStringLiteral("Market"));
+    Entry other = makeEntry(at(2026, 4, 2), QStringLiteral("Bread"), QStringLiteral("Food"), 1.0f, QStringLiteral("Market"));
     for (Entry *entry : { &morning, &evening, &again, &other })
         QVERIFY(store->AddEntry(entry));
 
@@ -1875,10 +1871,10 @@ void tst_DatabaseManager::entriesOfEqualPriceKeepTheirStoredOrder()
     auto store = startStore();
     const QStringList names = { QStringLiteral("First"), QStringLiteral("Second"), QStringLiteral("Third") };
     for (int i = 0; i < names.size(); ++i) {
-        Entry entry = makeEntry(names.at(i), QStringLiteral("Food"), at(2026, 4, 1 + i), 2.0f);
+        Entry entry = makeEntry(at(2026, 4, 1 + i), names.at(i), QStringLiteral("Food"), 2.0f, QStringLiteral("Market"));
         QVERIFY(store->AddEntry(&entry));
     }
-    Entry cheap = makeEntry(QStringLiteral("Cheap"), QStringLiteral("Food"), at(2026, 4, 9), 1.0f);
+    Entry cheap = makeEntry(at(2026, 4, 9), QStringLiteral("Cheap"), QStringLiteral("Food"), 1.0f, QStringLiteral("Market"));
     QVERIFY(store->AddEntry(&cheap));
 
     const auto byPrice = owned(store->GetAllEntriesOrderByPrice());
@@ -2060,7 +2056,7 @@ void tst_DatabaseManager::theContentVersionMovesWithEveryWriteAndOnlyThen()
     QCOMPARE(store->contentVersion(), first);
 
     // A write through the store.
-    Entry entry = makeEntry(QStringLiteral("Soup"), QStringLiteral("Food"), at(2026, 5, 1), 4.0f);
+    Entry entry = makeEntry(at(2026, 5, 1), QStringLiteral("Soup"), QStringLiteral("Food"), 4.0f, QStringLiteral("Market"));
     QVERIFY(store->AddEntry(&entry));
     const auto second = store->contentVersion();
     QVERIFY(second.has_value());
@@ -2160,7 +2156,7 @@ void tst_DatabaseManager::aKilledWriterLeavesAWholeFileWithEveryConfirmedEntryOn
         storedBefore = stored;
     }
     auto store = startStore();
-    Entry after = makeEntry(QStringLiteral("After"), QStringLiteral("Food"), at(2026, 6, 1), 1.0f);
+    Entry after = makeEntry(at(2026, 6, 1), QStringLiteral("After"), QStringLiteral("Food"), 1.0f, QStringLiteral("Market"));
     QVERIFY(store->AddEntry(&after));
 }
 
@@ -2176,8 +2172,7 @@ void tst_DatabaseManager::aFullFileRefusesAnEntryWholeAndTakesItOnceThereIsRoom(
 
     // A new item would fit in the catalogue, but its entry does not fit:
     // neither is written.
-    Entry entry = makeEntry(QStringLiteral("Coffee beans"), QStringLiteral("Groceries"), at(2026, 4, 2), 12.5f,
-                            QStringLiteral("Corner shop"), true, 10.5f, 20.25f);
+    Entry entry = makeEntry(at(2026, 4, 2), QStringLiteral("Coffee beans"), QStringLiteral("Groceries"), 12.5f, QStringLiteral("Corner shop"), true, 10.5f, 20.25f);
     QVERIFY(!store->AddEntry(&entry));
     QCOMPARE(raw.dumpTables(), full);
     QCOMPARE(store->GetItemID(QStringLiteral("Coffee beans"), QStringLiteral("Groceries")), 0);
@@ -2201,8 +2196,7 @@ void tst_DatabaseManager::aLockedFileFailsAnEntryAfterOneWaitAndLeavesNothingHal
     const QStringList before = raw.dumpTables();
 
     QVERIFY(raw.exec(QStringLiteral("BEGIN EXCLUSIVE")));
-    Entry entry = makeEntry(QStringLiteral("Coffee beans"), QStringLiteral("Groceries"), at(2026, 4, 2), 12.5f,
-                            QStringLiteral("Corner shop"), true, 10.5f, 20.25f);
+    Entry entry = makeEntry(at(2026, 4, 2), QStringLiteral("Coffee beans"), QStringLiteral("Groceries"), 12.5f, QStringLiteral("Corner shop"), true, 10.5f, 20.25f);
     QElapsedTimer adding;
     adding.start();
     QVERIFY(!store->AddEntry(&entry));
@@ -2225,7 +2219,7 @@ void tst_DatabaseManager::anEntryAddedInsideACallersTransactionGoesWithIt()
     QSqlDatabase connection = QSqlDatabase::database();
 
     QVERIFY(connection.transaction());
-    Entry entry = makeEntry(QStringLiteral("Coffee beans"), QStringLiteral("Groceries"), at(2026, 4, 2), 12.5f);
+    Entry entry = makeEntry(at(2026, 4, 2), QStringLiteral("Coffee beans"), QStringLiteral("Groceries"), 12.5f, QStringLiteral("Market"));
     QVERIFY(store->AddEntry(&entry));
     QCOMPARE(store->GetTotalNumberOfEntries(), 6);
     QVERIFY(connection.rollback());
@@ -2260,8 +2254,7 @@ void tst_DatabaseManager::theCatalogueListsEachNameOnceTheMostUsedFirstWithItsMo
     };
     int day = 1;
     for (const Bought &purchase : bought) {
-        Entry entry = makeEntry(QLatin1String(purchase.item), QLatin1String(purchase.category), at(2026, 5, day++),
-                                purchase.price);
+        Entry entry = makeEntry(at(2026, 5, day++), QLatin1String(purchase.item), QLatin1String(purchase.category), purchase.price, QStringLiteral("Market"));
         QVERIFY(store->AddEntry(&entry));
     }
 
@@ -2330,13 +2323,10 @@ void tst_DatabaseManager::spendingPerPlaceSumsTheEntriesOfEachPlaceTextLargestFi
     auto store = startStore();
     QVERIFY(owned(store->GetSpendingPerPlace()).isEmpty());
     const QList<Entry> entries = {
-        makeEntry(QStringLiteral("Bread"), QStringLiteral("Food"), at(2026, 3, 1, 18, 30), 3.0f,
-                  QStringLiteral("Market")),
-        makeEntry(QStringLiteral("Ferry"), QStringLiteral("Others"), at(2026, 2, 2, 9, 0), 10.0f,
-                  QStringLiteral("Harbour")),
-        makeEntry(QStringLiteral("Milk"), QStringLiteral("Food"), at(2026, 1, 10, 8, 0), 2.5f,
-                  QStringLiteral("Market")),
-        makeEntry(QStringLiteral("Gum"), QStringLiteral("Food"), at(2026, 4, 4, 16, 0), 0.5f, QString("")),
+        makeEntry(at(2026, 3, 1, 18, 30), QStringLiteral("Bread"), QStringLiteral("Food"), 3.0f, QStringLiteral("Market")),
+        makeEntry(at(2026, 2, 2, 9, 0), QStringLiteral("Ferry"), QStringLiteral("Others"), 10.0f, QStringLiteral("Harbour")),
+        makeEntry(at(2026, 1, 10, 8, 0), QStringLiteral("Milk"), QStringLiteral("Food"), 2.5f, QStringLiteral("Market")),
+        makeEntry(at(2026, 4, 4, 16, 0), QStringLiteral("Gum"), QStringLiteral("Food"), 0.5f, QString("")),
     };
     for (Entry entry : entries)
         QVERIFY(store->AddEntry(&entry));
@@ -2372,15 +2362,11 @@ void tst_DatabaseManager::spendingPerRememberedPlaceCountsOnlyTheEntriesThatPoin
 {
     auto store = startStore();
     const QList<Entry> entries = {
-        makeEntry(QStringLiteral("Ferry"), QStringLiteral("Others"), at(2026, 2, 2), 4.0f, QStringLiteral("Harbour"),
-                  true, 103.85f, 1.28f),
-        makeEntry(QStringLiteral("Lunch"), QStringLiteral("Food"), at(2026, 2, 3), 20.0f, QStringLiteral("Pune"), true,
-                  73.85f, 18.52f),
-        makeEntry(QStringLiteral("Ferry"), QStringLiteral("Others"), at(2026, 2, 4), 6.0f, QStringLiteral("Harbour"),
-                  true, 103.85f, 1.28f),
+        makeEntry(at(2026, 2, 2), QStringLiteral("Ferry"), QStringLiteral("Others"), 4.0f, QStringLiteral("Harbour"), true, 103.85f, 1.28f),
+        makeEntry(at(2026, 2, 3), QStringLiteral("Lunch"), QStringLiteral("Food"), 20.0f, QStringLiteral("Pune"), true, 73.85f, 18.52f),
+        makeEntry(at(2026, 2, 4), QStringLiteral("Ferry"), QStringLiteral("Others"), 6.0f, QStringLiteral("Harbour"), true, 103.85f, 1.28f),
         // At the harbour by name only, without a geolocation.
-        makeEntry(QStringLiteral("Ice cream"), QStringLiteral("Food"), at(2026, 2, 5), 100.0f,
-                  QStringLiteral("Harbour")),
+        makeEntry(at(2026, 2, 5), QStringLiteral("Ice cream"), QStringLiteral("Food"), 100.0f, QStringLiteral("Harbour")),
     };
     for (Entry entry : entries)
         QVERIFY(store->AddEntry(&entry));

@@ -4,6 +4,7 @@
 #include "databasemanager.h"
 #include "historybuckets.h"
 
+#include "sampleentries.h"
 #include "temphome.h"
 #include "testsupport.h"
 #include "tiedentries.h"
@@ -19,11 +20,6 @@ Q_DECLARE_METATYPE(QList<LabelledTotal>)
 Q_DECLARE_METATYPE(QList<DayTotal>)
 
 namespace {
-
-QDateTime at(int year, int month, int day, int hour = 0, int minute = 0)
-{
-    return QDateTime(QDate(year, month, day), QTime(hour, minute));
-}
 
 // Entries built by hand, newest first as the store gives them.
 class EntryFixture

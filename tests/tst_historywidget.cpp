@@ -6,16 +6,20 @@
 #include "entrydetailswidget.h"
 #include "historywidget.h"
 #include "look.h"
+#include "settings.h"
 #include "linegraph.h"
 #include "mainwindow.h"
 #include "piewidget.h"
 #include "placesmap.h"
 
 #include "celltooltip.h"
+#include "contrast.h"
+#include "describedfile.h"
 #include "graphpicture.h"
 #include "mainwindowfixture.h"
 #include "messageboxanswerer.h"
 #include "rawdatabase.h"
+#include "sampleentries.h"
 #include "temphome.h"
 #include "testsupport.h"
 #include "webenginesanitizeroptions.h"
@@ -55,11 +59,6 @@
 #include <sqlite3.h>
 
 namespace {
-
-QDateTime at(int year, int month, int day, int hour = 0, int minute = 0)
-{
-    return QDateTime(QDate(year, month, day), QTime(hour, minute));
-}
 
 QString textDate(const QDate &date)
 {
@@ -437,6 +436,12 @@ private slots:
     void cleanup();
     void cleanupTestCase();
 
+    void budgetsTabIsFilledOnEachVisitNotByTheConstructor();
+    void budgetsTabShowsEachBudgetInThePeriodHoldingToday();
+    void budgetsUsedBarIsGreenAmberOrRedByTheSpentShare();
+    void clickingABudgetListsItsCategorysEntriesOfThePeriodNewestFirst();
+    void budgetsTabWithoutBudgetsSaysHowToSetOne();
+
     // The form
     void formHasTheDesignedWidgetsAndGeometry();
     void tabsAreCategoryWiseDateWiseTotalEntriesAndPlacesWithCategoryWiseShown();
@@ -615,6 +620,177 @@ void TestHistoryWidget::formHasTheDesignedWidgetsAndGeometry()
     }
 }
 
+namespace {
+
+constexpr int budgetsTab = 5;
+
+void addBudget(RawDatabase &raw, const QString &category, double amount, const QString &period)
+{
+    QVERIFY2(raw.exec(QStringLiteral("INSERT INTO Budget (CategoryName, Amount, Period) VALUES ('%1', %2, '%3')")
+                          .arg(category)
+                          .arg(amount)
+                          .arg(period)),
+             qPrintable(raw.lastError()));
+}
+
+QDateTime todayAt(int hour)
+{
+    return QDateTime(QDate::currentDate(), QTime(hour, 0));
+}
+
+} // namespace
+
+void TestHistoryWidget::budgetsTabIsFilledOnEachVisitNotByTheConstructor()
+{
+    Settings().setBudgetMonthStart(1);
+    HistoryFixture f;
+    f.add("Bread", "Food", todayAt(9), 30);
+    addBudget(f.raw, "Food", 100, "month");
+    f.build();
+    QTableWidget *budgets = f.table("tableWidgetBudgets");
+    QCOMPARE(budgets->rowCount(), 0);
+    QCOMPARE(budgets->columnCount(), 0);
+
+    f.tabs()->setCurrentIndex(budgetsTab);
+    QCOMPARE(budgets->rowCount(), 1);
+    QCOMPARE(budgets->item(0, 3)->text(), QStringLiteral("30.00"));
+
+    // A second visit reads the file again.
+    f.tabs()->setCurrentIndex(0);
+    f.add("Cheese", "Food", todayAt(10), 20);
+    addBudget(f.raw, "Drinks", 10, "week");
+    f.tabs()->setCurrentIndex(budgetsTab);
+    QCOMPARE(budgets->rowCount(), 2);
+    QCOMPARE(budgets->item(1, 0)->text(), QStringLiteral("Food"));
+    QCOMPARE(budgets->item(1, 3)->text(), QStringLiteral("50.00"));
+}
+
+void TestHistoryWidget::budgetsTabShowsEachBudgetInThePeriodHoldingToday()
+{
+    Settings().setBudgetMonthStart(1);
+    HistoryFixture f;
+    const QDate today = QDate::currentDate();
+    const QDate firstOfMonth(today.year(), today.month(), 1);
+    f.add("Groceries", "Food", firstOfMonth.startOfDay(), 400);
+    f.add("Bread", "Food", todayAt(12), 12.5);
+    f.add("Old bread", "Food", firstOfMonth.addDays(-1).startOfDay(), 1000);
+    f.add("Coffee", "Drinks", todayAt(8), 2);
+    addBudget(f.raw, "Food", 400, "month");
+    addBudget(f.raw, "Drinks", 20, "year");
+    f.build();
+    f.tabs()->setCurrentIndex(budgetsTab);
+
+    QTableWidget *budgets = f.table("tableWidgetBudgets");
+    QVERIFY(budgets->isVisibleTo(f.page.get()));
+    QVERIFY(!f.child<QLabel>("labelBudgetsEmpty")->isVisibleTo(f.page.get()));
+    QCOMPARE(headerTexts(budgets), QStringList({ "Category", "Period", "Budget", "Spent", "Left", "Used", "Pace" }));
+    QCOMPARE(budgets->rowCount(), 2);
+    QCOMPARE(rowTexts(budgets, 0).mid(0, 6), QStringList({ "Drinks", "year", "20.00", "2.00", "18.00", "10 %" }));
+    QCOMPARE(rowTexts(budgets, 1).mid(0, 6), QStringList({ "Food", "month", "400.00", "412.50", "-12.50", "103 %" }));
+
+    // Pace: the share of 400 for the days gone, today included, against
+    // the 412.50 spent.
+    const double allowed = 400.0 * today.day() / today.daysInMonth();
+    const double margin = allowed - 412.5;
+    QCOMPARE(budgets->item(1, 6)->text(), margin >= 0 ? QStringLiteral("ahead by %1").arg(margin, 0, 'f', 2)
+                                                      : QStringLiteral("behind by %1").arg(-margin, 0, 'f', 2));
+    // Drinks' year started on 1 January.
+    const double drinksAllowed = 20.0 * today.dayOfYear() / today.daysInYear();
+    const double drinksMargin = drinksAllowed - 2;
+    QCOMPARE(budgets->item(0, 6)->text(), drinksMargin >= 0
+                 ? QStringLiteral("ahead by %1").arg(drinksMargin, 0, 'f', 2)
+                 : QStringLiteral("behind by %1").arg(-drinksMargin, 0, 'f', 2));
+}
+
+void TestHistoryWidget::budgetsUsedBarIsGreenAmberOrRedByTheSpentShare()
+{
+    Settings().setBudgetMonthStart(1);
+    HistoryFixture f;
+    const QList<QPair<QString, double>> spent = { { "A79", 79 }, { "B80", 80 }, { "C100", 100 }, { "D101", 101 } };
+    for (const auto &[category, amount] : spent) {
+        f.add("Thing", category, todayAt(9), amount);
+        addBudget(f.raw, category, 100, "month");
+    }
+    HistoryWidget *page = f.build();
+    page->show();
+    QVERIFY(QTest::qWaitForWindowExposed(page));
+    f.tabs()->setCurrentIndex(budgetsTab);
+    QTableWidget *budgets = f.table("tableWidgetBudgets");
+    QCOMPARE(budgets->rowCount(), 4);
+
+    const QColor green(27, 94, 32);
+    const QColor amber(255, 191, 0);
+    const QColor red(198, 40, 40);
+    const QList<QPair<QString, QColor>> expected = {
+        { "79 %", green }, { "80 %", amber }, { "100 %", amber }, { "101 %", red }
+    };
+    const QImage picture = budgets->viewport()->grab().toImage();
+    const qreal ratio = picture.devicePixelRatio();
+    for (int row = 0; row < 4; ++row) {
+        QCOMPARE(budgets->item(row, 5)->text(), expected.at(row).first);
+        const QRect cell = budgets->visualItemRect(budgets->item(row, 5));
+        QVERIFY(cell.isValid());
+        const QPoint nearLeft(int((cell.left() + 5) * ratio), int(cell.center().y() * ratio));
+        QCOMPARE(picture.pixelColor(nearLeft), expected.at(row).second);
+        // The percentage stands on the bar, readable.
+        const QRect text(int((cell.center().x() - 20) * ratio), int((cell.top() + 3) * ratio), int(40 * ratio),
+                         int((cell.height() - 6) * ratio));
+        QVERIFY2(drawnContrast(picture, text) >= 4.5, qPrintable(QString::number(drawnContrast(picture, text))));
+    }
+    // 79 % of the cell is bar, the rest is not.
+    const QRect cell = budgets->visualItemRect(budgets->item(0, 5));
+    const QPoint pastTheBar(int((cell.right() - 4) * ratio), int(cell.center().y() * ratio));
+    QVERIFY(picture.pixelColor(pastTheBar) != green);
+}
+
+void TestHistoryWidget::clickingABudgetListsItsCategorysEntriesOfThePeriodNewestFirst()
+{
+    Settings().setBudgetMonthStart(1);
+    HistoryFixture f;
+    const QDate today = QDate::currentDate();
+    const QDate firstOfMonth(today.year(), today.month(), 1);
+    f.add("Groceries", "Food", firstOfMonth.startOfDay(), 40, "Market");
+    f.add("Bread", "Food", todayAt(12), 2.5, "Bakery");
+    f.add("Old bread", "Food", firstOfMonth.addDays(-1).startOfDay(), 1000, "Bakery");
+    f.add("Coffee", "Drinks", todayAt(8), 2, "Cafe");
+    addBudget(f.raw, "Food", 400, "month");
+    addBudget(f.raw, "Drinks", 20, "month");
+    HistoryWidget *page = f.build();
+    page->show();
+    QVERIFY(QTest::qWaitForWindowExposed(page));
+    f.tabs()->setCurrentIndex(budgetsTab);
+    QTableWidget *budgets = f.table("tableWidgetBudgets");
+    QTableWidget *entries = f.table("tableWidgetBudgetEntries");
+    QCOMPARE(entries->rowCount(), 0);
+
+    QTest::mouseClick(budgets->viewport(), Qt::LeftButton, {},
+                      budgets->visualItemRect(budgets->item(1, 0)).center());
+    QCOMPARE(headerTexts(entries), QStringList({ "Date", "Item", "Amount", "Place" }));
+    QCOMPARE(entries->rowCount(), 2);
+    QCOMPARE(rowTexts(entries, 0), QStringList({ today.toString(Qt::TextDate), "Bread", "2.50", "Bakery" }));
+    QCOMPARE(rowTexts(entries, 1),
+             QStringList({ firstOfMonth.toString(Qt::TextDate), "Groceries", "40.00", "Market" }));
+
+    QTest::mouseClick(budgets->viewport(), Qt::LeftButton, {},
+                      budgets->visualItemRect(budgets->item(0, 0)).center());
+    QCOMPARE(entries->rowCount(), 1);
+    QCOMPARE(rowTexts(entries, 0), QStringList({ today.toString(Qt::TextDate), "Coffee", "2.00", "Cafe" }));
+}
+
+void TestHistoryWidget::budgetsTabWithoutBudgetsSaysHowToSetOne()
+{
+    HistoryFixture f;
+    f.add("Bread", "Food", todayAt(9), 3);
+    f.build();
+    f.tabs()->setCurrentIndex(budgetsTab);
+    auto *label = f.child<QLabel>("labelBudgetsEmpty");
+    QVERIFY(label->isVisibleTo(f.page.get()));
+    QCOMPARE(label->text(), QStringLiteral("No budgets yet. Set a limit for a category on the \"Budgets\" tab of the "
+                                           "options page, or with \"ledgerly budget set CATEGORY AMOUNT\"."));
+    QVERIFY(!f.table("tableWidgetBudgets")->isVisibleTo(f.page.get()));
+    QCOMPARE(f.table("tableWidgetBudgets")->rowCount(), 0);
+}
+
 void TestHistoryWidget::tabsAreCategoryWiseDateWiseTotalEntriesAndPlacesWithCategoryWiseShown()
 {
     HistoryFixture fixture;
@@ -622,10 +798,11 @@ void TestHistoryWidget::tabsAreCategoryWiseDateWiseTotalEntriesAndPlacesWithCate
     fixture.build();
 
     QTabWidget *tabs = fixture.tabs();
-    QCOMPARE(tabs->count(), 5);
-    const QStringList titles = { "Category Wise", "Date Wise", "Total", "Entries", "Places" };
-    const QStringList pages = { "tabCategoryWise", "tabDateWise", "tabTotal", "tabAllEntries", "tabPlaces" };
-    for (int i = 0; i < 5; ++i) {
+    QCOMPARE(tabs->count(), 6);
+    const QStringList titles = { "Category Wise", "Date Wise", "Total", "Entries", "Places", "Budgets" };
+    const QStringList pages = { "tabCategoryWise", "tabDateWise", "tabTotal", "tabAllEntries", "tabPlaces",
+                                "tabBudgets" };
+    for (int i = 0; i < 6; ++i) {
         QCOMPARE(tabs->tabText(i), titles.at(i));
         QCOMPARE(tabs->widget(i)->objectName(), pages.at(i));
     }
@@ -1496,10 +1673,11 @@ void TestHistoryWidget::textsTypedOnTheNewEntryPageShowLiterallyInEveryTableAndT
     for (const QVariantList &row :
          raw.rows(QStringLiteral("SELECT name FROM sqlite_master WHERE type = 'table' ORDER BY name")))
         tables.append(row.at(0).toString());
-    QCOMPARE(tables,
-             QStringList(
-                 { "Category", "Entry", "HistoricLocation", "ImportLog", "ImportedEntry", "ItemSubstitutes", "Items",
-                   "Mode", "sqlite_sequence" }));
+    QStringList expected = { "Category", "Entry", "HistoricLocation", "ItemSubstitutes", "Items", "Mode",
+                             "sqlite_sequence" };
+    expected += migrationObjectNames(QStringLiteral("table"));
+    expected.sort();
+    QCOMPARE(tables, expected);
 }
 
 void TestHistoryWidget::tappingARowOfTheCategoryTableChangesNothing()

@@ -23,35 +23,20 @@ namespace {
 const QString appId = QStringLiteral("org.ledgerly.Ledgerly");
 const QString version = QStringLiteral(LEDGERLY_PROJECT_VERSION);
 
-struct Run
-{
-    int exitCode = -1;
-    QByteArray out;
-    QByteArray err;
-    bool finished = false;
-};
+using Run = ProgramRun;
 
 Run run(const QString &program, const QStringList &arguments,
         const QProcessEnvironment &environment = QProcessEnvironment::systemEnvironment(), int timeoutMs = 120000,
         const QString &workingDir = QString())
 {
-    QProcess process;
-    process.setProcessEnvironment(environment);
-    process.setWorkingDirectory(workingDir);
-    process.start(program, arguments);
-    Run result;
-    result.finished = process.waitForFinished(timeoutMs);
-    result.exitCode = process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
-    result.out = process.readAllStandardOutput();
-    result.err = process.readAllStandardError();
-    return result;
+    return runProgram(program, arguments, environment, timeoutMs, workingDir);
 }
 
 QString describe(const Run &run)
 {
     return QStringLiteral("exit %1\n--- stdout\n%2\n--- stderr\n%3")
         .arg(run.exitCode)
-        .arg(QString::fromUtf8(run.out), QString::fromUtf8(run.err));
+        .arg(QString::fromUtf8(run.outBytes), QString::fromUtf8(run.errBytes));
 }
 
 // The environment of a terminal with no graphical session at all.
@@ -82,7 +67,7 @@ QString controlField(const QByteArray &control, const QString &field)
 QByteArray gunzip(const QString &path)
 {
     const Run unzip = run(QStringLiteral("gzip"), { QStringLiteral("-dc"), path });
-    return unzip.finished && unzip.exitCode == 0 ? unzip.out : QByteArrayLiteral("(unreadable)");
+    return unzip.finished && unzip.exitCode == 0 ? unzip.outBytes : QByteArrayLiteral("(unreadable)");
 }
 
 // What ledgerly --help names, read the way QCommandLineParser lays it out:
@@ -241,7 +226,7 @@ void TestInstall::theDesktopEntryStartsTheProgramUnderItsIdAndPassesTheValidator
     QCOMPARE(validate.exitCode, 0);
     // The validator prints its errors, warnings and hints; a clean file gets
     // no line at all.
-    QCOMPARE(QString::fromUtf8(validate.out + validate.err), QString());
+    QCOMPARE(QString::fromUtf8(validate.outBytes + validate.errBytes), QString());
 
     const QByteArray entry = readFile(path);
     QVERIFY(entry.startsWith("[Desktop Entry]\n"));
@@ -257,7 +242,7 @@ void TestInstall::theDesktopEntryStartsTheProgramUnderItsIdAndPassesTheValidator
     // the program prints with its version.
     const Run versionRun =
         run(m_prefix + QStringLiteral("/bin/ledgerly"), { QStringLiteral("--version") }, withoutDisplay());
-    const QString applicationName = QString::fromUtf8(versionRun.out).section(QLatin1Char(' '), 0, 0);
+    const QString applicationName = QString::fromUtf8(versionRun.outBytes).section(QLatin1Char(' '), 0, 0);
     QCOMPARE(applicationName, QStringLiteral("Ledgerly"));
     QCOMPARE(desktopEntryValue(entry, QStringLiteral("StartupWMClass")), applicationName);
 }
@@ -271,7 +256,7 @@ void TestInstall::theMetainfoPassesTheValidatorWithoutAWarning()
         run(QStringLiteral("appstreamcli"),
             { QStringLiteral("validate"), QStringLiteral("--no-net"), QStringLiteral("--no-color"), path });
     QVERIFY2(validate.finished && validate.exitCode == 0, qPrintable(describe(validate)));
-    const QString report = QString::fromUtf8(validate.out + validate.err);
+    const QString report = QString::fromUtf8(validate.outBytes + validate.errBytes);
     // Issues are listed as "E:", "W:" or "I:" lines (pedantic ones, "P:",
     // only with --pedantic).
     const QRegularExpression issue(QStringLiteral("^[EWI]: "), QRegularExpression::MultilineOption);
@@ -419,15 +404,15 @@ void TestInstall::theDebianPackageNamesItselfItsVersionAndItsQtLibraries()
 {
     const Run info = run(QStringLiteral("dpkg-deb"), { QStringLiteral("-I"), m_deb, QStringLiteral("control") });
     QVERIFY2(info.finished && info.exitCode == 0, qPrintable(describe(info)));
-    QCOMPARE(controlField(info.out, QStringLiteral("Package")), QStringLiteral("ledgerly"));
-    QCOMPARE(controlField(info.out, QStringLiteral("Version")), version);
-    QCOMPARE(controlField(info.out, QStringLiteral("Section")), QStringLiteral("utils"));
-    QVERIFY(!controlField(info.out, QStringLiteral("Maintainer")).isEmpty());
-    QCOMPARE(controlField(info.out, QStringLiteral("Description")), QStringLiteral("Keep track of what you spend"));
+    QCOMPARE(controlField(info.outBytes, QStringLiteral("Package")), QStringLiteral("ledgerly"));
+    QCOMPARE(controlField(info.outBytes, QStringLiteral("Version")), version);
+    QCOMPARE(controlField(info.outBytes, QStringLiteral("Section")), QStringLiteral("utils"));
+    QVERIFY(!controlField(info.outBytes, QStringLiteral("Maintainer")).isEmpty());
+    QCOMPARE(controlField(info.outBytes, QStringLiteral("Description")), QStringLiteral("Keep track of what you spend"));
 
     // Computed from the program's own libraries, so every Qt module it
     // links is there with a version.
-    const QString depends = controlField(info.out, QStringLiteral("Depends"));
+    const QString depends = controlField(info.outBytes, QStringLiteral("Depends"));
     for (const char *library : { "libqt6core6", "libqt6gui6", "libqt6widgets6", "libqt6sql6", "libqt6network6",
                                  "libqt6webenginewidgets6", "libsqlite3-0" }) {
         const QRegularExpression dependency(QStringLiteral("(^|, )%1 \\(>= [0-9.]+\\)").arg(QLatin1String(library)));
@@ -445,8 +430,8 @@ void TestInstall::thePackagedProgramPrintsItsVersionWithoutADisplay()
     const Run versionRun =
         run(m_extracted + QStringLiteral("/usr/bin/ledgerly"), { QStringLiteral("--version") }, withoutDisplay());
     QVERIFY2(versionRun.finished && versionRun.exitCode == 0, qPrintable(describe(versionRun)));
-    QCOMPARE(QString::fromUtf8(versionRun.out), QStringLiteral("Ledgerly ") + version + QLatin1Char('\n'));
-    QCOMPARE(QString::fromUtf8(versionRun.err), QString());
+    QCOMPARE(QString::fromUtf8(versionRun.outBytes), QStringLiteral("Ledgerly ") + version + QLatin1Char('\n'));
+    QCOMPARE(QString::fromUtf8(versionRun.errBytes), QString());
 }
 
 void TestInstall::thePackagedProgramPrintsItsHelpWithoutADisplay()
@@ -454,11 +439,11 @@ void TestInstall::thePackagedProgramPrintsItsHelpWithoutADisplay()
     const Run help =
         run(m_extracted + QStringLiteral("/usr/bin/ledgerly"), { QStringLiteral("--help") }, withoutDisplay());
     QVERIFY2(help.finished && help.exitCode == 0, qPrintable(describe(help)));
-    const QString text = QString::fromUtf8(help.out);
+    const QString text = QString::fromUtf8(help.outBytes);
     QVERIFY2(text.startsWith(QLatin1String("Usage: ")), qPrintable(text));
     QVERIFY2(text.contains(QLatin1String("-h, --help")), qPrintable(text));
     QVERIFY2(text.contains(QLatin1String("-v, --version")), qPrintable(text));
-    QCOMPARE(QString::fromUtf8(help.err), QString());
+    QCOMPARE(QString::fromUtf8(help.errBytes), QString());
 }
 
 void TestInstall::theWindowOnX11CarriesTheDesktopEntrysClassAndTheIcon()
@@ -496,7 +481,7 @@ void TestInstall::theWindowOnX11CarriesTheDesktopEntrysClassAndTheIcon()
         const Run list =
             run(QStringLiteral("xwininfo"),
                 { QStringLiteral("-display"), display, QStringLiteral("-root"), QStringLiteral("-children") });
-        window = classed.match(QString::fromUtf8(list.out));
+        window = classed.match(QString::fromUtf8(list.outBytes));
         return window.hasMatch();
     };
     QTRY_VERIFY_WITH_TIMEOUT(findWindow(), 60000);
@@ -516,14 +501,14 @@ void TestInstall::theWindowOnX11CarriesTheDesktopEntrysClassAndTheIcon()
         const Run list =
             run(QStringLiteral("xwininfo"),
                 { QStringLiteral("-display"), display, QStringLiteral("-root"), QStringLiteral("-children") });
-        for (QRegularExpressionMatchIterator windows = classed.globalMatch(QString::fromUtf8(list.out));
+        for (QRegularExpressionMatchIterator windows = classed.globalMatch(QString::fromUtf8(list.outBytes));
              windows.hasNext();) {
             const Run icon =
                 run(QStringLiteral("xprop"),
                     { QStringLiteral("-display"), display, QStringLiteral("-len"), QStringLiteral("100000000"),
                       QStringLiteral("-id"), windows.next().captured(1), QStringLiteral("_NET_WM_ICON") });
             sizes.clear();
-            for (QRegularExpressionMatchIterator it = iconSize.globalMatch(QString::fromUtf8(icon.out));
+            for (QRegularExpressionMatchIterator it = iconSize.globalMatch(QString::fromUtf8(icon.outBytes));
                  it.hasNext();) {
                 const QRegularExpressionMatch match = it.next();
                 sizes << match.captured(1) + QLatin1Char('x') + match.captured(2);
@@ -555,7 +540,7 @@ void TestInstall::lintianFindsNoErrorAndNoWarningInThePackage()
         run(QStringLiteral("lintian"),
             { QStringLiteral("--fail-on"), QStringLiteral("error,warning"), QStringLiteral("--no-override"), m_deb });
     QVERIFY2(lintian.finished, "lintian is missing: scripts/setup.sh installs it");
-    const QString report = QString::fromUtf8(lintian.out + lintian.err);
+    const QString report = QString::fromUtf8(lintian.outBytes + lintian.errBytes);
     const QRegularExpression complaint(QStringLiteral("^[EW]: "), QRegularExpression::MultilineOption);
     QVERIFY2(!complaint.match(report).hasMatch(), qPrintable(report));
     QVERIFY2(lintian.exitCode == 0, qPrintable(describe(lintian)));
@@ -568,7 +553,7 @@ void TestInstall::theManualPageRendersWithoutWarningsAndNamesEveryCommandAndOpti
 
     const Run helpRun = run(m_prefix + QStringLiteral("/bin/ledgerly"), { QStringLiteral("--help") }, withoutDisplay());
     QVERIFY2(helpRun.finished && helpRun.exitCode == 0, qPrintable(describe(helpRun)));
-    const HelpText help = parseHelp(QString::fromUtf8(helpRun.out));
+    const HelpText help = parseHelp(QString::fromUtf8(helpRun.outBytes));
     // The reading of the help itself, against the commands and options
     // this version has.
     for (const char *command : { "export", "import", "backup" })
@@ -625,7 +610,7 @@ void TestInstall::theChangelogIsDebiansFormOfChangelogMdForThisVersion()
     const auto field = [&path](const char *name) {
         const Run parse = run(QStringLiteral("dpkg-parsechangelog"),
                               { QStringLiteral("-l"), path, QStringLiteral("-S"), QLatin1String(name) });
-        return parse.exitCode == 0 ? QString::fromUtf8(parse.out).trimmed() : QString::fromUtf8(parse.err);
+        return parse.exitCode == 0 ? QString::fromUtf8(parse.outBytes).trimmed() : QString::fromUtf8(parse.errBytes);
     };
     QCOMPARE(field("Source"), QStringLiteral("ledgerly"));
     QCOMPARE(field("Version"), version);
@@ -679,7 +664,7 @@ void TestInstall::theCopyrightFileIsMachineReadable()
 void TestInstall::bashCompletesCommandsOptionsValuesAndFiles_data()
 {
     const Run helpRun = run(m_prefix + QStringLiteral("/bin/ledgerly"), { QStringLiteral("--help") }, withoutDisplay());
-    const HelpText help = parseHelp(QString::fromUtf8(helpRun.out));
+    const HelpText help = parseHelp(QString::fromUtf8(helpRun.outBytes));
     const auto optionsOf = [&help](const QString &command) {
         QStringList offered;
         for (const QString &option : help.options) {
@@ -698,6 +683,9 @@ void TestInstall::bashCompletesCommandsOptionsValuesAndFiles_data()
     QTest::newRow("the commands that share their first letters")
         << "ledgerly imp" << QStringList { QStringLiteral("import"), QStringLiteral("imports") };
     QTest::newRow("every command") << "ledgerly " << help.commands;
+    QTest::newRow("a budget's periods")
+        << "ledgerly budget set Food 10 --period "
+        << QStringList { QStringLiteral("month"), QStringLiteral("week"), QStringLiteral("year") };
     QTest::newRow("the date orders the help lists") << "ledgerly import x --date-order " << dateOrders;
     QTest::newRow("a date order after an equals sign")
         << "ledgerly import x --date-order=d" << dateOrders.filter(QRegularExpression(QStringLiteral("^d")));
@@ -822,9 +810,9 @@ printf '%s\n' "${COMPREPLY[@]}"
                        programDir + QLatin1Char(':') + environment.value(QStringLiteral("PATH")));
     const Run bash = run(QStringLiteral("bash"), { QStringLiteral("-c"), driver, QStringLiteral("bash"), line },
                          environment, 60000, workingDir);
-    if (!bash.finished || bash.exitCode != 0 || !bash.err.isEmpty())
+    if (!bash.finished || bash.exitCode != 0 || !bash.errBytes.isEmpty())
         return { describe(bash) };
-    QStringList completions = QString::fromUtf8(bash.out).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+    QStringList completions = QString::fromUtf8(bash.outBytes).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
     completions.sort();
     return completions;
 }

@@ -5,27 +5,11 @@
 // 2's XML and the mixtures of both. Pure: no database, no files.
 #include "ofxformat.h"
 
+#include "filecontentsfields.h"
+
 #include <QTest>
 
 namespace {
-
-QString fields(const EntryFileContents::LineEntry &read)
-{
-    const Entry &entry = read.entry;
-    return QStringLiteral("%1 %2|%3|%4|%5|%6")
-        .arg(read.line)
-        .arg(entry.TransactDateTime.toString(Qt::ISODate), entry.ItemName, entry.CategoryName)
-        .arg(double(entry.Price), 0, 'g', 9)
-        .arg(entry.LocationText);
-}
-
-QStringList allFields(const EntryFileContents &contents)
-{
-    QStringList lines;
-    for (const EntryFileContents::LineEntry &read : contents.entries)
-        lines.append(fields(read));
-    return lines;
-}
 
 const QByteArray sgmlHeader = "OFXHEADER:100\r\nDATA:OFXSGML\r\nVERSION:102\r\nSECURITY:NONE\r\nENCODING:USASCII\r\n"
                               "CHARSET:1252\r\nCOMPRESSION:NONE\r\nOLDFILEUID:NONE\r\nNEWFILEUID:NONE\r\n\r\n";

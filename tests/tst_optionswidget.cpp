@@ -4,6 +4,7 @@
 #include "databasemanager.h"
 #include "mainwindow.h"
 #include "optionswidget.h"
+#include "settings.h"
 #include "storageform.h"
 
 #include "mainwindowfixture.h"
@@ -31,13 +32,15 @@
 #include <QTableView>
 #include <QTextDocument>
 #include <QTimer>
+#include <QSpinBox>
+#include <QTableWidget>
 #include <QtTest>
 
 namespace {
 
 const QString unsavedText = QStringLiteral("Your changes to the entries could not be saved.");
 
-enum Tab { CategoryTab = 0, ModeTab = 1, EntriesTab = 2 };
+enum Tab { CategoryTab = 0, ModeTab = 1, EntriesTab = 2, BudgetsTab = 3 };
 enum Column { ItemNameColumn = 1, DateColumn = 4, PriceColumn = 5, LocationColumn = 6 };
 
 QStringList items(const QComboBox *box)
@@ -157,6 +160,11 @@ public:
     static void initMain() { WidgetTest::initMain(); }
 
 private slots:
+    void budgetsTabListsEveryCategoryWithItsBudgetAndTheMonthStart();
+    void savingBudgetsStoresEditsRemovalsAndTheMonthStart();
+    void cancelDropsTheBudgetEditsAndShowsWhatIsStored();
+    void aBudgetSaveThatFailsKeepsTheEdits();
+    void aBudgetAmountThatIsNoAmountIsRefusedAndNothingSaved();
     void initTestCase() { WidgetTest::initTestCase(); }
     void cleanup();
 
@@ -193,8 +201,8 @@ private slots:
     void theEntriesTabShowsTheEditableColumnsOfTheEntryTable();
     void savingStoresAnEditedPriceAndItemNameAndSaysNothing();
     void cancelRestoresTheStoredValues();
-    void switchingAwayAndBackReloadsTheTableInANewModel();
-    void saveReachesEditsMadeBeforeTheTableWasReloaded();
+    void switchingAwayAndBackKeepsTheOneModelAndRereadsAnUneditedTable();
+    void anEditSurvivesSwitchingAwayAndBackAndSaveStoresIt();
     void anEditedDateIsStoredInTheStorageForm();
     void typedTextCannotReachTheDateOrPriceColumns_data();
     void typedTextCannotReachTheDateOrPriceColumns();
@@ -214,7 +222,7 @@ private slots:
     void theDeleteKeyInACellsEditorDeletesTextNotTheRow();
     void aLockedFileOnSaveStoresNothingAndKeepsTheMarksAndEdits();
     void aSaveRefusedAtItsCommitGivesBackEveryEditAndMark();
-    void rowsMarkedBeforeTheTableWasReloadedAreDeletedBySaveToo();
+    void rowsMarkedBeforeSwitchingAwayStayMarkedAndSaveDeletesThem();
 
     // The main window
     void optionsShowsThePageOnStackedPage2();
@@ -310,12 +318,13 @@ void TestOptionsWidget::tabsCaptionsAndButtonsCarryTheirTexts()
 {
     Fixture f;
     OptionsWidget page(&f.store);
-    QCOMPARE(tabs(page)->count(), 3);
+    // The three described tabs, then the budgets'.
+    QCOMPARE(tabs(page)->count(), 4);
     const QStringList tabNames = { QStringLiteral("tabAddCategory"), QStringLiteral("tabSwitchModes"),
-                                   QStringLiteral("tabEditEntries") };
+                                   QStringLiteral("tabEditEntries"), QStringLiteral("tabBudgets") };
     const QStringList titles = { QStringLiteral("Category"), QStringLiteral("Switch Modes"),
-                                 QStringLiteral("Edit Entries") };
-    for (int i = 0; i < 3; ++i) {
+                                 QStringLiteral("Edit Entries"), QStringLiteral("Budgets") };
+    for (int i = 0; i < 4; ++i) {
         QCOMPARE(tabs(page)->widget(i)->objectName(), tabNames.at(i));
         QCOMPARE(tabs(page)->tabText(i), titles.at(i));
     }
@@ -791,7 +800,7 @@ void TestOptionsWidget::cancelRestoresTheStoredValues()
     page.close();
 }
 
-void TestOptionsWidget::switchingAwayAndBackReloadsTheTableInANewModel()
+void TestOptionsWidget::switchingAwayAndBackKeepsTheOneModelAndRereadsAnUneditedTable()
 {
     Fixture f;
     const int sno = f.raw.insertEntry(QStringLiteral("Coffee"), QStringLiteral("Drinks"),
@@ -808,10 +817,10 @@ void TestOptionsWidget::switchingAwayAndBackReloadsTheTableInANewModel()
     tabs(page)->setCurrentIndex(ModeTab);
     tabs(page)->setCurrentIndex(EntriesTab);
 
+    // The same model, read afresh: it held nothing unsaved.
     QSqlTableModel *second = entriesModel(page);
-    QVERIFY(second != first);
-    QVERIFY(first); // earlier models stay with the page
-    QCOMPARE(page.findChildren<QSqlTableModel *>().size(), 2);
+    QCOMPARE(second, first.data());
+    QCOMPARE(page.findChildren<QSqlTableModel *>().size(), 1);
     QCOMPARE(second->rowCount(), 2);
     QCOMPARE(second->index(0, PriceColumn).data().toDouble(), 4.0);
     QCOMPARE(second->index(1, ItemNameColumn).data().toString(), QStringLiteral("Bread"));
@@ -819,7 +828,7 @@ void TestOptionsWidget::switchingAwayAndBackReloadsTheTableInANewModel()
     QVERIFY(entriesView(page)->isColumnHidden(11));
 }
 
-void TestOptionsWidget::saveReachesEditsMadeBeforeTheTableWasReloaded()
+void TestOptionsWidget::anEditSurvivesSwitchingAwayAndBackAndSaveStoresIt()
 {
     Fixture f;
     const int sno = f.raw.insertEntry(QStringLiteral("Coffee"), QStringLiteral("Drinks"),
@@ -834,11 +843,13 @@ void TestOptionsWidget::saveReachesEditsMadeBeforeTheTableWasReloaded()
     commit(editor);
     QTRY_VERIFY(first->isDirty());
 
-    // Leaving the tab unsaved and coming back shows the file again; the
-    // earlier edit waits in the earlier model and the next Save stores it.
+    // Leaving the tab unsaved and coming back shows the same model with the
+    // edit in it (two models would hold two versions of one row), and the
+    // next Save stores it.
     tabs(page)->setCurrentIndex(CategoryTab);
     tabs(page)->setCurrentIndex(EntriesTab);
-    QCOMPARE(entriesModel(page)->index(0, ItemNameColumn).data().toString(), QStringLiteral("Coffee"));
+    QCOMPARE(entriesModel(page), first);
+    QCOMPARE(entriesModel(page)->index(0, ItemNameColumn).data().toString(), QStringLiteral("Espresso"));
 
     MessageBoxAnswerer answerer;
     child<QPushButton>(page, "pushButtonSaveChanges")->click();
@@ -1376,8 +1387,7 @@ void TestOptionsWidget::aSaveRefusedAtItsCommitGivesBackEveryEditAndMark()
 {
     DeletionFixture d;
     QVERIFY(QTest::qWaitForWindowExposed(&d.page));
-    // Two visits: two models, and the first one's edit is written before
-    // the second's.
+    // Edits made over two visits of the tab, in its one model.
     QWidget *editor = openEditor(d.view(), 3, ItemNameColumn);
     typeInto(editor, QStringLiteral("Green tea"));
     commit(editor);
@@ -1387,7 +1397,8 @@ void TestOptionsWidget::aSaveRefusedAtItsCommitGivesBackEveryEditAndMark()
     editor = openEditor(d.view(), 0, PriceColumn);
     typeInto(editor, QStringLiteral("6.5"));
     commit(editor);
-    QTRY_VERIFY(d.model()->isDirty());
+    // The model is dirty already: wait for this very edit.
+    QTRY_COMPARE(d.model()->index(0, PriceColumn).data().toDouble(), 6.5);
     d.select({ 2 });
     d.pressDelete();
     const QStringList before = d.f.raw.dumpTables();
@@ -1406,9 +1417,9 @@ void TestOptionsWidget::aSaveRefusedAtItsCommitGivesBackEveryEditAndMark()
     QVERIFY(reader.exec(QStringLiteral("COMMIT")));
     QCOMPARE(d.f.raw.dumpTables(), before);
 
-    // Both models hold their edits again, and the mark stands.
+    // The model holds its edits again, and the mark stands.
     const QList<QSqlTableModel *> models = d.page.findChildren<QSqlTableModel *>();
-    QCOMPARE(models.size(), 2);
+    QCOMPARE(models.size(), 1);
     for (QSqlTableModel *model : models)
         QVERIFY(model->isDirty());
     QCOMPARE(d.hiddenRows(), QList<bool>({ false, false, true, false }));
@@ -1422,7 +1433,7 @@ void TestOptionsWidget::aSaveRefusedAtItsCommitGivesBackEveryEditAndMark()
     d.page.close();
 }
 
-void TestOptionsWidget::rowsMarkedBeforeTheTableWasReloadedAreDeletedBySaveToo()
+void TestOptionsWidget::rowsMarkedBeforeSwitchingAwayStayMarkedAndSaveDeletesThem()
 {
     DeletionFixture d;
     QVERIFY(QTest::qWaitForWindowExposed(&d.page));
@@ -1430,8 +1441,8 @@ void TestOptionsWidget::rowsMarkedBeforeTheTableWasReloadedAreDeletedBySaveToo()
     d.pressDelete();
     tabs(d.page)->setCurrentIndex(ModeTab);
     tabs(d.page)->setCurrentIndex(EntriesTab);
-    // The new table shows every stored row.
-    QCOMPARE(d.hiddenRows(), QList<bool>({ false, false, false, false }));
+    // The mark stands: the row stays hidden until Save or Cancel.
+    QCOMPARE(d.hiddenRows(), QList<bool>({ true, false, false, false }));
     QVERIFY(d.page.hasUnsavedEntryChanges());
     child<QPushButton>(d.page, "pushButtonSaveChanges")->click();
     QCOMPARE(d.storedSNos(), QList<int>({ d.snos.at(1), d.snos.at(2), d.snos.at(3) }));
@@ -1483,6 +1494,163 @@ void TestOptionsWidget::optionsReplacesThePageAndStartsFromDefaultAgain()
     QCOMPARE(f.stack()->currentIndex(), 2);
     QCOMPARE(child<QLabel>(*second, "labelCurrentModeActual")->text(),
              QStringLiteral("<font color=#ff0000> Default </font>"));
+}
+
+namespace {
+
+QTableWidget *budgetTable(const OptionsWidget &page)
+{
+    return child<QTableWidget>(page, "tableWidgetBudgetsEdit");
+}
+
+int budgetRow(const OptionsWidget &page, const QString &category)
+{
+    QTableWidget *table = budgetTable(page);
+    for (int row = 0; row < table->rowCount(); ++row)
+        if (table->item(row, 0)->text() == category)
+            return row;
+    return -1;
+}
+
+QComboBox *periodBox(const OptionsWidget &page, int row)
+{
+    return qobject_cast<QComboBox *>(budgetTable(page)->cellWidget(row, 2));
+}
+
+void setBudgetText(const OptionsWidget &page, const QString &category, const QString &amount)
+{
+    budgetTable(page)->item(budgetRow(page, category), 1)->setText(amount);
+}
+
+QList<QVariantList> storedBudgets(RawDatabase &raw)
+{
+    return raw.rows(QStringLiteral("SELECT CategoryName, Amount, Period FROM Budget ORDER BY CategoryName"));
+}
+
+} // namespace
+
+void TestOptionsWidget::budgetsTabListsEveryCategoryWithItsBudgetAndTheMonthStart()
+{
+    Fixture f;
+    QVERIFY(Settings().setBudgetMonthStart(25));
+    QVERIFY(f.raw.exec(QStringLiteral("INSERT INTO Budget VALUES ('Food', 400, 'month'), ('Drinks', 12.5, 'week')")));
+    OptionsWidget page(&f.store);
+    QTabWidget *tabBox = tabs(page);
+    QCOMPARE(tabBox->count(), 4);
+    QCOMPARE(tabBox->tabText(BudgetsTab), QStringLiteral("Budgets"));
+    QCOMPARE(budgetTable(page)->rowCount(), 0);
+
+    tabBox->setCurrentIndex(BudgetsTab);
+    QTableWidget *table = budgetTable(page);
+    QCOMPARE(table->rowCount(), f.store.GetNumberOfCategories());
+    QCOMPARE(table->horizontalHeaderItem(0)->text(), QStringLiteral("Category"));
+    QCOMPARE(table->horizontalHeaderItem(1)->text(), QStringLiteral("Budget"));
+    QCOMPARE(table->horizontalHeaderItem(2)->text(), QStringLiteral("Period"));
+    const int food = budgetRow(page, QStringLiteral("Food"));
+    const int drinks = budgetRow(page, QStringLiteral("Drinks"));
+    const int clothing = budgetRow(page, QStringLiteral("Clothing"));
+    QCOMPARE(table->item(food, 1)->text(), QStringLiteral("400.00"));
+    QCOMPARE(periodBox(page, food)->currentText(), QStringLiteral("month"));
+    QCOMPARE(table->item(drinks, 1)->text(), QStringLiteral("12.50"));
+    QCOMPARE(periodBox(page, drinks)->currentText(), QStringLiteral("week"));
+    QCOMPARE(table->item(clothing, 1)->text(), QString());
+    QCOMPARE(child<QSpinBox>(page, "spinBoxMonthStart")->value(), 25);
+    QCOMPARE(child<QLabel>(page, "labelMonthStart")->text(), QStringLiteral("Budget months start on day"));
+    QCOMPARE(child<QPushButton>(page, "pushButtonSaveBudgets")->text(), QStringLiteral("Save"));
+    QCOMPARE(child<QPushButton>(page, "pushButtonCancelBudgets")->text(), QStringLiteral("Cancel"));
+    QVERIFY(Settings().setBudgetMonthStart(1));
+}
+
+void TestOptionsWidget::savingBudgetsStoresEditsRemovalsAndTheMonthStart()
+{
+    Fixture f;
+    QVERIFY(Settings().setBudgetMonthStart(1));
+    QVERIFY(f.raw.exec(QStringLiteral("INSERT INTO Budget VALUES ('Food', 400, 'month'), ('Drinks', 12.5, 'week')")));
+    OptionsWidget page(&f.store);
+    tabs(page)->setCurrentIndex(BudgetsTab);
+    setBudgetText(page, QStringLiteral("Food"), QStringLiteral("450.5"));
+    setBudgetText(page, QStringLiteral("Drinks"), QString());
+    setBudgetText(page, QStringLiteral("Clothing"), QStringLiteral("1200"));
+    periodBox(page, budgetRow(page, QStringLiteral("Clothing")))->setCurrentIndex(2);
+    child<QSpinBox>(page, "spinBoxMonthStart")->setValue(25);
+    MessageBoxAnswerer answerer;
+    child<QPushButton>(page, "pushButtonSaveBudgets")->click();
+    QCOMPARE(answerer.seen().size(), 0);
+
+    QCOMPARE(storedBudgets(f.raw), QList<QVariantList>({ { QStringLiteral("Clothing"), 1200.0, QStringLiteral("year") },
+                                                         { QStringLiteral("Food"), 450.5, QStringLiteral("month") } }));
+    QCOMPARE(Settings().budgetMonthStart(), 25);
+    // The tab shows what is stored now.
+    QCOMPARE(budgetTable(page)->item(budgetRow(page, QStringLiteral("Food")), 1)->text(), QStringLiteral("450.50"));
+    QVERIFY(Settings().setBudgetMonthStart(1));
+}
+
+void TestOptionsWidget::cancelDropsTheBudgetEditsAndShowsWhatIsStored()
+{
+    Fixture f;
+    QVERIFY(Settings().setBudgetMonthStart(1));
+    QVERIFY(f.raw.exec(QStringLiteral("INSERT INTO Budget VALUES ('Food', 400, 'month')")));
+    OptionsWidget page(&f.store);
+    tabs(page)->setCurrentIndex(BudgetsTab);
+    setBudgetText(page, QStringLiteral("Food"), QStringLiteral("1"));
+    setBudgetText(page, QStringLiteral("Drinks"), QStringLiteral("5"));
+    child<QSpinBox>(page, "spinBoxMonthStart")->setValue(20);
+    child<QPushButton>(page, "pushButtonCancelBudgets")->click();
+
+    QCOMPARE(budgetTable(page)->item(budgetRow(page, QStringLiteral("Food")), 1)->text(), QStringLiteral("400.00"));
+    QCOMPARE(budgetTable(page)->item(budgetRow(page, QStringLiteral("Drinks")), 1)->text(), QString());
+    QCOMPARE(child<QSpinBox>(page, "spinBoxMonthStart")->value(), 1);
+    QCOMPARE(storedBudgets(f.raw), QList<QVariantList>({ { QStringLiteral("Food"), 400.0, QStringLiteral("month") } }));
+    QCOMPARE(Settings().budgetMonthStart(), 1);
+}
+
+void TestOptionsWidget::aBudgetSaveThatFailsKeepsTheEdits()
+{
+    Fixture f;
+    QVERIFY(Settings().setBudgetMonthStart(1));
+    QVERIFY(f.raw.exec(QStringLiteral("INSERT INTO Budget VALUES ('Food', 400, 'month')")));
+    OptionsWidget page(&f.store);
+    tabs(page)->setCurrentIndex(BudgetsTab);
+    setBudgetText(page, QStringLiteral("Food"), QStringLiteral("300"));
+    setBudgetText(page, QStringLiteral("Drinks"), QStringLiteral("5"));
+
+    QVERIFY(f.raw.exec(QStringLiteral("BEGIN EXCLUSIVE")));
+    MessageBoxAnswerer answerer;
+    answerer.answer(QMessageBox::Ok);
+    child<QPushButton>(page, "pushButtonSaveBudgets")->click();
+    QCOMPARE(answerer.seen().size(), 1);
+    const SeenMessageBox &box = answerer.seen().constFirst();
+    QVERIFY2(box.text.startsWith(QStringLiteral("Your budgets could not be saved.")), qPrintable(box.text));
+    QVERIFY2(box.text.contains(QStringLiteral("database is locked")), qPrintable(box.text));
+    QVERIFY2(box.text.contains(QStringLiteral("press Save to try again")), qPrintable(box.text));
+    VERIFY_BOX_SHAPE(box, BoxKind::Warning);
+    QVERIFY(f.raw.exec(QStringLiteral("ROLLBACK")));
+
+    QCOMPARE(storedBudgets(f.raw), QList<QVariantList>({ { QStringLiteral("Food"), 400.0, QStringLiteral("month") } }));
+    QCOMPARE(budgetTable(page)->item(budgetRow(page, QStringLiteral("Food")), 1)->text(), QStringLiteral("300"));
+    QCOMPARE(budgetTable(page)->item(budgetRow(page, QStringLiteral("Drinks")), 1)->text(), QStringLiteral("5"));
+
+    // Once the file is free, the same Save stores them.
+    child<QPushButton>(page, "pushButtonSaveBudgets")->click();
+    QCOMPARE(storedBudgets(f.raw), QList<QVariantList>({ { QStringLiteral("Drinks"), 5.0, QStringLiteral("month") },
+                                                         { QStringLiteral("Food"), 300.0, QStringLiteral("month") } }));
+}
+
+void TestOptionsWidget::aBudgetAmountThatIsNoAmountIsRefusedAndNothingSaved()
+{
+    Fixture f;
+    QVERIFY(Settings().setBudgetMonthStart(1));
+    OptionsWidget page(&f.store);
+    tabs(page)->setCurrentIndex(BudgetsTab);
+    setBudgetText(page, QStringLiteral("Food"), QStringLiteral("300"));
+    setBudgetText(page, QStringLiteral("Drinks"), QStringLiteral("-4"));
+    MessageBoxAnswerer answerer;
+    answerer.answer(QMessageBox::Ok);
+    child<QPushButton>(page, "pushButtonSaveBudgets")->click();
+    QCOMPARE(answerer.texts(), QStringList({ QStringLiteral("The budget of Drinks must be an amount above 0 and at "
+                                                            "most 9999999.99, not -4. Nothing was saved.") }));
+    QCOMPARE(storedBudgets(f.raw), QList<QVariantList>());
+    QCOMPARE(budgetTable(page)->item(budgetRow(page, QStringLiteral("Drinks")), 1)->text(), QStringLiteral("-4"));
 }
 
 QTEST_MAIN(TestOptionsWidget)

@@ -6,30 +6,13 @@
 #include "databasemanager.h"
 #include "qifformat.h"
 
+#include "filecontentsfields.h"
+
 #include <QTest>
 
 #include <cmath>
 
 namespace {
-
-// What an imported entry carries, as one comparable line.
-QString fields(const EntryFileContents::LineEntry &read)
-{
-    const Entry &entry = read.entry;
-    return QStringLiteral("%1 %2|%3|%4|%5|%6")
-        .arg(read.line)
-        .arg(entry.TransactDateTime.toString(Qt::ISODate), entry.ItemName, entry.CategoryName)
-        .arg(double(entry.Price), 0, 'g', 9)
-        .arg(entry.LocationText);
-}
-
-QStringList allFields(const EntryFileContents &contents)
-{
-    QStringList lines;
-    for (const EntryFileContents::LineEntry &read : contents.entries)
-        lines.append(fields(read));
-    return lines;
-}
 
 QByteArray lines(const QStringList &list, const char *end = "\r\n")
 {

@@ -133,9 +133,17 @@ void TestSchema::theKnownStepsAreNumberedFromOneWithoutGaps()
         QCOMPARE(steps.at(i).version, int(i + 1));
         QVERIFY(!steps.at(i).purpose.isEmpty());
         QVERIFY(!steps.at(i).statements.isEmpty());
-        // A step adds; it never alters or drops what is there.
+        // A step adds; it never alters or drops what is there. Besides
+        // creating, it may fill a table that it created itself.
+        QStringList created;
         for (const QString &statement : steps.at(i).statements) {
-            QVERIFY2(statement.startsWith(QLatin1String("CREATE "), Qt::CaseInsensitive), qPrintable(statement));
+            const QStringList words = statement.split(QLatin1Char(' '));
+            if (statement.startsWith(QLatin1String("CREATE TABLE "), Qt::CaseInsensitive))
+                created << words.at(2);
+            const bool fillsItsOwn = statement.startsWith(QLatin1String("INSERT INTO "), Qt::CaseInsensitive) &&
+                created.contains(words.at(2));
+            QVERIFY2(statement.startsWith(QLatin1String("CREATE "), Qt::CaseInsensitive) || fillsItsOwn,
+                     qPrintable(statement));
             for (const auto &table : describedCreateStatements())
                 QVERIFY2(!statement.contains(QStringLiteral("TABLE %1 ").arg(table.first)), qPrintable(statement));
         }

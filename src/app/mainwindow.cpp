@@ -6,13 +6,18 @@
 
 #include "addentrywidget.h"
 #include "automaticbackup.h"
+#include "budgetlevelcolours.h"
 #include "backup.h"
 #include "csvformat.h"
 #include "databasemanager.h"
 #include "entryexport.h"
 #include "entryimport.h"
+#include "filechooser.h"
+#include "findwidget.h"
 #include "format.h"
 #include "historywidget.h"
+#include "importpreviewdialog.h"
+#include "importsdialog.h"
 #include "look.h"
 #include "notice.h"
 #include "optionswidget.h"
@@ -25,10 +30,12 @@
 #include <QDir>
 #include <QGridLayout>
 #include <QGuiApplication>
+#include <QLabel>
 #include <QMessageBox>
 #include <QPointer>
 #include <QProgressDialog>
 #include <QScreen>
+#include <QStatusBar>
 
 namespace {
 
@@ -72,6 +79,7 @@ MainWindow::MainWindow(QWidget *parent) : QMainWindow(parent), ui(new Ui::MainWi
                              ui->pushButtonExit })
         Look::applyButtonFontWeight(button);
     IsEntryPresentInDatabase = false;
+    labelBudgetWarning = nullptr;
     ui->stackedWidget->setCurrentIndex(0);
 
     dbManager = new DatabaseManager(this);
@@ -198,15 +206,17 @@ void MainWindow::connectMenuBar()
     connect(ui->actionHistory, &QAction::triggered, this, &MainWindow::on_pushButtonHistory_clicked);
     connect(ui->actionOptions, &QAction::triggered, this, &MainWindow::on_pushButtonOptions_clicked);
     connect(ui->actionAbout, &QAction::triggered, this, &MainWindow::on_pushButtonExit_clicked);
+    connect(ui->actionFind, &QAction::triggered, this, &MainWindow::showFindPage);
     // Without a parent, as every box of the program: inside the window it
     // would take the black pages' style sheet.
     connect(ui->actionAboutQt, &QAction::triggered, this, [] { QMessageBox::aboutQt(nullptr); });
 
     connect(ui->actionImport, &QAction::triggered, this, &MainWindow::importEntries);
+    connect(ui->actionImports, &QAction::triggered, this, &MainWindow::showImports);
     connect(ui->actionExport, &QAction::triggered, this, &MainWindow::exportEntries);
     connect(ui->actionBackUp, &QAction::triggered, this, &MainWindow::backUpDatabase);
     // Without a database there is nothing to bring in, take out or copy.
-    for (QAction *command : { ui->actionImport, ui->actionExport, ui->actionBackUp })
+    for (QAction *command : { ui->actionImport, ui->actionImports, ui->actionExport, ui->actionBackUp })
         command->setEnabled(dbManager->isUsable());
 }
 
@@ -269,6 +279,7 @@ void MainWindow::closeEvent(QCloseEvent *event)
 }
 void MainWindow::showDataPage(QWidget *page)
 {
+    clearBudgetWarning();
     // The scroll area takes the page over and deletes the one it held, so at
     // most one data page lives at a time.
     designedPageSize = page->size();
@@ -308,66 +319,39 @@ void MainWindow::reportAutomaticBackupFailure()
                      .arg(Backup::automaticDirectory(), automaticBackupFailure));
 }
 
-QString MainWindow::chooseFile(QFileDialog::AcceptMode mode, const QString &title, const QStringList &nameFilters,
-                               const QString &suggested)
-{
-    QFileDialog dialog(nullptr, title);
-    dialog.setWindowModality(Qt::ApplicationModal);
-    dialog.setAcceptMode(mode);
-    dialog.setFileMode(mode == QFileDialog::AcceptOpen ? QFileDialog::ExistingFile : QFileDialog::AnyFile);
-    dialog.setNameFilters(nameFilters);
-    dialog.setDirectory(QFileInfo(suggested).absolutePath());
-    if (mode == QFileDialog::AcceptSave) {
-        // A name typed without its suffix gets that of the chosen filter
-        // ("*.csv" gives csv); the dialog asks before replacing a file.
-        const auto suffixOf = [](const QString &filter) {
-            const qsizetype star = filter.indexOf(QLatin1String("*."));
-            return star < 0 ? QString()
-                            : filter.mid(star + 2).section(QLatin1Char(')'), 0, 0).section(QLatin1Char(' '), 0, 0);
-        };
-        dialog.setDefaultSuffix(suffixOf(nameFilters.value(0)));
-        connect(&dialog, &QFileDialog::filterSelected, &dialog,
-                [&dialog, suffixOf](const QString &filter) { dialog.setDefaultSuffix(suffixOf(filter)); });
-        dialog.selectFile(QFileInfo(suggested).fileName());
-    }
-    if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty())
-        return QString();
-    return dialog.selectedFiles().constFirst();
-}
-
 void MainWindow::importEntries()
 {
-    const QString fileName =
-        chooseFile(QFileDialog::AcceptOpen, tr("Import Entries"),
-                   { tr("CSV, QIF and OFX files (*.csv *.qif *.ofx *.qfx *.qbo *.CSV *.QIF *.OFX *.QFX *.QBO)"),
-                     tr("All files (*)") },
-                   QDir::homePath() + QLatin1Char('/'));
+    const QString fileName = FileChooser::choose(QFileDialog::AcceptOpen, tr("Import Entries"),
+                                        { tr("CSV, QIF and OFX files (*.csv *.qif *.ofx *.qfx *.qbo *.CSV *.QIF *.OFX *.QFX *.QBO)"),
+                                          tr("All files (*)") },
+                                        QDir::homePath() + QLatin1Char('/'));
     if (fileName.isEmpty())
         return;
 
-    EntryFileContents contents = EntryImport::read(fileName);
-    if (contents.isAcceptable() && !contents.openDate.isEmpty()) {
-        const Notice::Choice order = Notice::choose(
-            tr("The dates in %1 can be read two ways: %2 (line %3) is %4 with the month first, or %5 with the day "
-               "first.\n\nWhich comes first in this file?")
-                .arg(fileName, contents.openDate, QString::number(contents.openDateLine),
-                     Format::date(contents.openDateMonthFirst), Format::date(contents.openDateDayFirst)),
-            tr("Month First"), tr("Day First"));
-        if (order == Notice::Choice::Neither)
-            return;
-        if (order == Notice::Choice::Second)
-            contents = EntryImport::read(fileName, QifFormat::DateOrder::DayFirst);
-    }
-    if (!contents.isAcceptable()) {
+    // The whole file is read and checked before anything shows; the
+    // preview then tells what an import would do, and lets the encoding,
+    // the date order (where the file leaves it open, too) and duplicates be
+    // chosen. Only "Import" writes.
+    const EntryFileContents read = EntryImport::read(fileName);
+    if (!read.isAcceptable()) {
         Notice::warn(tr("Nothing was imported from %1: it cannot be read as it is.\n\n%2")
-                         .arg(fileName, contents.problemLines().join(QLatin1Char('\n'))));
+                         .arg(fileName, read.problemLines().join(QLatin1Char('\n'))));
         return;
     }
+    ImportPreviewDialog preview(*dbManager, fileName, read);
+    if (preview.exec() != QDialog::Accepted)
+        return;
+    const EntryFileContents &contents = preview.contents();
 
+    // The budgets' periods holding today, before and after: the report
+    // tells each category the import takes past 80 % or past its budget.
+    Budgets budgets(*dbManager);
+    const QDate today = QDate::currentDate();
+    const int monthStart = Settings().budgetMonthStart();
+    const QList<BudgetStanding> before = budgets.standings(today, monthStart);
     EntryImport::Outcome outcome;
     {
         Progress progress(tr("Importing entries…"));
-        EntryImport::recognise(*dbManager, contents);
         outcome = EntryImport::write(*dbManager, contents.entries, progress.reporter(), fileName);
     }
     if (!outcome.written) {
@@ -378,8 +362,20 @@ void MainWindow::importEntries()
         IsEntryPresentInDatabase = true;
         rebuildDataPageAfterImport();
     }
-    Notice::inform(EntryImport::summary(fileName, contents, outcome.added) + QStringLiteral(".\n\n") +
-                   tr("Importing the same file again adds only what it has not added yet."));
+    QString report = EntryImport::summary(fileName, contents, outcome.added) + QStringLiteral(".\n\n") +
+        tr("Importing the same file again adds only what it has not added yet.");
+    const QStringList crossed = Budgets::crossed(before, budgets.standings(today, monthStart));
+    if (!crossed.isEmpty())
+        report += QStringLiteral("\n\n") + tr("Budgets:") + QLatin1Char('\n') + crossed.join(QLatin1Char('\n'));
+    Notice::inform(report);
+}
+
+void MainWindow::showImports()
+{
+    ImportsDialog dialog(*dbManager);
+    dialog.exec();
+    if (dialog.removedAny())
+        rebuildDataPageAfterImport();
 }
 
 void MainWindow::rebuildDataPageAfterImport()
@@ -392,7 +388,7 @@ void MainWindow::rebuildDataPageAfterImport()
         return;
     QWidget *page = ui->scrollArea_2->widget();
     if (qobject_cast<HistoryWidget *>(page)) {
-        showDataPage(new HistoryWidget(QPointer<DatabaseManager>(dbManager), this));
+        showHistoryPage();
     } else if (auto *options = qobject_cast<OptionsWidget *>(page)) {
         if (!options->hasUnsavedEntryChanges())
             showDataPage(new OptionsWidget(QPointer<DatabaseManager>(dbManager), this));
@@ -402,7 +398,7 @@ void MainWindow::rebuildDataPageAfterImport()
 void MainWindow::exportEntries()
 {
     const QString fileName =
-        chooseFile(QFileDialog::AcceptSave, tr("Export Entries"), { tr("CSV files (*.csv)"), tr("QIF files (*.qif)") },
+        FileChooser::choose(QFileDialog::AcceptSave, tr("Export Entries"), { tr("CSV files (*.csv)"), tr("QIF files (*.qif)") },
                    QDir::home().filePath(QStringLiteral("ledgerly-entries.csv")));
     if (fileName.isEmpty())
         return;
@@ -424,7 +420,7 @@ void MainWindow::exportEntries()
 
 void MainWindow::backUpDatabase()
 {
-    const QString fileName = chooseFile(
+    const QString fileName = FileChooser::choose(
         QFileDialog::AcceptSave, tr("Back Up Database"), { tr("Ledgerly databases (*.db)") },
         QDir::home().filePath(QStringLiteral("ledgerly-backup-%1.db").arg(QDate::currentDate().toString(Qt::ISODate))));
     if (fileName.isEmpty())
@@ -442,9 +438,47 @@ void MainWindow::backUpDatabase()
     Notice::inform(tr("The database was backed up to %1.").arg(fileName));
 }
 
+void MainWindow::showHistoryPage()
+{
+    auto *page = new HistoryWidget(QPointer<DatabaseManager>(dbManager), this);
+    connect(page, &HistoryWidget::findRequested, this, &MainWindow::showFindPage);
+    showDataPage(page);
+}
+
+void MainWindow::showFindPage()
+{
+    showDataPage(new FindWidget(QPointer<DatabaseManager>(dbManager), this));
+}
+
 void MainWindow::on_pushButtonNewEntry_clicked()
 {
-    showDataPage(new AddEntryWidget(QPointer<DatabaseManager>(dbManager), this));
+    auto *page = new AddEntryWidget(QPointer<DatabaseManager>(dbManager), this);
+    connect(page, &AddEntryWidget::budgetThresholdCrossed, this, &MainWindow::showBudgetWarning);
+    showDataPage(page);
+}
+
+void MainWindow::showBudgetWarning(const QString &message, BudgetLevel level)
+{
+    if (!labelBudgetWarning) {
+        // Made on the first warning: until then the window has no status
+        // bar and keeps its designed height.
+        labelBudgetWarning = new QLabel(this);
+        labelBudgetWarning->setObjectName(QStringLiteral("labelBudgetWarning"));
+        labelBudgetWarning->setTextFormat(Qt::PlainText);
+        statusBar()->addWidget(labelBudgetWarning, 1);
+    }
+    labelBudgetWarning->setText(message);
+    statusBar()->setStyleSheet(QStringLiteral("QStatusBar, QStatusBar QLabel { %1 }")
+                                   .arg(BudgetLevelColours::styleSheet(level)));
+    statusBar()->show();
+}
+
+void MainWindow::clearBudgetWarning()
+{
+    if (!labelBudgetWarning)
+        return;
+    labelBudgetWarning->clear();
+    statusBar()->hide();
 }
 
 void MainWindow::on_pushButtonOptions_clicked()
@@ -460,7 +494,7 @@ void MainWindow::on_pushButtonHistory_clicked()
     // The flag is sticky: once entries were seen, History opens even if they
     // have since been deleted.
     if (IsEntryPresentInDatabase) {
-        showDataPage(new HistoryWidget(QPointer<DatabaseManager>(dbManager), this));
+        showHistoryPage();
         return;
     }
 
@@ -469,10 +503,12 @@ void MainWindow::on_pushButtonHistory_clicked()
 
 void MainWindow::on_pushButtonExit_clicked()
 {
+    clearBudgetWarning();
     ui->stackedWidget->setCurrentIndex(1);
 }
 
 void MainWindow::on_pushButtonHome_clicked()
 {
+    clearBudgetWarning();
     ui->stackedWidget->setCurrentIndex(0);
 }

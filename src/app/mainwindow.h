@@ -3,7 +3,7 @@
 
 #pragma once
 
-#include <QFileDialog>
+#include "budgets.h"
 #include <QList>
 #include <QMainWindow>
 #include <QRect>
@@ -12,6 +12,7 @@
 #include <QStringList>
 
 class DatabaseManager;
+class QLabel;
 
 namespace Ui {
 class MainWindow;
@@ -54,17 +55,23 @@ private:
     void restoreWindowGeometry();
     void saveWindowGeometry() const;
     void showDataPage(QWidget *page);
+    // A fresh history page, whose Find button opens the Find page.
+    void showHistoryPage();
+    // A fresh Find page, with the filter it had last.
+    void showFindPage();
     void reportUnusableDatabase();
     void reportUnwritableDatabase();
     void reportAutomaticBackupFailure();
 
     void importEntries();
+    void showImports();
     void exportEntries();
     void backUpDatabase();
+    // After entries came in or an import was taken back.
     void rebuildDataPageAfterImport();
-    // Asks for a file in a dialog of its own; empty when the user cancels.
-    QString chooseFile(QFileDialog::AcceptMode mode, const QString &title, const QStringList &nameFilters,
-                       const QString &suggested);
+    // Shows a budget's warning in the status bar until the next page opens.
+    void showBudgetWarning(const QString &message, BudgetLevel level);
+    void clearBudgetWarning();
 
     Ui::MainWindow *ui;
     DatabaseManager *dbManager;
@@ -73,4 +80,5 @@ private:
     // The data pages' host and a data page at the designed window size.
     QSize designedHostSize;
     QSize designedPageSize;
+    QLabel *labelBudgetWarning;
 };

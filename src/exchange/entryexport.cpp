@@ -21,6 +21,16 @@ QString tr(const char *text)
 EntryExport::Outcome EntryExport::write(DatabaseManager &store, const QString &fileName,
                                         const DatabaseManager::Progress &progress)
 {
+    // A file of another kind is refused before any entry is read.
+    if (!CsvFormat::matches(fileName) && !QifFormat::matches(fileName))
+        return write(QList<Entry *>(), fileName, progress);
+    const auto entries = owned(store.GetAllEntries());
+    return write(entries.list(), fileName, progress);
+}
+
+EntryExport::Outcome EntryExport::write(const QList<Entry *> &entries, const QString &fileName,
+                                        const DatabaseManager::Progress &progress)
+{
     Outcome outcome;
     const bool csv = CsvFormat::matches(fileName);
     if (!csv && !QifFormat::matches(fileName)) {
@@ -28,7 +38,6 @@ EntryExport::Outcome EntryExport::write(DatabaseManager &store, const QString &f
         return outcome;
     }
 
-    const auto entries = owned(store.GetAllEntries());
     QSaveFile file(fileName);
     if (!file.open(QIODevice::WriteOnly)) {
         outcome.failure = tr("%1 cannot be written: %2").arg(fileName, file.errorString());

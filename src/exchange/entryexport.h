@@ -25,6 +25,10 @@ public:
     // returning false.
     static Outcome write(DatabaseManager &store, const QString &fileName,
                          const DatabaseManager::Progress &progress = {});
+    // The same for the entries given, in their order (the results of a
+    // search, say); they stay the caller's.
+    static Outcome write(const QList<Entry *> &entries, const QString &fileName,
+                         const DatabaseManager::Progress &progress = {});
 
     // "Exported 1234 entries to FILE"
     static QString summary(const QString &fileName, int exported);

@@ -51,7 +51,7 @@ int EntryFileContents::lineAt(QByteArrayView bytes, qsizetype offset)
     return line;
 }
 
-QString EntryFileContents::skippedSummary() const
+QStringList EntryFileContents::skippedReasons() const
 {
     QStringList reasons;
     if (skippedIncome > 0)
@@ -65,6 +65,12 @@ QString EntryFileContents::skippedSummary() const
             QCoreApplication::translate("EntryFileContents", "already imported %1").arg(skippedDuplicates));
     if (skippedOtherSections > 0)
         reasons.append(QCoreApplication::translate("EntryFileContents", "other sections %1").arg(skippedOtherSections));
+    return reasons;
+}
+
+QString EntryFileContents::skippedSummary() const
+{
+    const QStringList reasons = skippedReasons();
     QString summary = QCoreApplication::translate("EntryFileContents", "skipped %1").arg(skipped());
     if (!reasons.isEmpty())
         summary += QStringLiteral(" (%1)").arg(reasons.join(QStringLiteral(", ")));

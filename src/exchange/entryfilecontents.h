@@ -81,6 +81,8 @@ public:
     // imported 1)", naming only the reasons that skipped any, or
     // "skipped 0".
     QString skippedSummary() const;
+    // The reasons of that summary, "income 30", "transfers 2", ...
+    QStringList skippedReasons() const;
     // The problems, one a line as "line 7: text", or "FILE:7: text" when
     // `fileName` is given (a whole-file problem without its line), at most
     // `limit` of them, then one line that counts the rest.

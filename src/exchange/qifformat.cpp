@@ -69,8 +69,11 @@ WrittenDate readWrittenDate(const QString &written)
     static const QRegularExpression compact(QStringLiteral("^(\\d{4})(\\d{2})(\\d{2})$"));
     static const QRegularExpression separated(QStringLiteral("^(\\d{1,4})([/.-])(\\d{1,2})([/.'-])(\\d{1,4})$"));
 
+    // Blanks may stand anywhere inside a date (`6/ 1/94`); those of ASCII
+    // are left out, as programs write them.
     QString text = written;
-    text.remove(QRegularExpression(QStringLiteral("\\s")));
+    text.removeIf(
+        [](QChar c) { return c == u' ' || c == u'\t' || c == u'\n' || c == u'\v' || c == u'\f' || c == u'\r'; });
     WrittenDate date;
     if (const QRegularExpressionMatch match = compact.match(text); match.hasMatch()) {
         date.valid = true;

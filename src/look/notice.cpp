@@ -43,6 +43,12 @@ bool Notice::confirm(const QString &text)
         QMessageBox::Save;
 }
 
+bool Notice::confirmDestructive(const QString &text, const QString &action)
+{
+    return show(QMessageBox::NoIcon, text, QMessageBox::Yes | QMessageBox::Cancel, QMessageBox::Cancel,
+                { { QMessageBox::Yes, action } }) == QMessageBox::Yes;
+}
+
 Notice::Choice Notice::choose(const QString &text, const QString &first, const QString &second)
 {
     switch (show(QMessageBox::NoIcon, text, QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel, QMessageBox::Yes,

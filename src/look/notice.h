@@ -19,6 +19,11 @@ public:
     // Save is a yes; Discard and closing the box are a no.
     static bool confirm(const QString &text);
 
+    // A question before something that cannot be taken back: the buttons
+    // Yes, carrying the text `action`, and Cancel, Cancel the default. Only
+    // Yes is a yes; Cancel and closing the box are a no.
+    static bool confirmDestructive(const QString &text, const QString &action);
+
     enum class Choice { First, Second, Neither };
     // A question with two answers and Cancel: the buttons Yes, No and Cancel
     // carry the texts `first`, `second` and "Cancel"; the first answer is

@@ -38,7 +38,7 @@ AddEntryWidget::AddEntryWidget(QPointer<DatabaseManager> dbManager, QWidget *par
     // The point is required: "12" stays an intermediate input, "12." and
     // "12.50" are acceptable, and a third decimal digit cannot be typed.
     auto *amountValidator =
-        new QRegularExpressionValidator(QRegularExpression(QStringLiteral("[0-9]+\\.[0-9]{0,2}")), ui->lineEditAmount);
+        new QRegularExpressionValidator(Amount::pattern(Amount::Point::Required), ui->lineEditAmount);
     ui->lineEditAmount->setValidator(amountValidator);
 
     ui->dateEdit->setDate(QDate::currentDate());
@@ -65,6 +65,14 @@ AddEntryWidget::AddEntryWidget(QPointer<DatabaseManager> dbManager, QWidget *par
 
 AddEntryWidget::~AddEntryWidget()
 {
+    // A lookup the page no longer waits for is given up, not left to the
+    // server; it is let go of first, so that its end reaches no page.
+    for (const QPointer<QNetworkReply> &reply : std::as_const(pendingLookups)) {
+        if (reply) {
+            reply->disconnect(this);
+            reply->abort();
+        }
+    }
     // A page that goes while its name field has the focus moves the focus
     // away as it closes, after this destructor: the field would report its
     // editing finished to a page whose catalogue is gone.
@@ -143,8 +151,7 @@ void AddEntryWidget::startLocationLookup()
     // replaced is never delivered to it (the locator deletes it all the
     // same).
     connect(reply, &QNetworkReply::finished, this, [this, reply] { handleNetworkData(reply); });
-    // One the page no longer waits for is given up, not left to the server.
-    connect(this, &QObject::destroyed, reply, &QNetworkReply::abort);
+    pendingLookups.append(reply);
 }
 
 void AddEntryWidget::handleNetworkData(QNetworkReply *reply)
@@ -249,7 +256,7 @@ void AddEntryWidget::CheckFieldsFunction()
     // Forty nines make no price: asked before the confirmation, so that
     // nothing that cannot be stored is offered for saving.
     if (Amount::isTooLarge(amount)) {
-        Notice::inform(tr("Amount is too large. Enter a smaller amount"));
+        Notice::inform(Amount::tooLargeMessage());
         return;
     }
 
@@ -286,8 +293,26 @@ void AddEntryWidget::CheckFieldsFunction()
         return;
     }
     Notice::inform(tr("Entry added to the database successfully"));
+    checkBudget(*entry);
 
     clearFields();
+}
+
+void AddEntryWidget::checkBudget(const Entry &entry)
+{
+    if (!dbManager)
+        return;
+    const QDate day = entry.TransactDateTime.date();
+    const std::optional<BudgetStanding> standing =
+        Budgets(*dbManager).standingOf(entry.CategoryName, day, Settings().budgetMonthStart());
+    if (!standing)
+        return;
+    const double spentBefore = standing->spent - double(entry.Price);
+    const std::optional<BudgetLevel> reached =
+        Budgets::crossing(spentBefore, standing->spent, standing->budget.amount);
+    if (!reached)
+        return;
+    emit budgetThresholdCrossed(Budgets::told(*standing), *reached);
 }
 
 void AddEntryWidget::clearFields()

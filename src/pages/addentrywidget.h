@@ -9,7 +9,10 @@
 #include <QString>
 #include <QWidget>
 
+#include "budgets.h"
+
 class Category;
+class Entry;
 class DatabaseManager;
 class QCompleter;
 class QNetworkReply;
@@ -36,6 +39,11 @@ public:
     // Appends the names in list order; the categories stay the caller's.
     void AddCategoriesToComboBox(QList<Category *> categories);
 
+signals:
+    // An entry just stored took its category's spending past 80 % of its
+    // budget (Nearing) or past the budget (Over) in the entry's period.
+    void budgetThresholdCrossed(const QString &message, BudgetLevel level);
+
 protected:
     void showEvent(QShowEvent *event) override;
     bool eventFilter(QObject *watched, QEvent *event) override;
@@ -45,6 +53,8 @@ private slots:
     void handleNetworkData(QNetworkReply *reply);
 
 private:
+    // The lookups the page sent, until the program's locator deletes them.
+    QList<QPointer<QNetworkReply>> pendingLookups;
     // What the catalogue knows of an item name: the amount and category a
     // pick of the name offers.
     struct CatalogueItem
@@ -59,6 +69,7 @@ private:
     // the user has not chosen them.
     void offerCatalogueItem(const QString &itemName);
     void clearFields();
+    void checkBudget(const Entry &entry);
 
     Ui::AddEntryWidget *ui;
     QPointer<DatabaseManager> dbManager;

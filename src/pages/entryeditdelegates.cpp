@@ -116,8 +116,7 @@ QWidget *EntryPriceDelegate::createEditor(QWidget *parent, const QStyleOptionVie
     // to two decimals if at all; nothing negative. Larger amounts can be
     // typed, and are refused with the page's message when the editor closes.
     auto *editor = new QLineEdit(parent);
-    editor->setValidator(
-        new QRegularExpressionValidator(QRegularExpression(QStringLiteral("[0-9]+(\\.[0-9]{0,2})?")), editor));
+    editor->setValidator(new QRegularExpressionValidator(Amount::pattern(Amount::Point::Optional), editor));
     return editor;
 }
 
@@ -137,7 +136,7 @@ void EntryPriceDelegate::setModelData(QWidget *editor, QAbstractItemModel *model
     if (text.isEmpty() || text == editor->property(openedWith).toString())
         return;
     if (Amount::isTooLarge(text)) {
-        Notice::inform(tr("Amount is too large. Enter a smaller amount"));
+        Notice::inform(Amount::tooLargeMessage());
         return;
     }
     // A single-precision number, as the store writes prices.

@@ -4,6 +4,7 @@
 #include "historywidget.h"
 #include "ui_historywidget.h"
 
+#include "budgetlevelcolours.h"
 #include "databasemanager.h"
 #include "entrydetailswidget.h"
 #include "format.h"
@@ -14,16 +15,22 @@
 #include "notice.h"
 #include "piewidget.h"
 #include "placesmap.h"
+#include "settings.h"
 
 #include <QBrush>
 #include <QFile>
 #include <QHeaderView>
 #include <QImageReader>
 #include <QScrollArea>
+#include <QPainter>
+#include <QStyledItemDelegate>
 #include <QSignalBlocker>
 #include <QStyle>
 #include <QTableWidget>
 #include <QTableWidgetItem>
+
+#include <algorithm>
+#include <cmath>
 
 namespace {
 
@@ -186,6 +193,59 @@ ZRLineGraph *newGraph()
     return graph;
 }
 
+// The columns of the budgets table.
+enum BudgetColumn {
+    BudgetCategory,
+    BudgetPeriodName,
+    BudgetAmount,
+    BudgetSpent,
+    BudgetLeft,
+    BudgetUsed,
+    BudgetPace,
+    BudgetColumnCount
+};
+
+constexpr int UsedShareRole = Qt::UserRole;
+constexpr int UsedLevelRole = Qt::UserRole + 1;
+
+// The "Used" cell: a bar as long as the spent share (full from 100 %), in
+// the colour of the budget's level, with the percentage across it. Where the
+// bar lies the text takes the colour that reads on the bar, elsewhere the
+// table's own.
+class UsedBarDelegate final : public QStyledItemDelegate
+{
+public:
+    using QStyledItemDelegate::QStyledItemDelegate;
+
+    void paint(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index) const override
+    {
+        const auto level = BudgetLevel(index.data(UsedLevelRole).toInt());
+        const double share = std::clamp(index.data(UsedShareRole).toDouble(), 0.0, 1.0);
+        const QRect cell = option.rect.adjusted(2, 2, -2, -2);
+        QRect bar = cell;
+        bar.setWidth(int(std::lround(cell.width() * share)));
+        const QString text = index.data(Qt::DisplayRole).toString();
+
+        painter->save();
+        painter->fillRect(bar, BudgetLevelColours::background(level));
+        painter->setFont(option.font);
+        painter->setPen(option.palette.color(QPalette::Text));
+        painter->setClipRect(QRect(bar.right() + 1, cell.top(), cell.right() - bar.right(), cell.height()));
+        painter->drawText(cell, Qt::AlignCenter, text);
+        painter->setPen(BudgetLevelColours::text(level));
+        painter->setClipRect(bar);
+        painter->drawText(cell, Qt::AlignCenter, text);
+        painter->restore();
+    }
+};
+
+QTableWidgetItem *budgetCell(const QString &text)
+{
+    auto *item = new QTableWidgetItem(text);
+    item->setFlags(item->flags() & ~Qt::ItemIsEditable);
+    return item;
+}
+
 } // namespace
 
 HistoryWidget::HistoryWidget(QPointer<DatabaseManager> dbManager, QWidget *parent)
@@ -202,6 +262,8 @@ HistoryWidget::HistoryWidget(QPointer<DatabaseManager> dbManager, QWidget *paren
     // with it: until then it costs the page nothing.
     placesMap = new PlacesMap(ui->webViewPlaces, this);
     connect(ui->tableWidgetPlaces, &QTableWidget::cellClicked, this, [this](int row) { showPlaceOnMap(row); });
+    ui->tableWidgetBudgets->setItemDelegateForColumn(BudgetUsed, new UsedBarDelegate(ui->tableWidgetBudgets));
+    connect(ui->tableWidgetBudgets, &QTableWidget::cellClicked, this, [this](int row) { showBudgetEntries(row); });
 
     ui->comboBoxDateWiseTimePeriod->insertItem(Daily, tr("Daily"));
     ui->comboBoxDateWiseTimePeriod->insertItem(Weekly, tr("Weekly"));
@@ -655,7 +717,78 @@ void HistoryWidget::on_tabWidgetHistoryContainer_currentChanged(int index)
     case 4:
         ShowPlacesDetails();
         break;
+    case 5:
+        ShowBudgetsDetails();
+        break;
     default:
         break;
     }
+}
+
+void HistoryWidget::ShowBudgetsDetails()
+{
+    const QDate today = QDate::currentDate();
+    shownBudgets = dbManager ? Budgets(*dbManager).standings(today, Settings().budgetMonthStart())
+                             : QList<BudgetStanding>();
+    QTableWidget *table = ui->tableWidgetBudgets;
+    ui->tableWidgetBudgetEntries->clear();
+    ui->tableWidgetBudgetEntries->setRowCount(0);
+    ui->tableWidgetBudgetEntries->setColumnCount(0);
+    const bool empty = shownBudgets.isEmpty();
+    table->setVisible(!empty);
+    ui->tableWidgetBudgetEntries->setVisible(!empty);
+    ui->labelBudgetsEmpty->setVisible(empty);
+    ui->labelBudgetsEmpty->setText(
+        empty ? tr("No budgets yet. Set a limit for a category on the \"Budgets\" tab of the options page, "
+                   "or with \"ledgerly budget set CATEGORY AMOUNT\".")
+              : QString());
+
+    table->clear();
+    table->setColumnCount(BudgetColumnCount);
+    table->setHorizontalHeaderLabels(
+        { tr("Category"), tr("Period"), tr("Budget"), tr("Spent"), tr("Left"), tr("Used"), tr("Pace") });
+    table->setRowCount(int(shownBudgets.size()));
+    for (int row = 0; row < shownBudgets.size(); ++row) {
+        const BudgetStanding &standing = shownBudgets.at(row);
+        table->setItem(row, BudgetCategory, budgetCell(standing.budget.category));
+        table->setItem(row, BudgetPeriodName, budgetCell(BudgetPeriods::name(standing.budget.period)));
+        table->setItem(row, BudgetAmount, budgetCell(Budgets::money(standing.budget.amount)));
+        table->setItem(row, BudgetSpent, budgetCell(Budgets::money(standing.spent)));
+        table->setItem(row, BudgetLeft, budgetCell(Budgets::money(standing.left())));
+        QTableWidgetItem *used = budgetCell(tr("%1 %").arg(standing.usedPercent()));
+        used->setData(UsedShareRole, standing.spent / standing.budget.amount);
+        used->setData(UsedLevelRole, int(Budgets::level(standing.spent, standing.budget.amount)));
+        table->setItem(row, BudgetUsed, used);
+        const double margin = standing.paceMargin(today);
+        table->setItem(row, BudgetPace,
+                       budgetCell(margin >= 0 ? tr("ahead by %1").arg(Budgets::money(margin))
+                                              : tr("behind by %1").arg(Budgets::money(-margin))));
+    }
+}
+
+void HistoryWidget::showBudgetEntries(int row)
+{
+    if (row < 0 || row >= shownBudgets.size() || !dbManager)
+        return;
+    const BudgetStanding &standing = shownBudgets.at(row);
+    const OwnedList<Entry> entries = owned(dbManager->GetAllEntriesOfCategoryBetweenDates(
+        standing.budget.category, standing.span.first.startOfDay(), QDateTime(standing.span.last, QTime(23, 59, 59))));
+    QTableWidget *table = ui->tableWidgetBudgetEntries;
+    table->clear();
+    table->setColumnCount(4);
+    table->setHorizontalHeaderLabels({ tr("Date"), tr("Item"), tr("Amount"), tr("Place") });
+    table->setRowCount(int(entries.size()));
+    int at = 0;
+    for (const Entry *entry : entries) {
+        table->setItem(at, 0, budgetCell(Format::date(entry->TransactDateTime.date())));
+        table->setItem(at, 1, budgetCell(entry->ItemName));
+        table->setItem(at, 2, budgetCell(Budgets::money(double(entry->Price))));
+        table->setItem(at, 3, budgetCell(entry->LocationText));
+        ++at;
+    }
+}
+
+void HistoryWidget::on_pushButtonFind_clicked()
+{
+    emit findRequested();
 }

@@ -11,6 +11,8 @@
 #include <QTimer>
 #include <QWidget>
 
+#include "budgets.h"
+
 class PlacesMap;
 class QDate;
 class QTableWidget;
@@ -31,6 +33,10 @@ public:
     HistoryWidget(QPointer<DatabaseManager> dbManager, QWidget *parent);
     ~HistoryWidget() override;
 
+signals:
+    // The user asked for the Find page (the Find button of the Entries tab).
+    void findRequested();
+
 private slots:
     void on_tableWidgetAllEntries_cellClicked(int row, int column);
     void on_dateEditDateWiseStartDate_dateChanged(const QDate &date);
@@ -39,6 +45,7 @@ private slots:
     void on_tableWidgetCategoryRecentEntries_cellClicked(int row, int column);
     void on_comboBoxCategory_currentIndexChanged(int index);
     void on_tabWidgetHistoryContainer_currentChanged(int index);
+    void on_pushButtonFind_clicked();
 
 protected:
     void changeEvent(QEvent *event) override;
@@ -57,6 +64,10 @@ private:
     void CalculateGlobalEntryData();
     void ShowAllEntryDetails();
     void ShowPlacesDetails();
+    // The "Budgets" tab: every budget in its period holding today.
+    void ShowBudgetsDetails();
+    // Lists below the budgets the entries of a row's category and period.
+    void showBudgetEntries(int row);
     // Centres the places map on the place of a row of the places table.
     void showPlaceOnMap(int row);
 
@@ -92,4 +103,5 @@ private:
     QString entriesTabShownFor;
     QString placesTabShownFor;
     QTimer graphsResized;
+    QList<BudgetStanding> shownBudgets;
 };

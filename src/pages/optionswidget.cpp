@@ -4,12 +4,19 @@
 #include "optionswidget.h"
 #include "ui_optionswidget.h"
 
+#include "budgets.h"
 #include "databasemanager.h"
 #include "entryeditdelegates.h"
 #include "look.h"
 #include "notice.h"
+#include "settings.h"
 
 #include <QAction>
+#include <QComboBox>
+#include <QLabel>
+#include <QPushButton>
+#include <QSpinBox>
+#include <QTableWidget>
 #include <QHeaderView>
 #include <QItemSelectionModel>
 #include <QSqlError>
@@ -112,6 +119,7 @@ OptionsWidget::OptionsWidget(QPointer<DatabaseManager> dbManager, QWidget *paren
     // Switching to the first tab fills the old-name list through the slot;
     // the direct call fills it once more, so a new page lists every category
     // without entries twice, as it always has.
+    setUpBudgetsTab();
     ui->tabWidgetOptionsContainer->setCurrentIndex(0);
     AddEmptyCategoriesToComboBox();
     ShowSwitchModeDetails();
@@ -134,6 +142,9 @@ void OptionsWidget::on_tabWidgetOptionsContainer_currentChanged(int index)
         break;
     case 2:
         ShowEditEntriesDetails();
+        break;
+    case 3:
+        ShowBudgetsDetails();
         break;
     default:
         break;
@@ -222,21 +233,22 @@ void OptionsWidget::on_pushButtonChangeMode_clicked()
 
 void OptionsWidget::ShowEditEntriesDetails()
 {
-    // Each visit reads the table afresh into a new model. Earlier models stay
-    // with the page, so Save and Cancel reach them all.
+    // One model for the page: a later visit shows the same model again, so
+    // that two models never hold conflicting edits of the same row. A model
+    // without edits or marks reads the table afresh (another page may have
+    // written meanwhile); one with them keeps them until Save or Cancel.
     if (!dbManager)
         return;
-    QSqlTableModel *model = dbManager->createTableModel(QStringLiteral("Entry"), this);
-    if (!model)
+    if (entryModel) {
+        if (!entryModel->isDirty() && markedEntries.isEmpty())
+            entryModel->select();
+        hideMarkedRows();
         return;
-    QItemSelectionModel *oldSelection = ui->tableViewEditEntries->selectionModel();
-    // Rows hidden for the model shown before would hide rows of this one.
-    if (QAbstractItemModel *shown = ui->tableViewEditEntries->model()) {
-        for (int row = 0; row < shown->rowCount(); ++row)
-            ui->tableViewEditEntries->setRowHidden(row, false);
     }
-    ui->tableViewEditEntries->setModel(model);
-    delete oldSelection;
+    entryModel = dbManager->createTableModel(QStringLiteral("Entry"), this);
+    if (!entryModel)
+        return;
+    ui->tableViewEditEntries->setModel(entryModel);
 
     for (int column : { SNoColumn, CategoryNameColumn, CategoryIDColumn, EnableGeoLocColumn, GeoLocIDColumn,
                         GeoLocLongitColumn, GeoLocLatitColumn, ItemIDColumn })
@@ -246,13 +258,12 @@ void OptionsWidget::ShowEditEntriesDetails()
 
 bool OptionsWidget::hasUnsavedEntryChanges() const
 {
-    const QList<QSqlTableModel *> models = entryModels();
-    return std::any_of(models.cbegin(), models.cend(), [](const QSqlTableModel *model) { return model->isDirty(); });
+    return entryModel && entryModel->isDirty();
 }
 
 QList<QSqlTableModel *> OptionsWidget::entryModels() const
 {
-    return findChildren<QSqlTableModel *>(QString(), Qt::FindDirectChildrenOnly);
+    return entryModel ? QList<QSqlTableModel *> { entryModel } : QList<QSqlTableModel *> {};
 }
 
 void OptionsWidget::markSelectedEntriesForDeletion()
@@ -297,8 +308,8 @@ void OptionsWidget::cancelEntryEdits()
 
 void OptionsWidget::saveEntryEdits()
 {
-    // One transaction for the edits and deletions of every model the page
-    // made: either all of them are stored, or none is.
+    // One transaction for the edits and deletions: either all of them are
+    // stored, or none is.
     const QList<QSqlTableModel *> models = entryModels();
     if (!dbManager || !hasUnsavedEntryChanges())
         return;
@@ -341,4 +352,141 @@ void OptionsWidget::saveEntryEdits()
     text +=
         QStringLiteral("\n\n") + tr("They are still in the table: press Save to try again, or Cancel to drop them.");
     Notice::warn(text);
+}
+
+namespace {
+
+enum BudgetColumn { BudgetCategoryColumn, BudgetAmountColumn, BudgetPeriodColumn };
+
+} // namespace
+
+void OptionsWidget::setUpBudgetsTab()
+{
+    // Built like the "Edit Entries" tab, and dressed as its widgets are, so
+    // that the tab follows the page's look.
+    auto *tab = new QWidget();
+    tab->setObjectName(QStringLiteral("tabBudgets"));
+
+    tableWidgetBudgetsEdit = new QTableWidget(0, 3, tab);
+    tableWidgetBudgetsEdit->setObjectName(QStringLiteral("tableWidgetBudgetsEdit"));
+    tableWidgetBudgetsEdit->setGeometry(ui->tableViewEditEntries->geometry());
+    tableWidgetBudgetsEdit->setStyleSheet(ui->tableViewEditEntries->styleSheet());
+    tableWidgetBudgetsEdit->setHorizontalHeaderLabels({ tr("Category"), tr("Budget"), tr("Period") });
+    tableWidgetBudgetsEdit->horizontalHeader()->setSectionResizeMode(QHeaderView::Stretch);
+    tableWidgetBudgetsEdit->verticalHeader()->hide();
+    tableWidgetBudgetsEdit->setAccessibleName(tr("Budgets"));
+
+    auto *label = new QLabel(tab);
+    label->setObjectName(QStringLiteral("labelMonthStart"));
+    label->setGeometry(70, 440, 381, 41);
+    label->setText(tr("Budget months start on day"));
+    label->setStyleSheet(ui->labelCurrentModeName->styleSheet());
+    label->setPalette(ui->labelCurrentModeName->palette());
+    label->setFont(ui->labelCurrentModeName->font());
+    spinBoxMonthStart = new QSpinBox(tab);
+    spinBoxMonthStart->setObjectName(QStringLiteral("spinBoxMonthStart"));
+    spinBoxMonthStart->setGeometry(460, 440, 141, 41);
+    spinBoxMonthStart->setRange(BudgetPeriods::firstMonthStart, BudgetPeriods::lastMonthStart);
+    spinBoxMonthStart->setStyleSheet(ui->lineEditNewCategoryName->styleSheet());
+    // Named by the caption beside it, for a screen reader.
+    spinBoxMonthStart->setAccessibleName(label->text());
+    label->setBuddy(spinBoxMonthStart);
+
+    auto *save = new QPushButton(tr("Save"), tab);
+    save->setObjectName(QStringLiteral("pushButtonSaveBudgets"));
+    save->setGeometry(70, 500, 311, 61);
+    save->setStyleSheet(ui->pushButtonSaveChanges->styleSheet());
+    save->setFont(ui->pushButtonSaveChanges->font());
+    auto *cancel = new QPushButton(tr("Cancel"), tab);
+    cancel->setObjectName(QStringLiteral("pushButtonCancelBudgets"));
+    cancel->setGeometry(460, 500, 311, 61);
+    cancel->setStyleSheet(ui->pushButtonCancelChanges->styleSheet());
+    cancel->setFont(ui->pushButtonCancelChanges->font());
+    connect(save, &QPushButton::clicked, this, &OptionsWidget::saveBudgetEdits);
+    connect(cancel, &QPushButton::clicked, this, &OptionsWidget::ShowBudgetsDetails);
+
+    // Added while the form's current tab is another, so no handler runs.
+    ui->tabWidgetOptionsContainer->addTab(tab, tr("Budgets"));
+}
+
+void OptionsWidget::ShowBudgetsDetails()
+{
+    tableWidgetBudgetsEdit->setRowCount(0);
+    budgetedCategories.clear();
+    spinBoxMonthStart->setValue(Settings().budgetMonthStart());
+    if (!dbManager)
+        return;
+    QHash<QString, Budget> budgetOf;
+    for (const Budget &budget : Budgets(*dbManager).all()) {
+        budgetOf.insert(budget.category, budget);
+        budgetedCategories << budget.category;
+    }
+    QStringList names;
+    for (const Category *category : owned(dbManager->GetAllCategories()))
+        names << category->CategoryName;
+    // A budget outlives a rename of its category; it is listed so that it
+    // can be removed.
+    for (const QString &name : std::as_const(budgetedCategories))
+        if (!names.contains(name))
+            names << name;
+
+    tableWidgetBudgetsEdit->setRowCount(int(names.size()));
+    for (int row = 0; row < names.size(); ++row) {
+        auto *name = new QTableWidgetItem(names.at(row));
+        name->setFlags(name->flags() & ~Qt::ItemIsEditable);
+        tableWidgetBudgetsEdit->setItem(row, BudgetCategoryColumn, name);
+        const auto budget = budgetOf.constFind(names.at(row));
+        const bool has = budget != budgetOf.cend();
+        tableWidgetBudgetsEdit->setItem(row, BudgetAmountColumn,
+                                        new QTableWidgetItem(has ? Budgets::money(budget->amount) : QString()));
+        auto *period = new QComboBox();
+        for (BudgetPeriod each : { BudgetPeriod::Month, BudgetPeriod::Week, BudgetPeriod::Year })
+            period->addItem(BudgetPeriods::name(each), int(each));
+        period->setCurrentIndex(period->findData(int(has ? budget->period : BudgetPeriod::Month)));
+        tableWidgetBudgetsEdit->setCellWidget(row, BudgetPeriodColumn, period);
+    }
+}
+
+void OptionsWidget::saveBudgetEdits()
+{
+    if (!dbManager)
+        return;
+    QList<Budget> kept;
+    QStringList removed;
+    for (int row = 0; row < tableWidgetBudgetsEdit->rowCount(); ++row) {
+        const QString category = tableWidgetBudgetsEdit->item(row, BudgetCategoryColumn)->text();
+        const QString text = tableWidgetBudgetsEdit->item(row, BudgetAmountColumn)->text().trimmed();
+        if (text.isEmpty()) {
+            if (budgetedCategories.contains(category))
+                removed << category;
+            continue;
+        }
+        bool isNumber = false;
+        const double amount = text.toDouble(&isNumber);
+        if (!isNumber || !Budgets::isAcceptableAmount(amount)) {
+            Notice::warn(tr("The budget of %1 must be an amount above 0 and at most 9999999.99, not %2. "
+                            "Nothing was saved.")
+                             .arg(category, text));
+            return;
+        }
+        const auto *period = qobject_cast<QComboBox *>(tableWidgetBudgetsEdit->cellWidget(row, BudgetPeriodColumn));
+        kept.append({ category, amount, BudgetPeriod(period->currentData().toInt()) });
+    }
+
+    QString reason;
+    if (!Budgets(*dbManager).apply(kept, removed, &reason)) {
+        // The edits stay in the table for another Save.
+        QString text = tr("Your budgets could not be saved.");
+        if (!reason.trimmed().isEmpty())
+            text += QStringLiteral("\n\n") + reason.trimmed();
+        text += QStringLiteral("\n\n") +
+            tr("They are still in the table: press Save to try again, or Cancel to drop them.");
+        Notice::warn(text);
+        return;
+    }
+    if (!Settings().setBudgetMonthStart(spinBoxMonthStart->value())) {
+        Notice::warn(tr("The budgets were saved, but the month start could not be kept."));
+        return;
+    }
+    ShowBudgetsDetails();
 }

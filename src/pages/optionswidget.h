@@ -8,10 +8,13 @@
 #include <QPointer>
 #include <QSet>
 #include <QString>
+#include <QStringList>
 #include <QWidget>
 
 class DatabaseManager;
+class QSpinBox;
 class QSqlTableModel;
+class QTableWidget;
 
 namespace Ui {
 class OptionsWidget;
@@ -49,10 +52,21 @@ private:
     void markSelectedEntriesForDeletion();
     QList<QSqlTableModel *> entryModels() const;
     void hideMarkedRows();
+    // The "Budgets" tab: every category with its budget, and the month
+    // start, edited in place and saved or dropped as a batch.
+    void setUpBudgetsTab();
+    void ShowBudgetsDetails();
+    void saveBudgetEdits();
 
     Ui::OptionsWidget *ui;
     QPointer<DatabaseManager> dbManager;
     QString currentMode;
     // The entries each table model has marked for deletion, by SNo.
     QHash<QSqlTableModel *, QSet<int>> markedEntries;
+    // The entry table's one model, made on the first visit of its tab.
+    QSqlTableModel *entryModel = nullptr;
+    QTableWidget *tableWidgetBudgetsEdit;
+    QSpinBox *spinBoxMonthStart;
+    // The categories that had a budget when the tab was last filled.
+    QStringList budgetedCategories;
 };

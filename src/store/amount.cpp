@@ -3,6 +3,8 @@
 
 #include "amount.h"
 
+#include <QCoreApplication>
+
 #include <cmath>
 
 bool Amount::isTooLarge(const QString &text)
@@ -13,4 +15,15 @@ bool Amount::isTooLarge(const QString &text)
     if (std::isinf(value))
         return true;
     return isNumber && value > largest;
+}
+
+QString Amount::tooLargeMessage()
+{
+    return QCoreApplication::translate("Amount", "Amount is too large. Enter a smaller amount");
+}
+
+QRegularExpression Amount::pattern(Point point)
+{
+    return QRegularExpression(point == Point::Required ? QStringLiteral("[0-9]+\\.[0-9]{0,2}")
+                                                       : QStringLiteral("[0-9]+(\\.[0-9]{0,2})?"));
 }

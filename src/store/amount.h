@@ -3,6 +3,7 @@
 
 #pragma once
 
+#include <QRegularExpression>
 #include <QString>
 
 // The amounts Ledgerly takes for a price, wherever one is typed (the
@@ -17,4 +18,13 @@ public:
     // amount fields take them) is beyond what a price may be. Text that is
     // no number at all is not too large: it reads as 0, as it always has.
     static bool isTooLarge(const QString &text);
+    // What a refused amount is told with.
+    static QString tooLargeMessage();
+
+    // What an amount field lets be typed: digits and a point, then up to two
+    // decimals. Where the point is required (the new-entry page) "12" stays
+    // an intermediate input; the entry table, which shows stored prices,
+    // also takes a whole number.
+    enum class Point { Required, Optional };
+    static QRegularExpression pattern(Point point);
 };

@@ -304,8 +304,17 @@ QSqlTableModel *DatabaseManager::createTableModel(const QString &table, QObject 
 
 bool DatabaseManager::runInTransaction(WriteKind kind, const std::function<bool()> &work, QString *failure)
 {
-    return transactions->run(kind == WriteKind::Edits ? Transactions::Kind::Edits : Transactions::Kind::Import, work,
-                             failure);
+    // An import looks the same few categories up for every entry it adds;
+    // they are kept while it runs. Only AddCategory and EditCategory change
+    // the table meanwhile (the transaction holds the file), and both forget
+    // what was kept.
+    const bool import = kind == WriteKind::Import;
+    categoryIds.clear();
+    keepingCategoryIds = import;
+    const bool done = transactions->run(import ? Transactions::Kind::Import : Transactions::Kind::Edits, work, failure);
+    keepingCategoryIds = false;
+    categoryIds.clear();
+    return done;
 }
 
 bool DatabaseManager::backUpTo(const QString &destination, const Progress &progress, QString *failure)
@@ -386,12 +395,14 @@ QList<HistoricLocation *> DatabaseManager::historicLocationList(const QString &s
 
 bool DatabaseManager::AddCategory(QString CName)
 {
+    categoryIds.clear();
     return Schema::addNameIfMissing(*statements, CName, QStringLiteral("SELECT COUNT(CategoryName) FROM Category WHERE CategoryName = :id"),
                             QStringLiteral("INSERT INTO Category (CategoryName) VALUES (:name)"));
 }
 
 bool DatabaseManager::EditCategory(QString OldName, QString NewName)
 {
+    categoryIds.clear();
     // Only the Category row is renamed: entries and items keep the old name,
     // and their CategoryID still points at this row.
     return renameIfStoredOnce(OldName, NewName,
@@ -401,9 +412,16 @@ bool DatabaseManager::EditCategory(QString OldName, QString NewName)
 
 int DatabaseManager::GetCategoryID(QString Name)
 {
-    return statements->firstId(
+    if (keepingCategoryIds) {
+        if (const auto kept = categoryIds.constFind(Name); kept != categoryIds.cend())
+            return *kept;
+    }
+    const int id = statements->firstId(
         QStringLiteral("select SNo,CategoryName from Category where CategoryName=:CName order by SNo limit 1"),
         { { QStringLiteral(":CName"), textValue(Name) } });
+    if (keepingCategoryIds)
+        categoryIds.insert(Name, id);
+    return id;
 }
 
 QString DatabaseManager::GetCategoryNameByCategoryID(int id)
@@ -686,6 +704,32 @@ bool DatabaseManager::AddEntry(Entry *enteredEntry)
     return transactions->write([&] { return writeEntry(enteredEntry); });
 }
 
+int DatabaseManager::addItemOfEntry(const Items &item)
+{
+    // What AddItem() and then GetItemID() do, with one lookup of the item
+    // instead of four: an import runs this for every entry. The first row
+    // found gives the number and the count, as theirs does; every row of
+    // the name and category is updated, as theirs is.
+    const Bindings key = itemKey(item.ItemName, item.CategoryName);
+    int itemId = 0;
+    int frequency = 0;
+    if (statements->firstInts(QStringLiteral("SELECT SNo, UseFrequency FROM Items WHERE ItemName=:IName and "
+                                             "CategoryName = :id"),
+                              key, { &itemId, &frequency })) {
+        const bool updated = statements->execute(
+            QStringLiteral("UPDATE Items SET UseFrequency = :fval, LastPrice= :lastP where ItemName=:IName and "
+                           "CategoryName = :id"),
+            key +
+                Bindings { { QStringLiteral(":fval"), intValue(frequency + 1) },
+                           { QStringLiteral(":lastP"), floatValue(item.LastPrice) } });
+        return updated ? itemId : 0;
+    }
+    // No row: a failed lookup is no reason to add the item twice, so the
+    // same check AddItem() makes decides.
+    Items added = item;
+    return AddItem(&added) ? GetItemID(item.ItemName, item.CategoryName) : 0;
+}
+
 bool DatabaseManager::writeEntry(const Entry *enteredEntry)
 {
     // The caller's record is only read; its numbers are recomputed here.
@@ -711,7 +755,7 @@ bool DatabaseManager::writeEntry(const Entry *enteredEntry)
     const int categoryId = GetCategoryID(entry.CategoryName);
     item.CategoryID = categoryId;
     item.UseFrequency = 1;
-    entry.ItemID = AddItem(&item) ? GetItemID(entry.ItemName, entry.CategoryName) : 0;
+    entry.ItemID = addItemOfEntry(item);
     entry.CategoryID = categoryId;
 
     if (entry.EnableGeoLoc) {
@@ -780,6 +824,11 @@ int DatabaseManager::GetEntryID(Entry *en)
 QList<Entry *> DatabaseManager::GetAllEntries()
 {
     return entries->list({});
+}
+
+QList<Entry *> DatabaseManager::entryList(const EntryFilter &filter)
+{
+    return entries->list(filter);
 }
 
 QList<Entry *> DatabaseManager::GetAllEntriesOrderByPrice()

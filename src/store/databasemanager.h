@@ -4,6 +4,7 @@
 #pragma once
 
 #include <QDateTime>
+#include <QHash>
 #include <QList>
 #include <QObject>
 #include <QPair>
@@ -40,6 +41,7 @@ class QSqlTableModel;
 // last store to go closes the connection; table models made by the store
 // must go before it.
 class EntryQuery;
+struct EntryFilter;
 class SqliteReader;
 class Statements;
 class StoreConnection;
@@ -126,6 +128,10 @@ public:
     QList<Entry *> GetAllEntriesOfCategoryBetweenDates(QString catName, QDateTime startDate, QDateTime endDate);
     QList<Entry *> GetAllEntriesOfCategoryBetweenDatesOrderByPrice(QString catName, QDateTime startDate,
                                                                    QDateTime endDate);
+
+    // Any list the one entry query makes, for the store's own classes
+    // (see EntrySearch).
+    QList<Entry *> entryList(const EntryFilter &filter);
 
     // Other lists
     QList<Category *> GetAllCategories();
@@ -255,6 +261,8 @@ private:
                             const QString &updateStatement);
     // AddEntry's statements, inside its write.
     bool writeEntry(const Entry *enteredEntry);
+    // The catalogue's part of writeEntry(): the item's number, 0 on failure.
+    int addItemOfEntry(const Items &item);
     QDateTime entryDateBound(const QString &statement, const Bindings &bindings = {});
     QList<Items *> itemList(const QString &statement, const Bindings &bindings = {});
     QList<ItemSubstitutes *> itemSubstitutesList(const QString &statement, const Bindings &bindings = {});
@@ -269,4 +277,7 @@ private:
     std::unique_ptr<EntryQuery> entries;
     QString lastOpenError;
     QString lastWriteProblem;
+    // GetCategoryID's answers, kept while an import runs.
+    QHash<QString, int> categoryIds;
+    bool keepingCategoryIds = false;
 };

@@ -115,17 +115,65 @@ QString EntryQuery::where(const EntryFilter &filter, Bindings *bindings)
         bindings->append({ QStringLiteral(":endDate"), StorageForm::dateTime(filter.last) });
         break;
     }
+    if (!filter.foldedText.isEmpty() || !filter.foldedPlace.isEmpty()) {
+        // The search table drives: SQLite scans its short folded texts and
+        // looks the matching entries up by SNo.
+        QStringList matches;
+        if (!filter.foldedText.isEmpty()) {
+            matches << QStringLiteral("(instr(Item, :text1) > 0 or instr(Category, :text2) > 0 or "
+                                      "instr(Place, :text3) > 0)");
+            for (const char *name : { ":text1", ":text2", ":text3" })
+                bindings->append({ QLatin1String(name), filter.foldedText });
+        }
+        if (!filter.foldedPlace.isEmpty()) {
+            matches << QStringLiteral("instr(Place, :place) > 0");
+            bindings->append({ QStringLiteral(":place"), filter.foldedPlace });
+        }
+        conditions << QStringLiteral("SNo in (select SNo from EntrySearch where %1)")
+                          .arg(matches.join(QStringLiteral(" and ")));
+    }
+    // Stored date-times start with their day (yyyy-MM-dd), so a day bound
+    // is a text bound: from the first day on, and before the day after the
+    // last.
+    if (filter.firstDay.isValid()) {
+        conditions << QStringLiteral("TransactDateTime >= :firstDay");
+        bindings->append({ QStringLiteral(":firstDay"), filter.firstDay.toString(Qt::ISODate) });
+    }
+    if (filter.lastDay.isValid()) {
+        conditions << QStringLiteral("TransactDateTime < :dayAfterLast");
+        bindings->append({ QStringLiteral(":dayAfterLast"), filter.lastDay.addDays(1).toString(Qt::ISODate) });
+    }
+    // Prices are floats: 49.90 is stored as 49.900001525878906 and a
+    // computed 49.89 may be 49.889999; both compare by their cents.
+    if (filter.minimumCents) {
+        conditions << QStringLiteral("cast(round(Price * 100) as integer) >= cast(:minimumCents as integer)");
+        bindings->append({ QStringLiteral(":minimumCents"), QString::number(*filter.minimumCents) });
+    }
+    if (filter.maximumCents) {
+        conditions << QStringLiteral("cast(round(Price * 100) as integer) <= cast(:maximumCents as integer)");
+        bindings->append({ QStringLiteral(":maximumCents"), QString::number(*filter.maximumCents) });
+    }
     return conditions.isEmpty() ? QString() : QStringLiteral(" where ") + conditions.join(QStringLiteral(" and "));
 }
 
 QList<Entry *> EntryQuery::list(const EntryFilter &filter)
 {
     Bindings bindings;
-    // Sorted by date-time or by price only: rows that tie keep the order of
-    // the table, as they always have.
-    const QString statement = columns() + where(filter, &bindings) +
-        (filter.order == EntryFilter::Order::NewestFirst ? QStringLiteral(" order by TransactDateTime desc")
-                                                         : QStringLiteral(" order by Price"));
+    // The described lists sort by date-time or by price only: rows that tie
+    // keep the order of the table, as they always have.
+    QString order;
+    switch (filter.order) {
+    case EntryFilter::Order::NewestFirst:
+        order = QStringLiteral(" order by TransactDateTime desc");
+        break;
+    case EntryFilter::Order::CheapestFirst:
+        order = QStringLiteral(" order by Price");
+        break;
+    case EntryFilter::Order::NewestFirstLastAddedFirst:
+        order = QStringLiteral(" order by TransactDateTime desc, SNo desc");
+        break;
+    }
+    const QString statement = columns() + where(filter, &bindings) + order;
     // The list grows with the rows it gets: a count of the table first
     // would decide nothing.
     QList<Entry *> records;

@@ -6,6 +6,7 @@
 #include "records.h"
 #include "statements.h"
 
+#include <QDate>
 #include <QDateTime>
 #include <QString>
 
@@ -22,7 +23,20 @@ struct EntryFilter
     enum class Dates { Any, At, Between } dates = Dates::Any;
     QDateTime first;
     QDateTime last;
-    enum class Order { NewestFirst, CheapestFirst } order = Order::NewestFirst;
+    // Newest first keeps entries of the same date-time in the order of the
+    // table; the last added first puts the higher SNo first among them.
+    enum class Order { NewestFirst, CheapestFirst, NewestFirstLastAddedFirst } order = Order::NewestFirst;
+
+    // The parts of a search, each left out when empty or unset. The texts
+    // are folded (see EntrySearch::fold) and found as a part of the folded
+    // item, category or place (`text`) or of the folded place (`place`);
+    // days are compared by the date part, amounts to the cent.
+    QString foldedText;
+    QString foldedPlace;
+    QDate firstDay;
+    QDate lastDay;
+    std::optional<qint64> minimumCents;
+    std::optional<qint64> maximumCents;
 
     static EntryFilter ofCategory(const QString &name);
     EntryFilter &at(const QDateTime &when);

@@ -3,6 +3,8 @@
 
 #include "migrations.h"
 
+#include <QCoreApplication>
+
 const QList<Migration> &Migrations::all()
 {
     // A new step goes at the end with the next number; a step that has been
@@ -19,6 +21,30 @@ const QList<Migration> &Migrations::all()
             // in its file, so that the same record is known again.
             QStringLiteral("CREATE TABLE ImportedEntry ( EntrySNo integer PRIMARY KEY NOT NULL, ImportSNo integer "
                            "NOT NULL, Fingerprint text NOT NULL )") } },
+        { 2, QStringLiteral("budgets"),
+          { QStringLiteral("CREATE TABLE Budget (CategoryName text PRIMARY KEY NOT NULL, "
+                           "Amount real NOT NULL CHECK (Amount > 0 AND Amount <= 9999999.99), "
+                           "Period text NOT NULL DEFAULT 'month' CHECK (Period IN ('month', 'week', 'year')))") } },
+        // The texts that finding entries matches, folded (see EntrySearch),
+        // one row per entry. The triggers keep a row for every entry and mark
+        // it pending (no texts) whenever an entry is added or its texts
+        // change, whoever writes the entry: the store, a table model or
+        // another program. The store folds pending rows before it searches,
+        // since folding needs Unicode tables that SQLite lacks. The entries
+        // already there start out pending.
+        { 3,
+          QCoreApplication::translate("DatabaseManager", "the search texts of the entries"),
+          { QStringLiteral("CREATE TABLE EntrySearch (SNo integer PRIMARY KEY NOT NULL, Item text, Category text, "
+                           "Place text)"),
+            QStringLiteral("INSERT INTO EntrySearch (SNo) SELECT SNo FROM Entry"),
+            QStringLiteral("CREATE INDEX EntrySearchPending ON EntrySearch (SNo) WHERE Item IS NULL"),
+            QStringLiteral("CREATE TRIGGER EntrySearchAdded AFTER INSERT ON Entry BEGIN "
+                           "INSERT OR REPLACE INTO EntrySearch (SNo) VALUES (new.SNo); END"),
+            QStringLiteral("CREATE TRIGGER EntrySearchChanged AFTER UPDATE OF SNo, ItemName, CategoryName, "
+                           "LocationText ON Entry BEGIN DELETE FROM EntrySearch WHERE SNo = old.SNo; "
+                           "INSERT OR REPLACE INTO EntrySearch (SNo) VALUES (new.SNo); END"),
+            QStringLiteral("CREATE TRIGGER EntrySearchRemoved AFTER DELETE ON Entry BEGIN "
+                           "DELETE FROM EntrySearch WHERE SNo = old.SNo; END") } },
     };
     return steps;
 }

@@ -3,13 +3,18 @@
 
 #include "settings.h"
 
+#include "budgetperiod.h"
+
 #include <QString>
+
+#include <utility>
 
 namespace {
 
 const char geometryKey[] = "MainWindow/geometry";
 const char maximizedKey[] = "MainWindow/maximized";
 const char lookKey[] = "View/look";
+const char monthStartKey[] = "Budgets/monthStart";
 
 } // namespace
 
@@ -41,6 +46,44 @@ void Settings::setMainWindowGeometry(const QRect &geometry, bool maximized)
     settings.setValue(QLatin1String(maximizedKey), maximized);
 }
 
+SearchFilter Settings::findFilter() const
+{
+    SearchFilter filter;
+    filter.text = settings.value(QStringLiteral("Find/text")).toString();
+    if (settings.contains(QStringLiteral("Find/category")))
+        filter.category = settings.value(QStringLiteral("Find/category")).toString();
+    filter.place = settings.value(QStringLiteral("Find/place")).toString();
+    filter.from = QDate::fromString(settings.value(QStringLiteral("Find/from")).toString(), Qt::ISODate);
+    filter.to = QDate::fromString(settings.value(QStringLiteral("Find/to")).toString(), Qt::ISODate);
+    for (const auto &[key, amount] : { std::pair(QStringLiteral("Find/minimum"), &filter.minimum),
+                                       std::pair(QStringLiteral("Find/maximum"), &filter.maximum) }) {
+        bool ok = false;
+        const double value = settings.value(key).toString().toDouble(&ok);
+        if (ok)
+            *amount = value;
+    }
+    return filter;
+}
+
+void Settings::setFindFilter(const SearchFilter &filter)
+{
+    settings.remove(QStringLiteral("Find"));
+    const auto keep = [this](const QString &key, const QString &value) {
+        if (!value.isEmpty())
+            settings.setValue(key, value);
+    };
+    keep(QStringLiteral("Find/text"), filter.text);
+    if (filter.category)
+        settings.setValue(QStringLiteral("Find/category"), *filter.category);
+    keep(QStringLiteral("Find/place"), filter.place);
+    keep(QStringLiteral("Find/from"), filter.from.toString(Qt::ISODate));
+    keep(QStringLiteral("Find/to"), filter.to.toString(Qt::ISODate));
+    if (filter.minimum)
+        settings.setValue(QStringLiteral("Find/minimum"), QString::number(*filter.minimum, 'g', 17));
+    if (filter.maximum)
+        settings.setValue(QStringLiteral("Find/maximum"), QString::number(*filter.maximum, 'g', 17));
+}
+
 QString Settings::lookName() const
 {
     return settings.value(QLatin1String(lookKey)).toString();
@@ -49,4 +92,20 @@ QString Settings::lookName() const
 void Settings::setLookName(const QString &name)
 {
     settings.setValue(QLatin1String(lookKey), name);
+}
+
+int Settings::budgetMonthStart() const
+{
+    bool isNumber = false;
+    const int day = settings.value(QLatin1String(monthStartKey)).toInt(&isNumber);
+    return isNumber && BudgetPeriods::isMonthStart(day) ? day : BudgetPeriods::firstMonthStart;
+}
+
+bool Settings::setBudgetMonthStart(int day)
+{
+    if (!BudgetPeriods::isMonthStart(day))
+        return false;
+    settings.setValue(QLatin1String(monthStartKey), day);
+    settings.sync();
+    return settings.status() == QSettings::NoError;
 }

@@ -3,6 +3,8 @@
 
 #pragma once
 
+#include "entrysearch.h"
+
 #include <QRect>
 #include <QSettings>
 #include <QUrl>
@@ -32,10 +34,22 @@ public:
     bool isMainWindowMaximized() const;
     void setMainWindowGeometry(const QRect &geometry, bool maximized);
 
+    // The last filter of the Find page, keys Find/text, Find/category,
+    // Find/place, Find/from, Find/to (yyyy-MM-dd), Find/minimum and
+    // Find/maximum; a part left out is not kept. An empty filter when none
+    // was kept.
+    SearchFilter findFilter() const;
+    void setFindFilter(const SearchFilter &filter);
+
     // The name of the look the user picked in the View menu, key View/look;
     // empty when none was picked.
     QString lookName() const;
     void setLookName(const QString &name);
+    // The day, from 1 to 28, on which a budget month (and year) begins, key
+    // Budgets/monthStart; 1 when none was kept or the kept one is no such
+    // day. Setting a day outside 1 to 28 changes nothing and is false.
+    int budgetMonthStart() const;
+    bool setBudgetMonthStart(int day);
 
 private:
     QSettings settings;

@@ -145,6 +145,18 @@ QString Statements::firstText(const QString &statement, const Bindings &bindings
     return QString();
 }
 
+bool Statements::firstInts(const QString &statement, const Bindings &bindings, std::initializer_list<int *> columns)
+{
+    std::optional<QSqlQuery> fresh;
+    QSqlQuery *query = bound(fresh, statement, bindings);
+    if (!executeBound(query) || !query->next())
+        return false;
+    int column = 0;
+    for (int *value : columns)
+        *value = query->value(column++).toInt();
+    return true;
+}
+
 void Statements::keepPrepared(bool keep)
 {
     keeping = keep;

@@ -11,6 +11,7 @@
 #include <QString>
 #include <QVariant>
 
+#include <initializer_list>
 #include <optional>
 #include <unordered_map>
 
@@ -51,6 +52,9 @@ public:
     int count(const QString &statement, const Bindings &bindings = {});
     int firstId(const QString &statement, const Bindings &bindings);
     QString firstText(const QString &statement, const Bindings &bindings);
+    // The values of the first row, each column as an int; false when the
+    // statement fails or has no row.
+    bool firstInts(const QString &statement, const Bindings &bindings, std::initializer_list<int *> columns);
 
     // The records of every row, each made by `read` from the query; an empty
     // list when the statement fails or reading stops before the last row (a

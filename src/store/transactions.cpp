@@ -44,6 +44,13 @@ void Transactions::undo(const QStringList &undoing)
 
 bool Transactions::write(const std::function<bool()> &work)
 {
+    if (active && activeKind == Kind::Import) {
+        // A failed write ends the import, and the import's rollback takes
+        // every write back: a savepoint around each would only cost.
+        statements.watchWrites();
+        const bool result = work();
+        return !statements.endWatchAndTellFailure() && result;
+    }
     // A savepoint, not BEGIN, so that a write may also run inside a
     // transaction of its caller's.
     if (!statements.runText(QStringLiteral("SAVEPOINT ledgerly_write")))
@@ -96,6 +103,7 @@ bool Transactions::run(Kind kind, const std::function<bool()> &work, QString *fa
 
     const bool indexed = kind == Kind::Import && indexItemsForImport();
     active = true;
+    activeKind = kind;
     statements.keepPrepared(true);
     bool worked = work();
     statements.keepPrepared(false);

@@ -27,7 +27,9 @@ public:
     // program killed) none of them is stored, and the first such failure
     // ends the work without waiting on the file again. A refusal of the
     // data itself keeps the steps before it. Runs inside a transaction of
-    // the caller's as well (a savepoint). `statements` returns the result.
+    // the caller's as well (a savepoint); inside an import, whose every
+    // failure takes the whole import back, without one. `statements`
+    // returns the result.
     bool write(const std::function<bool()> &statements);
 
     // What a transaction is for, which decides how it runs.
@@ -51,4 +53,5 @@ private:
     StoreConnection &connection;
     Statements &statements;
     bool active = false;
+    Kind activeKind = Kind::Edits;
 };

@@ -3,7 +3,10 @@
 
 #include "describedfile.h"
 
+#include "migrations.h"
 #include "rawdatabase.h"
+
+#include <QRegularExpression>
 
 const QList<QPair<QString, QString>> &describedCreateStatements()
 {
@@ -45,4 +48,20 @@ bool makeDescribedFile(const QString &fileName)
             return false;
     }
     return true;
+}
+
+QStringList migrationObjectNames(const QString &type)
+{
+    const QRegularExpression create(QStringLiteral("^CREATE (?:UNIQUE )?%1 (?:IF NOT EXISTS )?(\\w+)").arg(type),
+                                    QRegularExpression::CaseInsensitiveOption);
+    QStringList names;
+    for (const Migration &step : Migrations::all()) {
+        for (const QString &statement : step.statements) {
+            const QRegularExpressionMatch match = create.match(statement);
+            if (match.hasMatch())
+                names << match.captured(1);
+        }
+    }
+    names.sort();
+    return names;
 }

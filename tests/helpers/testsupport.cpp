@@ -139,15 +139,20 @@ bool writeFile(const QString &path, const QByteArray &bytes)
     return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size();
 }
 
-ProgramRun runProgram(const QString &program, const QStringList &arguments, const QProcessEnvironment &environment)
+ProgramRun runProgram(const QString &program, const QStringList &arguments, const QProcessEnvironment &environment,
+                      int timeoutMs, const QString &workingDir)
 {
     QProcess process;
     process.setProcessEnvironment(environment);
+    process.setWorkingDirectory(workingDir);
     process.start(program, arguments);
     ProgramRun result;
-    if (process.waitForFinished(120000) && process.exitStatus() == QProcess::NormalExit)
+    result.finished = process.waitForFinished(timeoutMs);
+    if (result.finished && process.exitStatus() == QProcess::NormalExit)
         result.exitCode = process.exitCode();
-    result.out = QString::fromUtf8(process.readAllStandardOutput());
-    result.err = QString::fromUtf8(process.readAllStandardError());
+    result.outBytes = process.readAllStandardOutput();
+    result.errBytes = process.readAllStandardError();
+    result.out = QString::fromUtf8(result.outBytes);
+    result.err = QString::fromUtf8(result.errBytes);
     return result;
 }

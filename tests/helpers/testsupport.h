@@ -52,13 +52,18 @@ bool liftDatabaseFileLimit();
 QByteArray readFile(const QString &path);
 bool writeFile(const QString &path, const QByteArray &bytes);
 
-// What a program run to its end said: its exit code (-1 when it did not end
-// normally within two minutes) and its output.
+// What a program run to its end said: whether it ended within the time it
+// was given, its exit code (-1 when it did not end normally in time) and its
+// output, as text and as the bytes it wrote.
 struct ProgramRun
 {
+    bool finished = false;
     int exitCode = -1;
     QString out;
     QString err;
+    QByteArray outBytes;
+    QByteArray errBytes;
 };
 ProgramRun runProgram(const QString &program, const QStringList &arguments,
-                      const QProcessEnvironment &environment = QProcessEnvironment::systemEnvironment());
+                      const QProcessEnvironment &environment = QProcessEnvironment::systemEnvironment(),
+                      int timeoutMs = 120000, const QString &workingDir = QString());
