@@ -10,7 +10,9 @@
 #include <QCoreApplication>
 #include <QRegularExpression>
 
+#include <algorithm>
 #include <cmath>
+#include <limits>
 
 namespace {
 
@@ -427,9 +429,23 @@ bool isTransfer(const QString &category)
     return category.startsWith(QLatin1Char('['));
 }
 
+// Amounts in whole cents, for adding splits up exactly. Amounts beyond any
+// price are refused where an entry is made of them; here they only need to
+// stay within what 64 bits hold, added up as well (see addCents()).
 qint64 cents(double amount)
 {
-    return qint64(std::llround(amount * 100.0));
+    constexpr double beyondAnyAmount = 1e15;
+    if (std::isnan(amount))
+        return 0;
+    return qint64(std::llround(std::clamp(amount, -beyondAnyAmount, beyondAnyAmount) * 100.0));
+}
+
+qint64 addCents(qint64 sum, qint64 more)
+{
+    qint64 added = 0;
+    if (!__builtin_add_overflow(sum, more, &added))
+        return added;
+    return more < 0 ? std::numeric_limits<qint64>::min() / 2 : std::numeric_limits<qint64>::max() / 2;
 }
 
 } // namespace
@@ -582,7 +598,7 @@ EntryFileContents QifFormat::read(QByteArrayView bytes, std::optional<DateOrder>
                 splitsRead = false;
                 continue;
             }
-            splitCents += cents(*part);
+            splitCents = addCents(splitCents, cents(*part));
             if (isTransfer(split.category))
                 ++contents.skippedTransfers;
             else if (*part == 0)
@@ -595,7 +611,7 @@ EntryFileContents QifFormat::read(QByteArrayView bytes, std::optional<DateOrder>
         }
         if (!splitsRead)
             continue;
-        const qint64 rest = cents(*amount) - splitCents;
+        const qint64 rest = addCents(cents(*amount), -splitCents);
         if (rest < 0)
             addExpense(r.amountLine, r.amount, double(rest) / 100.0, recordItem, recordCategory);
         else if (rest > 0)
