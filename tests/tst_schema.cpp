@@ -12,6 +12,7 @@
 #include "testsupport.h"
 
 #include <QDir>
+#include <QRegularExpression>
 #include <QSqlDatabase>
 #include <QTest>
 
@@ -94,6 +95,7 @@ private slots:
     void aFileFromTheFutureIsRefusedAndLeftByteForByte();
     void aStepThatFailsHalfWayLeavesTheFileByteForByte();
     void theStepsBeforeAFailingOneStay();
+    void aStepTheFileRefusesIsToldAtStartUpAndTheFileStaysAsItWas();
     void aFileThatTakesNoWritesIsToldAndStillReads();
     void aWritableFileHasNoWriteProblemAndIsLeftUnchangedByTheCheck();
 
@@ -281,6 +283,48 @@ void TestSchema::theStepsBeforeAFailingOneStay()
         QCOMPARE(Schema::version(*fixture.statements), 1);
     }
     QCOMPARE(schemaOf(home->databasePath()), schemaOf(onlyFirst));
+}
+
+void TestSchema::aStepTheFileRefusesIsToldAtStartUpAndTheFileStaysAsItWas()
+{
+    // A version-0 file that already holds a table of the name the first
+    // step creates: the step cannot be applied.
+    QVERIFY(!Migrations::all().isEmpty());
+    const QRegularExpression created(QStringLiteral("^CREATE TABLE (\\w+)"));
+    const QString taken = created.match(Migrations::all().constFirst().statements.constFirst()).captured(1);
+    QVERIFY(!taken.isEmpty());
+    {
+        // The file an older Ledgerly left: its default rows, an entry, and
+        // none of the steps' objects.
+        DatabaseManager older(nullptr);
+    }
+    {
+        RawDatabase raw(home->databasePath());
+        for (const QString &trigger : migrationObjectNames(QStringLiteral("trigger")))
+            QVERIFY(raw.exec(QStringLiteral("DROP TRIGGER %1").arg(trigger)));
+        for (const QString &table : migrationObjectNames(QStringLiteral("table")))
+            QVERIFY(raw.exec(QStringLiteral("DROP TABLE %1").arg(table)));
+        QVERIFY(raw.exec(QStringLiteral("PRAGMA user_version = 0")));
+        QVERIFY(raw.exec(QStringLiteral("CREATE TABLE %1 (Something text)").arg(taken)));
+        QVERIFY(raw.insertEntry(QStringLiteral("Tea"), QStringLiteral("Drinks"), QDateTime(QDate(2026, 4, 1), {}), 2) >
+                0);
+    }
+    const QByteArray before = readFile(home->databasePath());
+    {
+        DatabaseManager store(nullptr);
+        // Told at start-up, with SQLite's reason and what the step adds; what
+        // the file holds still reads.
+        QVERIFY(store.isUsable());
+        QVERIFY2(store.writeProblem().startsWith(
+                     QStringLiteral("Ledgerly could not bring %1 up to date: ").arg(home->databasePath())),
+                 qPrintable(store.writeProblem()));
+        QVERIFY2(store.writeProblem().contains(QStringLiteral("already exists")), qPrintable(store.writeProblem()));
+        QVERIFY2(store.writeProblem().contains(Migrations::all().constFirst().purpose),
+                 qPrintable(store.writeProblem()));
+        QCOMPARE(owned(store.GetAllEntries()).size(), 1);
+    }
+    QCOMPARE(readFile(home->databasePath()), before);
+    QCOMPARE(versionOf(home->databasePath()), 0);
 }
 
 void TestSchema::aFileThatTakesNoWritesIsToldAndStillReads()
