@@ -258,20 +258,18 @@ bool DatabaseManager::setupDatabase(QString dbname)
 {
     lastOpenError.clear();
     lastWriteProblem.clear();
-    // A connection that another store opened is shared as it is, and only
-    // the store that opened it tries the file for writing.
-    const bool shared = QSqlDatabase::contains(QLatin1String(QSqlDatabase::defaultConnection)) &&
-        QSqlDatabase::database(QLatin1String(QSqlDatabase::defaultConnection), false).isOpen();
     if (!connection->open(dbname)) {
         lastOpenError = connection->error();
         return false;
     }
-    const Schema::Outcome prepared = Schema::prepare(*connection, *statements, !shared);
+    // A connection that another store opened is shared as it is, and only
+    // the store that opened it tries the file for writing.
+    const Schema::Outcome prepared = Schema::prepare(*connection, *statements, connection->openedHere());
     if (!prepared.refusal.isEmpty()) {
         // The file stays exactly as it is: nothing of this Ledgerly's may
         // touch what a newer one wrote.
         lastOpenError = prepared.refusal;
-        if (!shared)
+        if (connection->openedHere())
             connection->close();
         return false;
     }

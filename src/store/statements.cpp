@@ -47,13 +47,8 @@ bool Statements::run(std::optional<QSqlQuery> &query, const QString &statement, 
 
 bool Statements::runText(std::optional<QSqlQuery> &query, const QString &statement)
 {
-    if (!db.isOpen() || writeFailed)
-        return false;
-    QSqlQuery &made = query.emplace(db);
-    made.setForwardOnly(true);
-    const bool executed = made.exec(statement);
-    noteFailure(executed, made);
-    return executed;
+    // Without bindings run() executes the text as it is.
+    return run(query, statement);
 }
 
 bool Statements::runText(const QString &statement, QString *failure)

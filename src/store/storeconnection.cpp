@@ -47,6 +47,7 @@ bool StoreConnection::open(const QString &fileName)
     file = fileName;
     openError.clear();
     locked = false;
+    opened = false;
 
     const QString connection = QLatin1String(QSqlDatabase::defaultConnection);
     if (QSqlDatabase::contains(connection)) {
@@ -77,6 +78,7 @@ bool StoreConnection::open(const QString &fileName)
         db.close();
         return false;
     }
+    opened = true;
 
     // SQLite's own page cache (2 MB) is kept: a page reads the entry table
     // a few times, from the system's file cache, and a cache the size of ten

@@ -51,6 +51,9 @@ public:
     QString fileName() const { return file; }
     QString error() const { return openError; }
     bool lockedByAnotherProgram() const { return locked; }
+    // Whether open() opened the file itself rather than sharing the
+    // connection of a store that already lives.
+    bool openedHere() const { return opened; }
 
     // Sets how long statements wait for a file another program holds.
     void setBusyTimeout(int milliseconds);
@@ -70,5 +73,6 @@ private:
     QString file;
     QString openError;
     bool locked = false;
+    bool opened = false;
     bool handleUsable = false;
 };
