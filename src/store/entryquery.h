@@ -9,6 +9,7 @@
 #include <QDate>
 #include <QDateTime>
 #include <QString>
+#include <QStringList>
 
 #include <optional>
 
@@ -60,6 +61,11 @@ public:
 
     // The column list of an entry row, as every entry reader expects it.
     static const QString &columns();
+
+    // What the search texts' trigram index is asked for the folded texts
+    // given: every run of three characters of each, quoted, all required
+    // ("caf" AND "afe" for "cafe"); empty when no text has three.
+    static QString trigramQuery(const QStringList &texts);
 
 private:
     static QString where(const EntryFilter &filter, Bindings *bindings);

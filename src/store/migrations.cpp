@@ -45,6 +45,33 @@ const QList<Migration> &Migrations::all()
                            "INSERT OR REPLACE INTO EntrySearch (SNo) VALUES (new.SNo); END"),
             QStringLiteral("CREATE TRIGGER EntrySearchRemoved AFTER DELETE ON Entry BEGIN "
                            "DELETE FROM EntrySearch WHERE SNo = old.SNo; END") } },
+        // An index of the folded search texts by their runs of three
+        // characters (SQLite's full-text trigram index), so that a search
+        // for a text of three characters or more reads the few rows whose
+        // texts hold all its runs instead of every row. It keeps no copy of
+        // the texts (content='') and no positions (detail=none), about a
+        // fifth of the entries' own size; the store checks each row it
+        // gives with instr(), so the index only narrows. Triggers on
+        // EntrySearch keep it: a folded row goes in, and the row's old
+        // texts come out when they change, since a contentless index can
+        // only forget what it is told it holds.
+        { 4,
+          QCoreApplication::translate("DatabaseManager", "the index of the search texts"),
+          { QStringLiteral("CREATE VIRTUAL TABLE EntrySearchIndex USING fts5(Item, Category, Place, content='', "
+                           "detail=none, columnsize=0, tokenize='trigram case_sensitive 1')"),
+            QStringLiteral("INSERT INTO EntrySearchIndex (rowid, Item, Category, Place) SELECT SNo, Item, Category, "
+                           "Place FROM EntrySearch WHERE Item IS NOT NULL"),
+            QStringLiteral("CREATE TRIGGER EntrySearchIndexAdded AFTER INSERT ON EntrySearch WHEN new.Item IS NOT "
+                           "NULL BEGIN INSERT INTO EntrySearchIndex (rowid, Item, Category, Place) VALUES (new.SNo, "
+                           "new.Item, new.Category, new.Place); END"),
+            QStringLiteral("CREATE TRIGGER EntrySearchIndexChanged AFTER UPDATE ON EntrySearch BEGIN "
+                           "INSERT INTO EntrySearchIndex (EntrySearchIndex, rowid, Item, Category, Place) SELECT "
+                           "'delete', old.SNo, old.Item, old.Category, old.Place WHERE old.Item IS NOT NULL; "
+                           "INSERT INTO EntrySearchIndex (rowid, Item, Category, Place) SELECT new.SNo, new.Item, "
+                           "new.Category, new.Place WHERE new.Item IS NOT NULL; END"),
+            QStringLiteral("CREATE TRIGGER EntrySearchIndexRemoved AFTER DELETE ON EntrySearch WHEN old.Item IS NOT "
+                           "NULL BEGIN INSERT INTO EntrySearchIndex (EntrySearchIndex, rowid, Item, Category, Place) "
+                           "VALUES ('delete', old.SNo, old.Item, old.Category, old.Place); END") } },
     };
     return steps;
 }
