@@ -72,6 +72,32 @@ const QList<Migration> &Migrations::all()
             QStringLiteral("CREATE TRIGGER EntrySearchIndexRemoved AFTER DELETE ON EntrySearch WHEN old.Item IS NOT "
                            "NULL BEGIN INSERT INTO EntrySearchIndex (EntrySearchIndex, rowid, Item, Category, Place) "
                            "VALUES ('delete', old.SNo, old.Item, old.Category, old.Place); END") } },
+        // Each entry's category, date-time and price once more, kept in the
+        // order of category and date-time, so that what a category spent in
+        // a budget's period is a read of its few rows: the check after each
+        // new entry would otherwise read the whole Entry table, which the
+        // store does not index (an index there would change the order in
+        // which the described lists give entries of equal date-time). The
+        // columns have Entry's types, so they compare exactly as Entry's do.
+        // The triggers keep it for every writer, as EntrySearch's do.
+        { 5,
+          QCoreApplication::translate("DatabaseManager", "what each category spent by date"),
+          { QStringLiteral("CREATE TABLE EntrySpending (CategoryName nvarchar(255) NOT NULL, TransactDateTime datetime "
+                           "NOT NULL, SNo integer NOT NULL, Price float(50) NOT NULL, PRIMARY KEY (CategoryName, "
+                           "TransactDateTime, SNo)) WITHOUT ROWID"),
+            QStringLiteral("INSERT INTO EntrySpending (CategoryName, TransactDateTime, SNo, Price) SELECT "
+                           "CategoryName, TransactDateTime, SNo, Price FROM Entry"),
+            QStringLiteral("CREATE TRIGGER EntrySpendingAdded AFTER INSERT ON Entry BEGIN INSERT OR REPLACE INTO "
+                           "EntrySpending (CategoryName, TransactDateTime, SNo, Price) VALUES (new.CategoryName, "
+                           "new.TransactDateTime, new.SNo, new.Price); END"),
+            QStringLiteral("CREATE TRIGGER EntrySpendingChanged AFTER UPDATE OF SNo, CategoryName, TransactDateTime, "
+                           "Price ON Entry BEGIN DELETE FROM EntrySpending WHERE CategoryName = old.CategoryName AND "
+                           "TransactDateTime = old.TransactDateTime AND SNo = old.SNo; INSERT OR REPLACE INTO "
+                           "EntrySpending (CategoryName, TransactDateTime, SNo, Price) VALUES (new.CategoryName, "
+                           "new.TransactDateTime, new.SNo, new.Price); END"),
+            QStringLiteral("CREATE TRIGGER EntrySpendingRemoved AFTER DELETE ON Entry BEGIN DELETE FROM EntrySpending "
+                           "WHERE CategoryName = old.CategoryName AND TransactDateTime = old.TransactDateTime AND SNo = "
+                           "old.SNo; END") } },
     };
     return steps;
 }
