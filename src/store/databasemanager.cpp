@@ -829,6 +829,11 @@ QList<Entry *> DatabaseManager::entryList(const EntryFilter &filter)
     return entries->list(filter);
 }
 
+bool DatabaseManager::entryTotals(const EntryFilter &filter, int *count, double *total)
+{
+    return entries->totals(filter, count, total);
+}
+
 QList<Entry *> DatabaseManager::GetAllEntriesOrderByPrice()
 {
     return entries->list(EntryFilter().cheapestFirst());

@@ -132,6 +132,8 @@ public:
     // Any list the one entry query makes, for the store's own classes
     // (see EntrySearch).
     QList<Entry *> entryList(const EntryFilter &filter);
+    // The number of entries a filter takes and the sum of their prices.
+    bool entryTotals(const EntryFilter &filter, int *count, double *total);
 
     // Other lists
     QList<Category *> GetAllCategories();

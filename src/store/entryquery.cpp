@@ -7,7 +7,10 @@
 #include "storageform.h"
 
 #include <QHash>
+#include <QSqlQuery>
 #include <QStringList>
+
+#include <algorithm>
 
 namespace {
 
@@ -201,7 +204,12 @@ QList<Entry *> EntryQuery::list(const EntryFilter &filter)
         order = QStringLiteral(" order by TransactDateTime desc, SNo desc");
         break;
     }
-    const QString statement = columns() + where(filter, &bindings) + order;
+    QString statement = columns() + where(filter, &bindings) + order;
+    if (filter.limit > 0) {
+        statement += QStringLiteral(" limit :limit offset :offset");
+        bindings.append({ QStringLiteral(":limit"), filter.limit });
+        bindings.append({ QStringLiteral(":offset"), std::max(filter.offset, 0) });
+    }
     // The list grows with the rows it gets: a count of the table first
     // would decide nothing.
     QList<Entry *> records;
@@ -219,4 +227,17 @@ int EntryQuery::count(const EntryFilter &filter)
     const QString condition = where(filter, &bindings);
     return statements.count(QStringLiteral("SELECT COUNT(ItemName) FROM Entry") + condition + QLatin1Char(';'),
                             bindings);
+}
+
+bool EntryQuery::totals(const EntryFilter &filter, int *count, double *total)
+{
+    Bindings bindings;
+    const QString condition = where(filter, &bindings);
+    std::optional<QSqlQuery> query;
+    if (!statements.run(query, QStringLiteral("SELECT COUNT(ItemName), TOTAL(Price) FROM Entry") + condition, bindings)
+        || !query->next())
+        return false;
+    *count = query->value(0).toInt();
+    *total = query->value(1).toDouble();
+    return true;
 }

@@ -39,6 +39,11 @@ struct EntryFilter
     std::optional<qint64> minimumCents;
     std::optional<qint64> maximumCents;
 
+    // A window of the list: `limit` entries (all when 0) after the first
+    // `offset` of them, in the list's order.
+    int limit = 0;
+    int offset = 0;
+
     static EntryFilter ofCategory(const QString &name);
     EntryFilter &at(const QDateTime &when);
     EntryFilter &between(const QDateTime &from, const QDateTime &to);
@@ -58,6 +63,9 @@ public:
     // stops before the last row.
     QList<Entry *> list(const EntryFilter &filter);
     int count(const EntryFilter &filter);
+    // How many entries the filter takes (its window aside) and the sum of
+    // their prices; false when the file cannot be read.
+    bool totals(const EntryFilter &filter, int *count, double *total);
 
     // The column list of an entry row, as every entry reader expects it.
     static const QString &columns();

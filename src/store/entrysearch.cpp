@@ -41,10 +41,15 @@ QString EntrySearch::fold(const QString &text)
 
 QString EntrySearch::summary(const Result &result)
 {
-    const QString total = QString::number(result.total, 'f', 2);
-    return result.count == 1
+    return summary(Totals{ result.count, result.total });
+}
+
+QString EntrySearch::summary(const Totals &totals)
+{
+    const QString total = QString::number(totals.total, 'f', 2);
+    return totals.count == 1
         ? QCoreApplication::translate("EntrySearch", "1 entry, total %1").arg(total)
-        : QCoreApplication::translate("EntrySearch", "%1 entries, total %2").arg(QString::number(result.count), total);
+        : QCoreApplication::translate("EntrySearch", "%1 entries, total %2").arg(QString::number(totals.count), total);
 }
 
 qint64 EntrySearch::cents(double amount)
@@ -101,7 +106,7 @@ bool EntrySearch::bringTextsUpToDate()
     });
 }
 
-EntrySearch::Result EntrySearch::find(const SearchFilter &filter)
+EntryFilter EntrySearch::query(const SearchFilter &filter)
 {
     EntryFilter query;
     query.order = EntryFilter::Order::NewestFirstLastAddedFirst;
@@ -116,10 +121,30 @@ EntrySearch::Result EntrySearch::find(const SearchFilter &filter)
         query.maximumCents = cents(*filter.maximum);
     if (!query.foldedText.isEmpty() || !query.foldedPlace.isEmpty())
         bringTextsUpToDate();
+    return query;
+}
 
-    Result result{ owned(store.entryList(query)), 0, 0 };
+EntrySearch::Result EntrySearch::find(const SearchFilter &filter)
+{
+    Result result{ owned(store.entryList(query(filter))), 0, 0 };
     result.count = int(result.entries.list().size());
     for (const Entry *entry : result.entries.list())
         result.total += double(entry->Price);
     return result;
+}
+
+EntrySearch::Totals EntrySearch::totals(const SearchFilter &filter)
+{
+    Totals totals;
+    if (!store.entryTotals(query(filter), &totals.count, &totals.total))
+        return Totals();
+    return totals;
+}
+
+OwnedList<Entry> EntrySearch::page(const SearchFilter &filter, int offset, int limit)
+{
+    EntryFilter window = query(filter);
+    window.offset = offset;
+    window.limit = limit;
+    return owned(limit > 0 ? store.entryList(window) : QList<Entry *>());
 }
