@@ -50,7 +50,7 @@ const QList<Migration> &Migrations::all()
         // for a text of three characters or more reads the few rows whose
         // texts hold all its runs instead of every row. It keeps no copy of
         // the texts (content='') and no positions (detail=none), about a
-        // fifth of the entries' own size; the store checks each row it
+        // quarter of the entries' own size; the store checks each row it
         // gives with instr(), so the index only narrows. Triggers on
         // EntrySearch keep it: a folded row goes in, and the row's old
         // texts come out when they change, since a contentless index can
