@@ -45,6 +45,11 @@ const QList<Migration> &Migrations::all()
                            "INSERT OR REPLACE INTO EntrySearch (SNo) VALUES (new.SNo); END"),
             QStringLiteral("CREATE TRIGGER EntrySearchRemoved AFTER DELETE ON Entry BEGIN "
                            "DELETE FROM EntrySearch WHERE SNo = old.SNo; END") } },
+        // The saved ways of reading banks' CSV files: a name and the mapping
+        // as the command line's options give it.
+        { 4,
+          QCoreApplication::translate("DatabaseManager", "the profiles of bank CSV files"),
+          { QStringLiteral("CREATE TABLE CsvProfile (Name text PRIMARY KEY NOT NULL, Mapping text NOT NULL)") } },
     };
     return steps;
 }
