@@ -30,7 +30,7 @@ QStringList marksOf(const QString &text)
 
 QString shellWord(const QString &word)
 {
-    static const QRegularExpression plain(QStringLiteral("^[A-Za-z0-9_./:=,+@%-]+$"));
+    static const QRegularExpression plain(QStringLiteral("^[\\p{L}\\p{N}_./:=,+@%-]+$"));
     if (plain.match(word).hasMatch())
         return word;
     QString quoted = word;

@@ -11,6 +11,7 @@
 #include <QDate>
 #include <QHash>
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 
@@ -502,6 +503,11 @@ bool MappedCsvReader::isLedgerlyCsv(QByteArrayView bytes)
         bytes = bytes.sliced(3);
     if (bytes.trimmed().isEmpty())
         return true;
+    // Bytes that are no text (a NUL outside UTF-16) are for Ledgerly's own
+    // reader to refuse, as it always has.
+    if (bytes.contains('\0') && TextEncoding::detect(bytes) != TextEncoding::Utf16LittleEndian &&
+        TextEncoding::detect(bytes) != TextEncoding::Utf16BigEndian)
+        return true;
     qsizetype end = 0;
     while (end < bytes.size() && bytes[end] != '\n' && bytes[end] != '\r')
         ++end;
@@ -509,11 +515,21 @@ bool MappedCsvReader::isLedgerlyCsv(QByteArrayView bytes)
     QStringList names;
     for (const QString &field : lineFields(first, QLatin1Char(',')))
         names.append(field.trimmed().toLower());
-    for (const char *required : { "date", "item", "category", "amount" }) {
-        if (!names.contains(QLatin1String(required)))
+    // Ledgerly's four columns, whatever else the line names; or Ledgerly's
+    // names alone, some missing, which its own reader tells.
+    bool required = true;
+    for (const char *name : { "date", "item", "category", "amount" })
+        required = required && names.contains(QLatin1String(name));
+    if (required)
+        return true;
+    const QStringList own = { QStringLiteral("date"),  QStringLiteral("item"),        QStringLiteral("category"),
+                              QStringLiteral("amount"), QStringLiteral("place"),      QStringLiteral("geolocation"),
+                              QStringLiteral("longitude"), QStringLiteral("latitude") };
+    for (const QString &name : names) {
+        if (!own.contains(name))
             return false;
     }
-    return true;
+    return names.contains(QLatin1String("date"));
 }
 
 QChar MappedCsvReader::detectDelimiter(QStringView text, int fromLine)
@@ -538,20 +554,35 @@ QStringList MappedCsvReader::columnNames(QByteArrayView bytes)
     const QString text = decodedText(bytes, QString(), &encoding);
     const QChar delimiter = detectDelimiter(text);
     const QList<qsizetype> starts = lineStarts(text);
-    // The most common field count, and the first line that has it.
+    // The most common field count.
     QHash<int, int> lines;
-    for (int index = 0; index < starts.size(); ++index)
-        ++lines[int(lineFields(lineAt(text, starts, index), delimiter).size())];
+    QList<QStringList> fields;
+    for (int index = 0; index < starts.size(); ++index) {
+        fields.append(lineFields(lineAt(text, starts, index), delimiter));
+        ++lines[int(fields.constLast().size())];
+    }
     int common = 0;
     for (auto it = lines.cbegin(); it != lines.cend(); ++it) {
         if (it.key() > 1 && (common == 0 || it.value() > lines.value(common)))
             common = it.key();
     }
-    for (int index = 0; index < starts.size(); ++index) {
-        const QStringList fields = lineFields(lineAt(text, starts, index), delimiter);
-        if (fields.size() == common || common == 0) {
+    // The header is the first line with that many fields (or one more: a
+    // trailing delimiter) that is about as full as the fullest line near
+    // the top; a title line that pads itself with delimiters is not.
+    const auto filled = [](const QStringList &line) {
+        return int(std::count_if(line.cbegin(), line.cend(), [](const QString &field) {
+            return !field.trimmed().isEmpty();
+        }));
+    };
+    int fullest = 0;
+    for (qsizetype index = 0; index < fields.size() && index < 50; ++index) {
+        if (fields.at(index).size() >= common)
+            fullest = qMax(fullest, filled(fields.at(index)));
+    }
+    for (const QStringList &line : fields) {
+        if (line.size() >= common && filled(line) >= fullest - 1) {
             QStringList names;
-            for (const QString &field : fields)
+            for (const QString &field : line)
                 names.append(field.trimmed());
             return names;
         }
