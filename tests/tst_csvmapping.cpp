@@ -48,10 +48,14 @@ void TestCsvMapping::mapRefusesUnknownFieldsFieldsTwiceAndMissingColumns_data()
     QTest::newRow("unknown field") << "date=1,payee=2"
                                    << "--map knows the fields date, item, place, category, amount, debit, credit and "
                                       "direction, not \"payee\".";
-    QTest::newRow("a field twice") << "date=1,date=2" << "--map gives date twice.";
-    QTest::newRow("no column") << "date=1,item=" << "--map gives item no column: write item=NAME or item=NUMBER.";
-    QTest::newRow("no equals sign") << "date" << "--map gives date no column: write date=NAME or date=NUMBER.";
-    QTest::newRow("column 0") << "date=0" << "--map numbers columns from 1, not 0.";
+    QTest::newRow("a field twice") << "date=1,date=2"
+                                   << "--map gives date twice.";
+    QTest::newRow("no column") << "date=1,item="
+                               << "--map gives item no column: write item=NAME or item=NUMBER.";
+    QTest::newRow("no equals sign") << "date"
+                                    << "--map gives date no column: write date=NAME or date=NUMBER.";
+    QTest::newRow("column 0") << "date=0"
+                              << "--map numbers columns from 1, not 0.";
 }
 
 void TestCsvMapping::mapRefusesUnknownFieldsFieldsTwiceAndMissingColumns()
@@ -71,12 +75,24 @@ void TestCsvMapping::optionsTakeOnlyTheirValues_data()
     QTest::addColumn<QString>("option");
     QTest::addColumn<QString>("value");
     QTest::addColumn<QString>("error");
-    QTest::newRow("delimiter") << "delimiter" << "::" << "--delimiter is ',', ';', tab or '|', not \"::\".";
-    QTest::newRow("decimal") << "decimal" << "dot" << "--decimal is comma or point, not \"dot\".";
-    QTest::newRow("skip lines") << "skip-lines" << "-1" << "--skip-lines takes a number of lines, 0 or more, not \"-1\".";
-    QTest::newRow("date order") << "date-order" << "ydm" << "--date-order is mdy, dmy or ymd, not \"ydm\".";
-    QTest::newRow("encoding") << "encoding" << "EBCDIC" << "--encoding names no encoding Qt knows: \"EBCDIC\".";
-    QTest::newRow("marks") << "out-marks" << " , " << "--out-marks takes values such as D,DR.";
+    QTest::newRow("delimiter") << "delimiter"
+                               << "::"
+                               << "--delimiter is ',', ';', tab or '|', not \"::\".";
+    QTest::newRow("decimal") << "decimal"
+                             << "dot"
+                             << "--decimal is comma or point, not \"dot\".";
+    QTest::newRow("skip lines") << "skip-lines"
+                                << "-1"
+                                << "--skip-lines takes a number of lines, 0 or more, not \"-1\".";
+    QTest::newRow("date order") << "date-order"
+                                << "ydm"
+                                << "--date-order is mdy, dmy or ymd, not \"ydm\".";
+    QTest::newRow("encoding") << "encoding"
+                              << "EBCDIC"
+                              << "--encoding names no encoding Qt knows: \"EBCDIC\".";
+    QTest::newRow("marks") << "out-marks"
+                           << " , "
+                           << "--out-marks takes values such as D,DR.";
 }
 
 void TestCsvMapping::optionsTakeOnlyTheirValues()
@@ -95,8 +111,10 @@ void TestCsvMapping::anIncompleteOrContradictoryMappingIsNamed_data()
 {
     QTest::addColumn<QString>("text");
     QTest::addColumn<QString>("problem");
-    QTest::newRow("no date") << "--map item=1,amount=2" << "--map needs a date column: date=NAME or date=NUMBER.";
-    QTest::newRow("no item or place") << "--map date=1,amount=2" << "--map needs an item or a place column (or both).";
+    QTest::newRow("no date") << "--map item=1,amount=2"
+                             << "--map needs a date column: date=NAME or date=NUMBER.";
+    QTest::newRow("no item or place") << "--map date=1,amount=2"
+                                      << "--map needs an item or a place column (or both).";
     QTest::newRow("no money") << "--map date=1,item=2"
                               << "--map needs the money: an amount column, or debit and credit columns.";
     QTest::newRow("amount and debit") << "--map date=1,item=2,amount=3,debit=4"
@@ -114,9 +132,12 @@ void TestCsvMapping::anIncompleteOrContradictoryMappingIsNamed_data()
     QTest::newRow("skip lines with names")
         << "--map date=Date,item=2,amount=3 --skip-lines 2"
         << "--skip-lines goes with columns given by number only; named columns find their header line.";
-    QTest::newRow("not an option") << "date=1" << "\"date=1\" is no option";
-    QTest::newRow("an open quote") << "--map 'date=1" << "a quote never closes";
-    QTest::newRow("a value missing") << "--map date=1,item=2,amount=3 --decimal" << "--decimal has no value";
+    QTest::newRow("not an option") << "date=1"
+                                   << "\"date=1\" is no option";
+    QTest::newRow("an open quote") << "--map 'date=1"
+                                   << "a quote never closes";
+    QTest::newRow("a value missing") << "--map date=1,item=2,amount=3 --decimal"
+                                     << "--decimal has no value";
 }
 
 void TestCsvMapping::anIncompleteOrContradictoryMappingIsNamed()
@@ -132,7 +153,8 @@ void TestCsvMapping::theTextIsTheOptionsAsGivenAndReadsBackTheSame()
 {
     CsvMapping mapping;
     QString error;
-    QVERIFY(mapping.readMap(QStringLiteral("date=Date de valeur,item=Description 2,debit=Débit,credit=Crédit"), &error));
+    QVERIFY(
+        mapping.readMap(QStringLiteral("date=Date de valeur,item=Description 2,debit=Débit,credit=Crédit"), &error));
     QVERIFY(mapping.readOption(QStringLiteral("delimiter"), QStringLiteral(";"), &error));
     QVERIFY(mapping.readOption(QStringLiteral("encoding"), QStringLiteral("cp1250"), &error));
     QVERIFY(mapping.readOption(QStringLiteral("date-format"), QStringLiteral("dd.MM.yyyy"), &error));
@@ -150,12 +172,13 @@ void TestCsvMapping::theTextIsTheOptionsAsGivenAndReadsBackTheSame()
     QVERIFY(numbers.readOption(QStringLiteral("skip-lines"), QStringLiteral("0"), &error));
     QVERIFY(numbers.readOption(QStringLiteral("in-marks"), QStringLiteral("CR, K"), &error));
     QVERIFY(numbers.readOption(QStringLiteral("date-order"), QStringLiteral("dmy"), &error));
-    QCOMPARE(numbers.text(), QStringLiteral("--map date=1,item=2,amount=5,direction=4 --delimiter tab --date-order dmy "
-                                            "--skip-lines 0 --in-marks CR,K"));
+    QCOMPARE(numbers.text(),
+             QStringLiteral("--map date=1,item=2,amount=5,direction=4 --delimiter tab --date-order dmy "
+                            "--skip-lines 0 --in-marks CR,K"));
     QVERIFY(*CsvMapping::fromText(numbers.text()) == numbers);
     // A name with an apostrophe, and --option=value as a shell passes it.
-    const std::optional<CsvMapping> apostrophe = CsvMapping::fromText(
-        QStringLiteral("--map=\"date=DATE DE L'EXECUTION,item=2,amount=3\" --invert"), &error);
+    const std::optional<CsvMapping> apostrophe =
+        CsvMapping::fromText(QStringLiteral("--map=\"date=DATE DE L'EXECUTION,item=2,amount=3\" --invert"), &error);
     QVERIFY2(apostrophe, qPrintable(error));
     QCOMPARE(apostrophe->columns[CsvMapping::Date].name, QStringLiteral("DATE DE L'EXECUTION"));
     QVERIFY(apostrophe->invert);

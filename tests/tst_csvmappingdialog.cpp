@@ -34,15 +34,7 @@ QString text(const QDialog &dialog, const char *label)
 
 QList<QStringList> tableRows(const QDialog &dialog)
 {
-    auto *table = child<QTableWidget>(dialog, "tableWidgetRows");
-    QList<QStringList> rows;
-    for (int row = 0; row < table->rowCount(); ++row) {
-        QStringList cells;
-        for (int column = 0; column < table->columnCount(); ++column)
-            cells.append(table->item(row, column) ? table->item(row, column)->text() : QString());
-        rows.append(cells);
-    }
-    return rows;
+    return tableTexts(child<QTableWidget>(dialog, "tableWidgetRows"));
 }
 
 QStringList headings(const QDialog &dialog)
@@ -52,16 +44,6 @@ QStringList headings(const QDialog &dialog)
     for (int column = 0; column < table->columnCount(); ++column)
         names.append(table->horizontalHeaderItem(column)->text());
     return names;
-}
-
-// Picks an entry of a combo box as the keyboard does.
-void pick(QComboBox *combo, int index)
-{
-    combo->setFocus();
-    while (combo->currentIndex() < index)
-        QTest::keyClick(combo, Qt::Key_Down);
-    while (combo->currentIndex() > index)
-        QTest::keyClick(combo, Qt::Key_Up);
 }
 
 // A German bank's export: a title line, ';', a decimal comma.
@@ -154,28 +136,29 @@ void TestCsvMappingDialog::choosingAnotherColumnOrSettingReadsTheFileAgain()
     CsvMappingDialog dialog(f.store, f.home.filePath(QStringLiteral("giro.csv")), giro);
     dialog.show();
     // The memo as the item, the payee as the place.
-    pick(child<QComboBox>(dialog, "comboBoxItem"), 2);
+    pickByKeys(child<QComboBox>(dialog, "comboBoxItem"), 2);
     QCOMPARE(child<QComboBox>(dialog, "comboBoxItem")->currentText(), QStringLiteral("Verwendungszweck (column 2)"));
     auto *place = child<QComboBox>(dialog, "comboBoxPlace");
-    pick(place, 3);
+    pickByKeys(place, 3);
     QCOMPARE(dialog.mapping().mapText(),
              QStringLiteral("date=Buchungstag,item=Verwendungszweck,place=Empfänger,amount=Betrag (EUR)"));
     // A card statement: positive amounts are spent.
-    pick(child<QComboBox>(dialog, "comboBoxSign"), 1);
+    pickByKeys(child<QComboBox>(dialog, "comboBoxSign"), 1);
     QCOMPARE(text(dialog, "labelReads"), QStringLiteral("Reads 1 expense; skips 3 (income 2, not transactions 1)."));
     QVERIFY(dialog.mapping().invert);
-    pick(child<QComboBox>(dialog, "comboBoxSign"), 0);
+    pickByKeys(child<QComboBox>(dialog, "comboBoxSign"), 0);
     // A delimiter the file does not use finds no header line.
-    pick(child<QComboBox>(dialog, "comboBoxDelimiter"), 1);
+    pickByKeys(child<QComboBox>(dialog, "comboBoxDelimiter"), 1);
     QCOMPARE(dialog.mapping().delimiter, QLatin1Char(','));
-    QVERIFY(text(dialog, "labelReads").startsWith(QLatin1String("The file cannot be read this way:\nno line names "
-                                                                "the columns")));
+    QVERIFY(text(dialog, "labelReads")
+                .startsWith(QLatin1String("The file cannot be read this way:\nno line names "
+                                          "the columns")));
     QVERIFY(!child<QPushButton>(dialog, "pushButtonNext")->isEnabled());
-    pick(child<QComboBox>(dialog, "comboBoxDelimiter"), 2);
+    pickByKeys(child<QComboBox>(dialog, "comboBoxDelimiter"), 2);
     QCOMPARE(text(dialog, "labelReads"), QStringLiteral("Reads 2 expenses; skips 2 (income 1, not transactions 1)."));
     QVERIFY(child<QPushButton>(dialog, "pushButtonNext")->isEnabled());
     // Taking the date away leaves the mapping incomplete.
-    pick(child<QComboBox>(dialog, "comboBoxDate"), 0);
+    pickByKeys(child<QComboBox>(dialog, "comboBoxDate"), 0);
     QCOMPARE(text(dialog, "labelReads"), QStringLiteral("--map needs a date column: date=NAME or date=NUMBER."));
     QVERIFY(!child<QPushButton>(dialog, "pushButtonNext")->isEnabled());
 }
@@ -196,7 +179,7 @@ void TestCsvMappingDialog::savingAsAProfileKeepsTheMappingAsTheCommandLineWouldG
     Fixture f;
     CsvMappingDialog dialog(f.store, f.home.filePath(QStringLiteral("giro.csv")), giro);
     dialog.show();
-    pick(child<QComboBox>(dialog, "comboBoxDecimal"), 1);
+    pickByKeys(child<QComboBox>(dialog, "comboBoxDecimal"), 1);
     child<QCheckBox>(dialog, "checkBoxSaveProfile")->setChecked(true);
     // Without a name nothing is saved and the dialog stays.
     QTest::mouseClick(child<QPushButton>(dialog, "pushButtonNext"), Qt::LeftButton);
@@ -231,10 +214,10 @@ void TestCsvMappingDialog::aSavedProfileWhoseColumnsTheHeaderNamesIsChosenAtOnce
     // The user can change it: without a profile the header's names suggest
     // the columns; another profile shows its own.
     auto *profile = child<QComboBox>(dialog, "comboBoxProfile");
-    pick(profile, 0);
+    pickByKeys(profile, 0);
     QCOMPARE(profile->currentText(), QStringLiteral("None"));
     QCOMPARE(dialog.mapping().text(), QStringLiteral("--map 'date=Buchungstag,item=Empfänger,amount=Betrag (EUR)'"));
-    pick(profile, 1);
+    pickByKeys(profile, 1);
     QCOMPARE(profile->currentText(), QStringLiteral("Another bank"));
     QCOMPARE(dialog.mapping().mapText(), QString());
     QCOMPARE(text(dialog, "labelReads"), QStringLiteral("--map needs a date column: date=NAME or date=NUMBER."));

@@ -51,7 +51,8 @@ void TestCsvProfiles::aProfileIsKeptInItsOwnTableAndSavingItAgainReplacesIt()
     QVERIFY(profiles.save(QStringLiteral("Sparkasse"), QStringLiteral("--map date=Buchungstag,item=2,amount=3")));
     RawDatabase raw(home->databasePath());
     QCOMPARE(raw.rows(QStringLiteral("SELECT Name, Mapping FROM CsvProfile")),
-             QList<QVariantList>({ { QStringLiteral("Sparkasse"), QStringLiteral("--map date=Buchungstag,item=2,amount=3") } }));
+             QList<QVariantList>(
+                 { { QStringLiteral("Sparkasse"), QStringLiteral("--map date=Buchungstag,item=2,amount=3") } }));
     QCOMPARE(profiles.mapping(QStringLiteral("Sparkasse")), QStringLiteral("--map date=Buchungstag,item=2,amount=3"));
     // Names are compared exactly.
     QVERIFY(!profiles.mapping(QStringLiteral("sparkasse")));

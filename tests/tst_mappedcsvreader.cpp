@@ -122,9 +122,8 @@ void TestMappedCsvReader::eachDelimiterIsDetected()
         text.replace(QLatin1Char(','), delimiter);
     }
     MappedCsvReader::Layout layout;
-    const EntryFileContents contents =
-        MappedCsvReader::read(text.toUtf8(), mapping(QStringLiteral("--map date=Date,item=Payee,amount=Amount")),
-                              &layout);
+    const EntryFileContents contents = MappedCsvReader::read(
+        text.toUtf8(), mapping(QStringLiteral("--map date=Date,item=Payee,amount=Amount")), &layout);
     QCOMPARE(problems(contents), QString());
     QCOMPARE(layout.delimiter, delimiter.front());
     QCOMPARE(entryLines(contents).size(), 2);
@@ -157,18 +156,36 @@ void TestMappedCsvReader::eachDateFormIsDetected_data()
     QTest::addColumn<QString>("form");
     QTest::addColumn<QDate>("firstDate");
     QTest::addColumn<QDate>("secondDate");
-    QTest::newRow("yyyy-MM-dd") << "2026-03-01" << "2026-12-31" << "yyyy-MM-dd" << QDate(2026, 3, 1)
-                                << QDate(2026, 12, 31);
-    QTest::newRow("yyyy/M/d") << "2012/3/22" << "2012/10/5" << "yyyy/M/d" << QDate(2012, 3, 22) << QDate(2012, 10, 5);
-    QTest::newRow("yyyy.M.d") << "2019.4.17" << "2019.04.19" << "yyyy.M.d" << QDate(2019, 4, 17)
-                              << QDate(2019, 4, 19);
-    QTest::newRow("d.M.yyyy") << "31.03.2019" << "1.4.2019" << "d.M.yyyy" << QDate(2019, 3, 31) << QDate(2019, 4, 1);
-    QTest::newRow("d.M.yy") << "31.03.19" << "1.4.19" << "d.M.yy" << QDate(2019, 3, 31) << QDate(2019, 4, 1);
-    QTest::newRow("d/M/yyyy") << "31/03/2019" << "1/4/2019" << "d/M/yyyy" << QDate(2019, 3, 31) << QDate(2019, 4, 1);
-    QTest::newRow("M/d/yyyy") << "3/31/2019" << "4/1/2019" << "M/d/yyyy" << QDate(2019, 3, 31) << QDate(2019, 4, 1);
-    QTest::newRow("d/M/yy") << "31/03/19" << "1/4/19" << "d/M/yy" << QDate(2019, 3, 31) << QDate(2019, 4, 1);
-    QTest::newRow("M/d/yy") << "6/12/15" << "6/14/15" << "M/d/yy" << QDate(2015, 6, 12) << QDate(2015, 6, 14);
-    QTest::newRow("yyyyMMdd") << "20191213" << "20200213" << "yyyyMMdd" << QDate(2019, 12, 13) << QDate(2020, 2, 13);
+    QTest::newRow("yyyy-MM-dd") << "2026-03-01"
+                                << "2026-12-31"
+                                << "yyyy-MM-dd" << QDate(2026, 3, 1) << QDate(2026, 12, 31);
+    QTest::newRow("yyyy/M/d") << "2012/3/22"
+                              << "2012/10/5"
+                              << "yyyy/M/d" << QDate(2012, 3, 22) << QDate(2012, 10, 5);
+    QTest::newRow("yyyy.M.d") << "2019.4.17"
+                              << "2019.04.19"
+                              << "yyyy.M.d" << QDate(2019, 4, 17) << QDate(2019, 4, 19);
+    QTest::newRow("d.M.yyyy") << "31.03.2019"
+                              << "1.4.2019"
+                              << "d.M.yyyy" << QDate(2019, 3, 31) << QDate(2019, 4, 1);
+    QTest::newRow("d.M.yy") << "31.03.19"
+                            << "1.4.19"
+                            << "d.M.yy" << QDate(2019, 3, 31) << QDate(2019, 4, 1);
+    QTest::newRow("d/M/yyyy") << "31/03/2019"
+                              << "1/4/2019"
+                              << "d/M/yyyy" << QDate(2019, 3, 31) << QDate(2019, 4, 1);
+    QTest::newRow("M/d/yyyy") << "3/31/2019"
+                              << "4/1/2019"
+                              << "M/d/yyyy" << QDate(2019, 3, 31) << QDate(2019, 4, 1);
+    QTest::newRow("d/M/yy") << "31/03/19"
+                            << "1/4/19"
+                            << "d/M/yy" << QDate(2019, 3, 31) << QDate(2019, 4, 1);
+    QTest::newRow("M/d/yy") << "6/12/15"
+                            << "6/14/15"
+                            << "M/d/yy" << QDate(2015, 6, 12) << QDate(2015, 6, 14);
+    QTest::newRow("yyyyMMdd") << "20191213"
+                              << "20200213"
+                              << "yyyyMMdd" << QDate(2019, 12, 13) << QDate(2020, 2, 13);
 }
 
 void TestMappedCsvReader::eachDateFormIsDetected()
@@ -201,12 +218,12 @@ void TestMappedCsvReader::slashedDatesAreDayOrMonthFirstAsTheWholeColumnDecides_
         << "03/04/2026,13/04/2026" << QString() << QDate(2026, 4, 3) << "dmy" << false;
     QTest::newRow("decided month first by a later date")
         << "03/04/2026,04/13/2026" << QString() << QDate(2026, 3, 4) << "mdy" << false;
-    QTest::newRow("undecided: month first") << "03/04/2026,05/06/2026" << QString() << QDate(2026, 3, 4) << "mdy"
-                                            << true;
-    QTest::newRow("undecided, dmy asked") << "03/04/2026,05/06/2026" << "--date-order dmy" << QDate(2026, 4, 3)
-                                          << "dmy" << true;
-    QTest::newRow("decided, dmy asked in vain") << "03/04/2026,04/13/2026" << "--date-order dmy" << QDate(2026, 3, 4)
-                                                << "mdy" << false;
+    QTest::newRow("undecided: month first")
+        << "03/04/2026,05/06/2026" << QString() << QDate(2026, 3, 4) << "mdy" << true;
+    QTest::newRow("undecided, dmy asked") << "03/04/2026,05/06/2026"
+                                          << "--date-order dmy" << QDate(2026, 4, 3) << "dmy" << true;
+    QTest::newRow("decided, dmy asked in vain") << "03/04/2026,04/13/2026"
+                                                << "--date-order dmy" << QDate(2026, 3, 4) << "mdy" << false;
 }
 
 void TestMappedCsvReader::slashedDatesAreDayOrMonthFirstAsTheWholeColumnDecides()
@@ -251,8 +268,9 @@ void TestMappedCsvReader::aTimeAfterTheDateIsIgnored()
 {
     const QString text = QStringLiteral("Date,Payee,Amount\n2021-09-06 6:11:59,A,-1\n2020-01-01T13:00:00,B,-2\n");
     const EntryFileContents contents = readText(text, QStringLiteral("--map date=Date,item=Payee,amount=Amount"));
-    QCOMPARE(entryLines(contents),
-             QStringList({ QStringLiteral("2021-09-06|A|A|Others|1.00"), QStringLiteral("2020-01-01|B|B|Others|2.00") }));
+    QCOMPARE(
+        entryLines(contents),
+        QStringList({ QStringLiteral("2021-09-06|A|A|Others|1.00"), QStringLiteral("2020-01-01|B|B|Others|2.00") }));
 }
 
 void TestMappedCsvReader::aDateFormatGivenReadsTheDatesAlone()
@@ -302,9 +320,8 @@ void TestMappedCsvReader::aFileWhoseDatesMostlyDoNotReadIsRefusedWithTheHint()
     QCOMPARE(problems(contents),
              QStringLiteral("line 3: the dates of most rows cannot be read; choose the date form with --date-format"));
     // As many that read as not: the others are no transactions.
-    const EntryFileContents even =
-        readText(QStringLiteral("Date,Payee,Amount\n2026-03-01,A,-1\nPending,B,-1\n"),
-                 QStringLiteral("--map date=Date,item=Payee,amount=Amount"));
+    const EntryFileContents even = readText(QStringLiteral("Date,Payee,Amount\n2026-03-01,A,-1\nPending,B,-1\n"),
+                                            QStringLiteral("--map date=Date,item=Payee,amount=Amount"));
     QCOMPARE(problems(even), QString());
     QCOMPARE(even.entries.size(), 1);
     QCOMPARE(even.skippedNotTransactions, 1);
@@ -332,8 +349,8 @@ void TestMappedCsvReader::eachAmountFormReads_data()
     QTest::newRow("thousands with points") << "-1.001,00" << -1001.0 << int(MappedCsvReader::Amount::None);
     QTest::newRow("thousands with commas") << "1,234.56" << 1234.56 << int(MappedCsvReader::Amount::None);
     QTest::newRow("thousands with a blank") << "1 234,56" << 1234.56 << int(MappedCsvReader::Amount::None);
-    QTest::newRow("thousands with a no-break space") << QString::fromUtf8("1\u00A0234,56") << 1234.56
-                                                     << int(MappedCsvReader::Amount::None);
+    QTest::newRow("thousands with a no-break space")
+        << QString::fromUtf8("1\u00A0234,56") << 1234.56 << int(MappedCsvReader::Amount::None);
     QTest::newRow("thousands with an apostrophe") << "11'373.94" << 11373.94 << int(MappedCsvReader::Amount::None);
     QTest::newRow("no decimals") << "2500" << 2500.0 << int(MappedCsvReader::Amount::None);
     QTest::newRow("credit mark") << "12.34 CR" << 12.34 << int(MappedCsvReader::Amount::In);
@@ -368,14 +385,16 @@ void TestMappedCsvReader::aSignedAmountIsAnExpenseWhenNegativeOrInvertedWhenPosi
     const QString text = QStringLiteral("Date,Payee,Amount\n2026-03-01,Out,-5\n2026-03-02,In,7\n2026-03-03,Zero,0.00\n"
                                         "2026-03-04,Card credit,3 CR\n2026-03-05,Card debit,4 DR\n");
     const EntryFileContents bank = readText(text, QStringLiteral("--map date=Date,item=Payee,amount=Amount"));
-    QCOMPARE(entryLines(bank), QStringList({ QStringLiteral("2026-03-01|Out|Out|Others|5.00"),
-                                              QStringLiteral("2026-03-05|Card debit|Card debit|Others|4.00") }));
+    QCOMPARE(entryLines(bank),
+             QStringList({ QStringLiteral("2026-03-01|Out|Out|Others|5.00"),
+                           QStringLiteral("2026-03-05|Card debit|Card debit|Others|4.00") }));
     QCOMPARE(bank.skippedIncome, 2);
     QCOMPARE(bank.skippedZeroAmounts, 1);
     // A card statement: positive is spent; CR and DR say it themselves.
     const EntryFileContents card = readText(text, QStringLiteral("--map date=Date,item=Payee,amount=Amount --invert"));
-    QCOMPARE(entryLines(card), QStringList({ QStringLiteral("2026-03-02|In|In|Others|7.00"),
-                                              QStringLiteral("2026-03-05|Card debit|Card debit|Others|4.00") }));
+    QCOMPARE(entryLines(card),
+             QStringList({ QStringLiteral("2026-03-02|In|In|Others|7.00"),
+                           QStringLiteral("2026-03-05|Card debit|Card debit|Others|4.00") }));
     QCOMPARE(card.skippedIncome, 2);
 }
 
@@ -389,8 +408,9 @@ void TestMappedCsvReader::debitAndCreditColumnsSayWhichWayTheMoneyWent()
     const EntryFileContents contents =
         readText(text, QStringLiteral("--map date=Date,item=Text,debit=Soll,credit=Haben"));
     QCOMPARE(problems(contents), QString());
-    QCOMPARE(entryLines(contents), QStringList({ QStringLiteral("2026-03-01|Minus written|Minus written|Others|10.50"),
-                                                  QStringLiteral("2026-03-02|Plain|Plain|Others|4.00") }));
+    QCOMPARE(entryLines(contents),
+             QStringList({ QStringLiteral("2026-03-01|Minus written|Minus written|Others|10.50"),
+                           QStringLiteral("2026-03-02|Plain|Plain|Others|4.00") }));
     QCOMPARE(contents.skippedIncome, 1);
     QCOMPARE(contents.skippedZeroAmounts, 1);
     QCOMPARE(contents.skippedSummary(), QStringLiteral("skipped 2 (income 1, zero amounts 1)"));
@@ -401,23 +421,26 @@ void TestMappedCsvReader::debitAndCreditColumnsSayWhichWayTheMoneyWent()
 
 void TestMappedCsvReader::aDirectionColumnSaysWhichWayWithOutOrInMarks()
 {
-    const QString text = QStringLiteral("Date,Name,Af Bij,Amount\n20260301,Shop,Af,\"1,50\"\n20260302,Boss,Bij,\"100,00\"\n"
-                                        "20260303,Card,dr,2\n20260304,Blank,,3\n");
+    const QString text =
+        QStringLiteral("Date,Name,Af Bij,Amount\n20260301,Shop,Af,\"1,50\"\n20260302,Boss,Bij,\"100,00\"\n"
+                       "20260303,Card,dr,2\n20260304,Blank,,3\n");
     // The default marks, in any case: Af and DR are out, the rest in.
     const EntryFileContents byDefault =
         readText(text, QStringLiteral("--map date=Date,item=Name,amount=Amount,direction='Af Bij'"));
-    QCOMPARE(entryLines(byDefault), QStringList({ QStringLiteral("2026-03-01|Shop|Shop|Others|1.50"),
-                                                   QStringLiteral("2026-03-03|Card|Card|Others|2.00") }));
+    QCOMPARE(entryLines(byDefault),
+             QStringList({ QStringLiteral("2026-03-01|Shop|Shop|Others|1.50"),
+                           QStringLiteral("2026-03-03|Card|Card|Others|2.00") }));
     QCOMPARE(byDefault.skippedIncome, 2);
     const EntryFileContents outMarks =
         readText(text, QStringLiteral("--map date=Date,item=Name,amount=Amount,direction='Af Bij' --out-marks Bij"));
     QCOMPARE(entryLines(outMarks), QStringList { QStringLiteral("2026-03-02|Boss|Boss|Others|100.00") });
     // In marks: any other value, an empty one too, is an expense.
-    const EntryFileContents inMarks = readText(
-        text, QStringLiteral("--map date=Date,item=Name,amount=Amount,direction='Af Bij' --in-marks Bij,CR"));
-    QCOMPARE(entryLines(inMarks), QStringList({ QStringLiteral("2026-03-01|Shop|Shop|Others|1.50"),
-                                                 QStringLiteral("2026-03-03|Card|Card|Others|2.00"),
-                                                 QStringLiteral("2026-03-04|Blank|Blank|Others|3.00") }));
+    const EntryFileContents inMarks =
+        readText(text, QStringLiteral("--map date=Date,item=Name,amount=Amount,direction='Af Bij' --in-marks Bij,CR"));
+    QCOMPARE(entryLines(inMarks),
+             QStringList({ QStringLiteral("2026-03-01|Shop|Shop|Others|1.50"),
+                           QStringLiteral("2026-03-03|Card|Card|Others|2.00"),
+                           QStringLiteral("2026-03-04|Blank|Blank|Others|3.00") }));
 }
 
 void TestMappedCsvReader::titleLinesAboveTheHeaderAreSkippedWhateverTheyHold()
@@ -428,8 +451,8 @@ void TestMappedCsvReader::titleLinesAboveTheHeaderAreSkippedWhateverTheyHold()
                                         "09.12.2018;REWE SAGT DANKE 4711;-23,45\n");
     MappedCsvReader::Layout layout;
     const EntryFileContents contents = MappedCsvReader::read(
-        text.toUtf8(),
-        mapping(QStringLiteral("--map 'date=Buchung,item=Auftraggeber/Empfänger,amount=Betrag'")), &layout);
+        text.toUtf8(), mapping(QStringLiteral("--map 'date=Buchung,item=Auftraggeber/Empfänger,amount=Betrag'")),
+        &layout);
     QCOMPARE(problems(contents), QString());
     QCOMPARE(layout.headerLine, 5);
     QCOMPARE(entryLines(contents),
@@ -443,12 +466,12 @@ void TestMappedCsvReader::footerAndPendingRowsAreNotTransactions()
     const QString text = QStringLiteral("Date,Description,Amount\nPending,Coffee,-3.00\n2026-03-01,Bread,-2.00\n\n"
                                         ",,\n2026-03-02,Milk,-1.00\n2026-03-03,Tea,-1.50\nTotal,,-6.00\n"
                                         "Balance,,100.00\n");
-    const EntryFileContents contents =
-        readText(text, QStringLiteral("--map date=Date,item=Description,amount=Amount"));
+    const EntryFileContents contents = readText(text, QStringLiteral("--map date=Date,item=Description,amount=Amount"));
     QCOMPARE(problems(contents), QString());
-    QCOMPARE(entryLines(contents), QStringList({ QStringLiteral("2026-03-01|Bread|Bread|Others|2.00"),
-                                                  QStringLiteral("2026-03-02|Milk|Milk|Others|1.00"),
-                                                  QStringLiteral("2026-03-03|Tea|Tea|Others|1.50") }));
+    QCOMPARE(entryLines(contents),
+             QStringList({ QStringLiteral("2026-03-01|Bread|Bread|Others|2.00"),
+                           QStringLiteral("2026-03-02|Milk|Milk|Others|1.00"),
+                           QStringLiteral("2026-03-03|Tea|Tea|Others|1.50") }));
     // Pending, the empty line, the empty row, Total and Balance.
     QCOMPARE(contents.skippedNotTransactions, 5);
     QCOMPARE(contents.skippedSummary(), QStringLiteral("skipped 5 (not transactions 5)"));
@@ -463,36 +486,38 @@ void TestMappedCsvReader::aRowOnLine9WhoseAmountDoesNotReadRefusesTheFile()
     const EntryFileContents contents = readText(text, QStringLiteral("--map date=Date,item=Payee,amount=Amount"));
     QCOMPARE(problems(contents), QStringLiteral("line 9: the amount \"n/a\" is not a number"));
     QVERIFY(!contents.isAcceptable());
-    const EntryFileContents empty =
-        readText(QStringLiteral("Date;Payee;Amount\n01.03.2026;Shop;\n"), QStringLiteral("--map date=Date,item=Payee,amount=Amount"));
+    const EntryFileContents empty = readText(QStringLiteral("Date;Payee;Amount\n01.03.2026;Shop;\n"),
+                                             QStringLiteral("--map date=Date,item=Payee,amount=Amount"));
     QCOMPARE(problems(empty), QStringLiteral("line 2: the amount is empty"));
 }
 
 void TestMappedCsvReader::rowsWithMoreOrFewerFieldsAreReadByPosition()
 {
-    const QString text = QStringLiteral("Date,Payee,Amount,Balance,\n2026-03-01,Shop,-1,9,extra,more\n2026-03-02,Kiosk,-2\n"
-                                        "2026-03-03,Short\n");
+    const QString text =
+        QStringLiteral("Date,Payee,Amount,Balance,\n2026-03-01,Shop,-1,9,extra,more\n2026-03-02,Kiosk,-2\n"
+                       "2026-03-03,Short\n");
     const EntryFileContents contents = readText(text, QStringLiteral("--map date=Date,item=Payee,amount=Amount"));
     // The third row's amount is missing, and so the file is refused there.
     QCOMPARE(problems(contents), QStringLiteral("line 4: the amount is empty"));
     const EntryFileContents two = readText(text.left(text.lastIndexOf(QLatin1String("2026-03-03"))),
                                            QStringLiteral("--map date=Date,item=Payee,amount=Amount"));
-    QCOMPARE(entryLines(two), QStringList({ QStringLiteral("2026-03-01|Shop|Shop|Others|1.00"),
-                                             QStringLiteral("2026-03-02|Kiosk|Kiosk|Others|2.00") }));
+    QCOMPARE(entryLines(two),
+             QStringList({ QStringLiteral("2026-03-01|Shop|Shop|Others|1.00"),
+                           QStringLiteral("2026-03-02|Kiosk|Kiosk|Others|2.00") }));
 }
 
 void TestMappedCsvReader::columnsByNumberSkipTheLinesGiven()
 {
     const QString noHeader = QStringLiteral("01.03.2026;Shop;x;x;-1,00\n02.03.2026;Kiosk;x;x;-2,00\n");
-    const EntryFileContents none =
-        readText(noHeader, QStringLiteral("--map date=1,item=2,amount=5 --skip-lines 0"));
-    QCOMPARE(entryLines(none), QStringList({ QStringLiteral("2026-03-01|Shop|Shop|Others|1.00"),
-                                              QStringLiteral("2026-03-02|Kiosk|Kiosk|Others|2.00") }));
+    const EntryFileContents none = readText(noHeader, QStringLiteral("--map date=1,item=2,amount=5 --skip-lines 0"));
+    QCOMPARE(entryLines(none),
+             QStringList({ QStringLiteral("2026-03-01|Shop|Shop|Others|1.00"),
+                           QStringLiteral("2026-03-02|Kiosk|Kiosk|Others|2.00") }));
     // By default one line, the header, comes first.
     const EntryFileContents header = readText(noHeader, QStringLiteral("--map date=1,item=2,amount=5"));
     QCOMPARE(entryLines(header), QStringList { QStringLiteral("2026-03-02|Kiosk|Kiosk|Others|2.00") });
-    const EntryFileContents three =
-        readText(QStringLiteral("Export\nfrom\nbank\n") + noHeader, QStringLiteral("--map date=1,item=2,amount=5 --skip-lines 3"));
+    const EntryFileContents three = readText(QStringLiteral("Export\nfrom\nbank\n") + noHeader,
+                                             QStringLiteral("--map date=1,item=2,amount=5 --skip-lines 3"));
     QCOMPARE(three.entries.size(), 2);
     QCOMPARE(three.entries.constFirst().line, 4);
 }
@@ -506,10 +531,11 @@ void TestMappedCsvReader::oneColumnMayServeTwoFieldsAndEmptyTextsFillEachOther()
     QCOMPARE(entryLines(both).constFirst(), QStringLiteral("2026-03-01|REWE|REWE|Groceries|20.00"));
     const EntryFileContents split =
         readText(text, QStringLiteral("--map date=Date,item=Memo,place=Payee,category=Category,amount=Amount"));
-    QCOMPARE(entryLines(split), QStringList({ QStringLiteral("2026-03-01|Food week|REWE|Groceries|20.00"),
-                                               QStringLiteral("2026-03-02|Kiosk|Kiosk|Others|1.00"),
-                                               QStringLiteral("2026-03-03|Parking|Parking|Others|2.00"),
-                                               QStringLiteral("2026-03-04|Imported|Imported|Others|3.00") }));
+    QCOMPARE(entryLines(split),
+             QStringList({ QStringLiteral("2026-03-01|Food week|REWE|Groceries|20.00"),
+                           QStringLiteral("2026-03-02|Kiosk|Kiosk|Others|1.00"),
+                           QStringLiteral("2026-03-03|Parking|Parking|Others|2.00"),
+                           QStringLiteral("2026-03-04|Imported|Imported|Others|3.00") }));
 }
 
 void TestMappedCsvReader::eachEncodingIsDetectedOrTakenByName_data()
@@ -565,15 +591,17 @@ void TestMappedCsvReader::nulCharactersAreRemovedBeforeReading()
 
 void TestMappedCsvReader::quotingIsRfc4180AndAMalformedFieldNamesItsLine()
 {
-    const QString quoted = QStringLiteral("Date,Payee,Amount\n\"2026-03-01\",\"Line\nbreak, \"\"quoted\"\"\",\"-1,50\"\n"
-                                          "2026-03-02,Shop,-2\n");
+    const QString quoted =
+        QStringLiteral("Date,Payee,Amount\n\"2026-03-01\",\"Line\nbreak, \"\"quoted\"\"\",\"-1,50\"\n"
+                       "2026-03-02,Shop,-2\n");
     const EntryFileContents contents = readText(quoted, QStringLiteral("--map date=Date,item=Payee,amount=Amount"));
     QCOMPARE(problems(contents), QString());
     QCOMPARE(contents.entries.at(0).entry.ItemName, QStringLiteral("Line\nbreak, \"quoted\""));
     QCOMPARE(contents.entries.at(0).entry.Price, 1.5f);
     QCOMPARE(contents.entries.at(1).line, 4);
-    const EntryFileContents unclosed = readText(QStringLiteral("Date,Payee,Amount\n2026-03-01,Shop,-1\n2026-03-02,\"Shop,-2\n"),
-                                                QStringLiteral("--map date=Date,item=Payee,amount=Amount"));
+    const EntryFileContents unclosed =
+        readText(QStringLiteral("Date,Payee,Amount\n2026-03-01,Shop,-1\n2026-03-02,\"Shop,-2\n"),
+                 QStringLiteral("--map date=Date,item=Payee,amount=Amount"));
     QCOMPARE(problems(unclosed), QStringLiteral("line 3: a field in double quotes starts here and never ends"));
     const EntryFileContents stray = readText(QStringLiteral("Date,Payee,Amount\n2026-03-01,Sh\"op,-1\n"),
                                              QStringLiteral("--map date=Date,item=Payee,amount=Amount"));
@@ -583,7 +611,8 @@ void TestMappedCsvReader::quotingIsRfc4180AndAMalformedFieldNamesItsLine()
 void TestMappedCsvReader::ledgerlysOwnHeaderIsRecognisedAndOtherColumnsAreNamed()
 {
     QVERIFY(MappedCsvReader::isLedgerlyCsv("Date,Item,Category,Amount,Place,GeoLocation,Longitude,Latitude\r\n"));
-    QVERIFY(MappedCsvReader::isLedgerlyCsv("\xEF\xBB\xBF" "amount,category,item,date\n"));
+    QVERIFY(MappedCsvReader::isLedgerlyCsv("\xEF\xBB\xBF"
+                                           "amount,category,item,date\n"));
     QVERIFY(MappedCsvReader::isLedgerlyCsv(""));
     // Ledgerly's names with one missing, or with another beside them.
     QVERIFY(MappedCsvReader::isLedgerlyCsv("Date,Item,Category,Place\n"));
@@ -601,8 +630,8 @@ void TestMappedCsvReader::ledgerlysOwnHeaderIsRecognisedAndOtherColumnsAreNamed(
 void TestMappedCsvReader::theLayoutTellsWhatWasDetected()
 {
     QStringEncoder cp1252("windows-1252");
-    const QByteArray bytes =
-        cp1252.encode(QStringLiteral("Kontoauszug\nBuchung;Empfänger;Betrag\n31.03.2026;Bäcker;-1,50\n01.04.2026;B;-2,00\n"));
+    const QByteArray bytes = cp1252.encode(
+        QStringLiteral("Kontoauszug\nBuchung;Empfänger;Betrag\n31.03.2026;Bäcker;-1,50\n01.04.2026;B;-2,00\n"));
     MappedCsvReader::Layout layout;
     MappedCsvReader::read(bytes, mapping(QStringLiteral("--map date=Buchung,item=Empfänger,amount=Betrag")), &layout,
                           1);
@@ -611,7 +640,8 @@ void TestMappedCsvReader::theLayoutTellsWhatWasDetected()
     QCOMPARE(layout.dateForm, QStringLiteral("d.M.yyyy"));
     QCOMPARE(layout.decimal, QLatin1Char(','));
     QCOMPARE(layout.headerLine, 2);
-    QCOMPARE(layout.columns, QStringList({ QStringLiteral("Buchung"), QStringLiteral("Empfänger"), QStringLiteral("Betrag") }));
+    QCOMPARE(layout.columns,
+             QStringList({ QStringLiteral("Buchung"), QStringLiteral("Empfänger"), QStringLiteral("Betrag") }));
     QCOMPARE(layout.rows.size(), 1);
     QCOMPARE(layout.rows.constFirst(),
              QStringList({ QStringLiteral("31.03.2026"), QStringLiteral("Bäcker"), QStringLiteral("-1,50") }));
@@ -662,32 +692,31 @@ void TestMappedCsvReader::realExportsReadWithTheirMapping_data()
                                      << "--map date=Date,item=Details,debit=Debit,credit=Credit" << 21 << 4260.83 << 6
                                      << 0 << 0 << QDate(2017, 9, 1) << QDate(2017, 9, 28);
     QTest::newRow("Raiffeisen AT, tabs") << "bank2ynab_bank2ynab_test_delimiter_tab.csv"
-                                         << "--map date=1,item=2,debit=5,credit=4 --skip-lines 0" << 64 << 6458.90
-                                         << 9 << 0 << 1 << QDate(2017, 9, 18) << QDate(2017, 10, 19);
+                                         << "--map date=1,item=2,debit=5,credit=4 --skip-lines 0" << 64 << 6458.90 << 9
+                                         << 0 << 1 << QDate(2017, 9, 18) << QDate(2017, 10, 19);
     QTest::newRow("OCBC") << "bank2ynab_bank2ynab_TransactionHistory_20180418043121.csv"
                           << "--map 'date=Transaction date,item=Description,debit=Withdrawals (SGD),"
                              "credit=Deposits (SGD)'"
                           << 8 << 173.28 << 0 << 0 << 9 << QDate(2018, 4, 13) << QDate(2018, 4, 18);
-    QTest::newRow("Ostseesparkasse card")
-        << "bank2ynab_bank2ynab_umsatz-1234________1234-20180227.CSV"
-        << "--map date=Belegdatum,item=Transaktionsbeschreibung,amount=Buchungsbetrag" << 1 << 5.00 << 0 << 0 << 0
-        << QDate(2018, 2, 20) << QDate(2018, 2, 20);
+    QTest::newRow("Ostseesparkasse card") << "bank2ynab_bank2ynab_umsatz-1234________1234-20180227.CSV"
+                                          << "--map date=Belegdatum,item=Transaktionsbeschreibung,amount=Buchungsbetrag"
+                                          << 1 << 5.00 << 0 << 0 << 0 << QDate(2018, 2, 20) << QDate(2018, 2, 20);
     QTest::newRow("Erste HU") << "bank2ynab_bank2ynab_W80844_EBH_201945.202122.csv"
-                              << "--map date=1,item=14,amount=7 --date-format yyyy.MM.dd." << 1 << 350.00 << 1 << 0
-                              << 0 << QDate(2019, 4, 19) << QDate(2019, 4, 19);
+                              << "--map date=1,item=14,amount=7 --date-format yyyy.MM.dd." << 1 << 350.00 << 1 << 0 << 0
+                              << QDate(2019, 4, 19) << QDate(2019, 4, 19);
     QTest::newRow("Chase") << "beancount_beangulp_statement.csv"
-                           << "--map 'date=Posting Date,item=Description,amount=Amount'" << 4 << 4190.89 << 2 << 0
-                           << 0 << QDate(2016, 3, 4) << QDate(2016, 3, 18);
+                           << "--map 'date=Posting Date,item=Description,amount=Amount'" << 4 << 4190.89 << 2 << 0 << 0
+                           << QDate(2016, 3, 4) << QDate(2016, 3, 18);
     QTest::newRow("Venmo") << "egh_ledger-autosync_venmo.csv"
-                           << "--map 'date=Datetime,item=Note,place=To,amount=Amount (total)'" << 2 << 47.03 << 2
-                           << 0 << 5 << QDate(2020, 1, 3) << QDate(2020, 1, 4);
+                           << "--map 'date=Datetime,item=Note,place=To,amount=Amount (total)'" << 2 << 47.03 << 2 << 0
+                           << 5 << QDate(2020, 1, 3) << QDate(2020, 1, 4);
     QTest::newRow("ING-DiBa DE") << "fabolhak_ofxstatement-de-ing_test_with_saldo_1.csv"
                                  << "--map 'date=Buchung,item=Verwendungszweck,place=Auftraggeber/Empfänger,"
                                     "amount=Betrag'"
                                  << 8 << 228.60 << 1 << 0 << 0 << QDate(2018, 12, 9) << QDate(2018, 12, 28);
     QTest::newRow("ING NL") << "gpaulissen_ofxstatement-dutch_ing_ok.csv"
-                            << "--map 'date=Datum,item=Naam / Omschrijving,amount=Bedrag (EUR),direction=Af Bij'"
-                            << 3 << 1.87 << 2 << 1 << 0 << QDate(2019, 12, 13) << QDate(2020, 2, 13);
+                            << "--map 'date=Datum,item=Naam / Omschrijving,amount=Bedrag (EUR),direction=Af Bij'" << 3
+                            << 1.87 << 2 << 1 << 0 << QDate(2019, 12, 13) << QDate(2020, 2, 13);
     QTest::newRow("Knab") << "gpaulissen_ofxstatement-dutch_Knab_transactieoverzicht_ok.csv"
                           << "--map date=Transactiedatum,item=Tegenrekeninghouder,amount=Bedrag,direction=CreditDebet "
                              "--date-format dd-MM-yyyy"
@@ -737,8 +766,8 @@ void TestMappedCsvReader::realExportsReadWithTheirMapping_data()
                               << "--map date=Buchungsdatum,item=Umsatztext,amount=Betrag" << 1 << 100.00 << 2 << 3 << 0
                               << QDate(2013, 6, 10) << QDate(2013, 6, 10);
     QTest::newRow("French bank, OCA") << "OCA_bank-statement-import_meta_data_separated_credit_debit.csv"
-                                      << "--map date=Date,item=Label,debit=Debit,credit=Credit --date-order dmy" << 3 << 230.68 << 1
-                                      << 0 << 1 << QDate(2020, 4, 1) << QDate(2020, 4, 2);
+                                      << "--map date=Date,item=Label,debit=Debit,credit=Credit --date-order dmy" << 3
+                                      << 230.68 << 1 << 0 << 1 << QDate(2020, 4, 1) << QDate(2020, 4, 2);
     QTest::newRow("Capital One") << "reubano_csv2ofx_capitalone.csv"
                                  << "--map 'date=Transaction Date,item=Description,debit=Debit,credit=Credit'" << 1
                                  << 1000.00 << 1 << 0 << 0 << QDate(2015, 12, 31) << QDate(2015, 12, 31);
@@ -749,20 +778,22 @@ void TestMappedCsvReader::realExportsReadWithTheirMapping_data()
                           << "--map 'date=Date,item=Description,category=Category,amount=Amount,"
                              "direction=Transaction Type'"
                           << 3 << 5000.00 << 1 << 0 << 0 << QDate(2015, 6, 12) << QDate(2015, 6, 14);
-    QTest::newRow("Outbank") << "reubano_csv2ofx_outbank.csv" << "--map date=Date,item=Name,amount=Amount" << 3
-                             << 135.89 << 1 << 0 << 0 << QDate(2019, 1, 5) << QDate(2019, 2, 8);
+    QTest::newRow("Outbank") << "reubano_csv2ofx_outbank.csv"
+                             << "--map date=Date,item=Name,amount=Amount" << 3 << 135.89 << 1 << 0 << 0
+                             << QDate(2019, 1, 5) << QDate(2019, 2, 8);
     QTest::newRow("UBS") << "reubano_csv2ofx_ubs-ch-fr_trimmed.csv"
                          << "--map 'date=Date de valeur,item=Description 2,place=Description 1,debit=Débit,"
                             "credit=Crédit'"
                          << 2 << 210.00 << 1 << 0 << 0 << QDate(2019, 3, 31) << QDate(2019, 4, 27);
     QTest::newRow("Monefy") << "simonmichael_hledger_monefy.csv"
-                            << "--map date=date,item=description,category=category,amount=amount --date-order dmy"
-                            << 5 << 472.00 << 3 << 0 << 0 << QDate(2021, 12, 6) << QDate(2021, 12, 6);
-    QTest::newRow("PayPal") << "simonmichael_hledger_paypal-custom.csv" << "--map date=Date,item=Name,amount=Gross"
-                            << 3 << 15.99 << 4 << 0 << 0 << QDate(2019, 10, 1) << QDate(2019, 10, 19);
-    QTest::newRow("hledger, French, Windows-1252")
-        << "simonmichael_hledger_sample.fr.cp1252.csv" << "--map date=Date,item=Remarque,amount=Montant" << 2
-        << 30.00 << 1 << 0 << 0 << QDate(2012, 3, 23) << QDate(2012, 3, 24);
+                            << "--map date=date,item=description,category=category,amount=amount --date-order dmy" << 5
+                            << 472.00 << 3 << 0 << 0 << QDate(2021, 12, 6) << QDate(2021, 12, 6);
+    QTest::newRow("PayPal") << "simonmichael_hledger_paypal-custom.csv"
+                            << "--map date=Date,item=Name,amount=Gross" << 3 << 15.99 << 4 << 0 << 0
+                            << QDate(2019, 10, 1) << QDate(2019, 10, 19);
+    QTest::newRow("hledger, French, Windows-1252") << "simonmichael_hledger_sample.fr.cp1252.csv"
+                                                   << "--map date=Date,item=Remarque,amount=Montant" << 2 << 30.00 << 1
+                                                   << 0 << 0 << QDate(2012, 3, 23) << QDate(2012, 3, 24);
     QTest::newRow("YNAB 4, Jordanian dinar") << "simonmichael_hledger_ynab4-rtl.csv"
                                              << "--map date=Date,item=Payee,debit=Outflow,credit=Inflow --decimal point"
                                              << 2 << 97.96 << 0 << 0 << 0 << QDate(2022, 11, 7) << QDate(2022, 12, 11);
@@ -810,13 +841,13 @@ void TestMappedCsvReader::damagedRealExportsAreRefusedWithTheirLine_data()
     QTest::addColumn<QString>("problem");
     // The third record lacks its opening quote; CR CR LF line ends put it
     // on line 5.
-    QTest::newRow("Rabobank, a quote missing")
-        << "bank2ynab_bank2ynab_CSV_A_20180414_112204.csv" << "--map 'date=Datum,item=Naam tegenpartij,amount=Bedrag'"
-        << "line 5: a double quote inside a field that is not in double quotes";
+    QTest::newRow("Rabobank, a quote missing") << "bank2ynab_bank2ynab_CSV_A_20180414_112204.csv"
+                                               << "--map 'date=Datum,item=Naam tegenpartij,amount=Bedrag'"
+                                               << "line 5: a double quote inside a field that is not in double quotes";
     // 'UAB "Naktida"' inside a quoted field, its quotes not doubled.
-    QTest::newRow("Swedbank, quotes not doubled")
-        << "kedder_ofxstatement-lithuanian_swedbank.csv" << "--map date=Data,item=Gavėjas,amount=Suma,direction=D/K"
-        << "line 5: text follows the closing double quote of a field";
+    QTest::newRow("Swedbank, quotes not doubled") << "kedder_ofxstatement-lithuanian_swedbank.csv"
+                                                  << "--map date=Data,item=Gavėjas,amount=Suma,direction=D/K"
+                                                  << "line 5: text follows the closing double quote of a field";
 }
 
 void TestMappedCsvReader::damagedRealExportsAreRefusedWithTheirLine()

@@ -165,8 +165,8 @@ void CsvMappingDialog::buildWidgets()
     choices->addRow(tr("Date form:"), comboBoxDateForm);
     comboBoxDateOrder = new QComboBox(this);
     comboBoxDateOrder->setObjectName(QStringLiteral("comboBoxDateOrder"));
-    comboBoxDateOrder->addItems({ tr("Month first where the file leaves it open"),
-                                  tr("Day first where the file leaves it open") });
+    comboBoxDateOrder->addItems(
+        { tr("Month first where the file leaves it open"), tr("Day first where the file leaves it open") });
     choices->addRow(tr("Date order:"), comboBoxDateOrder);
     comboBoxDecimal = new QComboBox(this);
     comboBoxDecimal->setObjectName(QStringLiteral("comboBoxDecimal"));
@@ -226,9 +226,8 @@ void CsvMappingDialog::buildWidgets()
     connect(buttonBox, &QDialogButtonBox::accepted, this, &CsvMappingDialog::accept);
     connect(buttonBox, &QDialogButtonBox::rejected, this, &QDialog::reject);
     connect(comboBoxProfile, &QComboBox::activated, this, &CsvMappingDialog::chooseProfile);
-    for (QComboBox *combo :
-         { comboBoxDelimiter, comboBoxEncoding, comboBoxDateForm, comboBoxDateOrder, comboBoxDecimal, comboBoxSign,
-           comboBoxMarks })
+    for (QComboBox *combo : { comboBoxDelimiter, comboBoxEncoding, comboBoxDateForm, comboBoxDateOrder, comboBoxDecimal,
+                              comboBoxSign, comboBoxMarks })
         connect(combo, &QComboBox::currentIndexChanged, this, &CsvMappingDialog::readAgain);
     for (QComboBox *combo : { comboBoxEncoding, comboBoxDateForm })
         connect(combo, &QComboBox::currentTextChanged, this, &CsvMappingDialog::readAgain);
@@ -427,7 +426,8 @@ void CsvMappingDialog::readAgain()
         detected << tr("dates %1").arg(layout.dateForm);
     if (!layout.decimal.isNull())
         detected << tr("decimal %1").arg(layout.decimal == QLatin1Char(',') ? tr("comma") : tr("point"));
-    labelDetected->setText(detected.isEmpty() ? QString() : tr("Read with: %1.").arg(detected.join(QLatin1String(", "))));
+    labelDetected->setText(detected.isEmpty() ? QString()
+                                              : tr("Read with: %1.").arg(detected.join(QLatin1String(", "))));
 
     QString reads;
     if (!problem.isEmpty())
@@ -437,10 +437,10 @@ void CsvMappingDialog::readAgain()
     else
         reads = (contents.entries.size() == 1 ? tr("Reads 1 expense")
                                               : tr("Reads %1 expenses").arg(contents.entries.size())) +
-            (contents.skipped() > 0 ? tr("; skips %1 (%2).")
-                                          .arg(QString::number(contents.skipped()),
-                                               contents.skippedReasons().join(QLatin1String(", ")))
-                                    : QStringLiteral("."));
+            (contents.skipped() > 0
+                 ? tr("; skips %1 (%2).")
+                       .arg(QString::number(contents.skipped()), contents.skippedReasons().join(QLatin1String(", ")))
+                 : QStringLiteral("."));
     labelReads->setText(reads);
     pushButtonNext->setEnabled(problem.isEmpty() && contents.isAcceptable());
 
@@ -452,7 +452,7 @@ void CsvMappingDialog::readAgain()
     QStringList headers;
     for (int i = 0; i < columns; ++i)
         headers << (i < columnNames.size() && !columnNames.at(i).trimmed().isEmpty() ? columnNames.at(i).trimmed()
-                                                                                      : tr("Column %1").arg(i + 1));
+                                                                                     : tr("Column %1").arg(i + 1));
     tableWidgetRows->setHorizontalHeaderLabels(headers);
     tableWidgetRows->setRowCount(int(layout.rows.size()));
     for (int row = 0; row < layout.rows.size(); ++row) {

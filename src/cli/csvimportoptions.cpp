@@ -25,8 +25,8 @@ QString tr(const char *text)
 CsvImportOptions::CsvImportOptions()
     : map(QStringLiteral("map"),
           tr("import: read a bank's CSV with these columns: date, item, place, category, and amount (negative is "
-             "an expense), or debit and credit, or amount and direction; each by its header name or its number, "
-             "as in date=Buchungstag,item=Verwendungszweck,amount=Betrag."),
+             "an expense), or debit and credit, or amount and direction; each by its header name or its number "
+             "(date=Datum,item=2,amount=Betrag)."),
           QStringLiteral("FIELD=COLUMN,...")),
       delimiter(QStringLiteral("delimiter"),
                 tr("import: the bank CSV's delimiter: ',', ';', tab or '|' (detected without it)."),
@@ -87,8 +87,8 @@ QString CsvImportOptions::read(const QCommandLineParser &parser, const QCommandL
                 return tr("--%1 goes with --map, not --profile.").arg(name);
         }
         request->profile = parser.value(profile);
-        for (const auto &[option, name] :
-             { std::pair(&encoding, QStringLiteral("encoding")), std::pair(&dateOrder, QStringLiteral("date-order")) }) {
+        for (const auto &[option, name] : { std::pair(&encoding, QStringLiteral("encoding")),
+                                            std::pair(&dateOrder, QStringLiteral("date-order")) }) {
             if (!parser.isSet(*option))
                 continue;
             QString error;
@@ -112,8 +112,8 @@ QString CsvImportOptions::read(const QCommandLineParser &parser, const QCommandL
     if (!mapping.readMap(parser.value(map), &error))
         return error;
     for (const auto &[option, name] : mappingOptions) {
-        if (parser.isSet(*option) && !mapping.readOption(name, option == &invert ? QString() : parser.value(*option),
-                                                         &error))
+        if (parser.isSet(*option) &&
+            !mapping.readOption(name, option == &invert ? QString() : parser.value(*option), &error))
             return error;
     }
     for (const auto &[option, name] :
@@ -133,8 +133,7 @@ QString CsvImportOptions::read(const QCommandLineParser &parser, const QCommandL
     return QString();
 }
 
-std::optional<CsvMapping> CsvImportOptions::mappingOf(DatabaseManager &store, const Request &request,
-                                                      QString *failure)
+std::optional<CsvMapping> CsvImportOptions::mappingOf(DatabaseManager &store, const Request &request, QString *failure)
 {
     if (request.mapping)
         return request.mapping;

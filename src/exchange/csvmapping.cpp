@@ -89,8 +89,8 @@ QString CsvMapping::fieldName(Field field)
 
 QStringList CsvMapping::defaultOutMarks()
 {
-    return { QStringLiteral("D"),     QStringLiteral("DR"), QStringLiteral("Debit"), QStringLiteral("Debet"),
-             QStringLiteral("Af"),    QStringLiteral("S"),  QStringLiteral("Soll"),  QStringLiteral("-") };
+    return { QStringLiteral("D"),  QStringLiteral("DR"), QStringLiteral("Debit"), QStringLiteral("Debet"),
+             QStringLiteral("Af"), QStringLiteral("S"),  QStringLiteral("Soll"),  QStringLiteral("-") };
 }
 
 bool CsvMapping::operator==(const CsvMapping &other) const
@@ -186,8 +186,8 @@ bool CsvMapping::readOption(const QString &name, const QString &value, QString *
     if (name == QLatin1String("map"))
         return readMap(value, error);
     if (name == QLatin1String("delimiter")) {
-        const QString given = value.compare(QLatin1String("tab"), Qt::CaseInsensitive) == 0 ? QStringLiteral("\t")
-                                                                                              : value;
+        const QString given =
+            value.compare(QLatin1String("tab"), Qt::CaseInsensitive) == 0 ? QStringLiteral("\t") : value;
         if (given.size() != 1 || !QStringLiteral(",;\t|").contains(given.front())) {
             *error = tr("--delimiter is ',', ';', tab or '|', not \"%1\".").arg(value);
             return false;
@@ -361,8 +361,8 @@ std::optional<CsvMapping> CsvMapping::fromText(const QString &text, QString *err
 
 QStringList CsvMapping::optionNames()
 {
-    return { QStringLiteral("map"),        QStringLiteral("delimiter"),  QStringLiteral("encoding"),
+    return { QStringLiteral("map"),         QStringLiteral("delimiter"),  QStringLiteral("encoding"),
              QStringLiteral("date-format"), QStringLiteral("date-order"), QStringLiteral("decimal"),
-             QStringLiteral("skip-lines"), QStringLiteral("invert"),     QStringLiteral("out-marks"),
+             QStringLiteral("skip-lines"),  QStringLiteral("invert"),     QStringLiteral("out-marks"),
              QStringLiteral("in-marks") };
 }

@@ -215,7 +215,9 @@ int headerLineOf(QStringView text, const QList<qsizetype> &starts, QChar delimit
 {
     for (int index = 0; index < starts.size(); ++index) {
         const QStringView line = lineAt(text, starts, index);
-        if (!line.contains(delimiter) && names.size() > 1)
+        // Most lines hold neither the delimiter nor the first name: they
+        // need not be split.
+        if ((!line.contains(delimiter) && names.size() > 1) || !line.contains(names.constFirst(), Qt::CaseInsensitive))
             continue;
         const QStringList fields = lineFields(line, delimiter);
         bool all = true;
@@ -440,8 +442,7 @@ DateColumn readDates(const QList<QStringView> &cells, const CsvMapping &mapping)
     }
     column.form = DateForm(chosen);
     column.orderOpen = isSlashed(column.form) && !dayFirstSeen[chosen] && !monthFirstSeen[chosen];
-    column.dayFirst = dayFirstSeen[chosen] ||
-        (column.orderOpen && mapping.dateOrder == QifFormat::DateOrder::DayFirst);
+    column.dayFirst = dayFirstSeen[chosen] || (column.orderOpen && mapping.dateOrder == QifFormat::DateOrder::DayFirst);
     column.formName = formName(column.form, column.dayFirst);
     for (qsizetype i = 0; i < cells.size(); ++i) {
         if (!readable.at(i))
@@ -522,8 +523,8 @@ bool MappedCsvReader::isLedgerlyCsv(QByteArrayView bytes)
         required = required && names.contains(QLatin1String(name));
     if (required)
         return true;
-    const QStringList own = { QStringLiteral("date"),  QStringLiteral("item"),        QStringLiteral("category"),
-                              QStringLiteral("amount"), QStringLiteral("place"),      QStringLiteral("geolocation"),
+    const QStringList own = { QStringLiteral("date"),      QStringLiteral("item"),    QStringLiteral("category"),
+                              QStringLiteral("amount"),    QStringLiteral("place"),   QStringLiteral("geolocation"),
                               QStringLiteral("longitude"), QStringLiteral("latitude") };
     for (const QString &name : names) {
         if (!own.contains(name))
@@ -570,9 +571,8 @@ QStringList MappedCsvReader::columnNames(QByteArrayView bytes)
     // trailing delimiter) that is about as full as the fullest line near
     // the top; a title line that pads itself with delimiters is not.
     const auto filled = [](const QStringList &line) {
-        return int(std::count_if(line.cbegin(), line.cend(), [](const QString &field) {
-            return !field.trimmed().isEmpty();
-        }));
+        return int(
+            std::count_if(line.cbegin(), line.cend(), [](const QString &field) { return !field.trimmed().isEmpty(); }));
     };
     int fullest = 0;
     for (qsizetype index = 0; index < fields.size() && index < 50; ++index) {
@@ -759,7 +759,7 @@ EntryFileContents MappedCsvReader::read(QByteArrayView bytes, const CsvMapping &
     dateCells.reserve(records.size());
     for (const Row &row : records)
         dateCells.append(row.fields.size() == 1 && row.fields.constFirst().isEmpty() ? QStringView()
-                                                                                      : cell(row, CsvMapping::Date));
+                                                                                     : cell(row, CsvMapping::Date));
     const DateColumn dates = readDates(dateCells, mapping);
     if (layout)
         layout->dateForm = dates.formName;
@@ -788,8 +788,8 @@ EntryFileContents MappedCsvReader::read(QByteArrayView bytes, const CsvMapping &
         return contents;
     }
     if (isSlashed(dates.form))
-        contents.dateOrder = QifFormat::orderName(dates.dayFirst ? QifFormat::DateOrder::DayFirst
-                                                                 : QifFormat::DateOrder::MonthFirst);
+        contents.dateOrder =
+            QifFormat::orderName(dates.dayFirst ? QifFormat::DateOrder::DayFirst : QifFormat::DateOrder::MonthFirst);
     if (dates.openIndex >= 0) {
         const QStringView open = datePart(dateCells.at(dates.openIndex));
         contents.openDate = open.toString();
@@ -830,11 +830,11 @@ EntryFileContents MappedCsvReader::read(QByteArrayView bytes, const CsvMapping &
             written = text.toString();
             *read = readAmount(text, mapping.decimal);
             if (!*read) {
-                contents.addProblem(row.line,
-                                    text.isEmpty()
-                                        ? tr("the %1 is empty").arg(CsvMapping::fieldName(field))
-                                        : tr("the %1 %2 is not a number").arg(CsvMapping::fieldName(field),
-                                                                              quoted(text.toString())));
+                contents.addProblem(
+                    row.line,
+                    text.isEmpty()
+                        ? tr("the %1 is empty").arg(CsvMapping::fieldName(field))
+                        : tr("the %1 %2 is not a number").arg(CsvMapping::fieldName(field), quoted(text.toString())));
                 return false;
             }
             noteDecimal(text);
@@ -876,8 +876,9 @@ EntryFileContents MappedCsvReader::read(QByteArrayView bytes, const CsvMapping &
             continue;
         }
         if (magnitude > ::Amount::largest) {
-            contents.addProblem(row.line, tr("the amount %1 is above %2, the largest amount Ledgerly takes")
-                                              .arg(quoted(written), QString::number(::Amount::largest, 'f', 2)));
+            contents.addProblem(row.line,
+                                tr("the amount %1 is above %2, the largest amount Ledgerly takes")
+                                    .arg(quoted(written), QString::number(::Amount::largest, 'f', 2)));
             continue;
         }
         Entry entry;
