@@ -210,14 +210,28 @@ int delimiterScore(QStringView text, qsizetype from, QChar delimiter)
     return best;
 }
 
-// The index of the first line that holds every name, or -1.
-int headerLineOf(QStringView text, const QList<qsizetype> &starts, QChar delimiter, const QStringList &names)
+// The indexes of the lines that hold the first name anywhere: only those
+// can be the header.
+QList<int> linesNaming(QStringView text, const QList<qsizetype> &starts, const QStringList &names)
 {
+    QList<int> lines;
+    if (names.isEmpty())
+        return lines;
     for (int index = 0; index < starts.size(); ++index) {
+        if (lineAt(text, starts, index).contains(names.constFirst(), Qt::CaseInsensitive))
+            lines.append(index);
+    }
+    return lines;
+}
+
+// The index of the first of `candidates` that holds every name as a field,
+// or -1.
+int headerLineOf(QStringView text, const QList<qsizetype> &starts, const QList<int> &candidates, QChar delimiter,
+                 const QStringList &names)
+{
+    for (const int index : candidates) {
         const QStringView line = lineAt(text, starts, index);
-        // Most lines hold neither the delimiter nor the first name: they
-        // need not be split.
-        if ((!line.contains(delimiter) && names.size() > 1) || !line.contains(names.constFirst(), Qt::CaseInsensitive))
+        if (!line.contains(delimiter) && names.size() > 1)
             continue;
         const QStringList fields = lineFields(line, delimiter);
         bool all = true;
@@ -668,11 +682,16 @@ EntryFileContents MappedCsvReader::read(QByteArrayView bytes, const CsvMapping &
     int headerIndex = -1;
     int bestScore = -1;
     const int skip = mapping.skipLines.value_or(1);
+    const QList<int> naming = linesNaming(text, starts, names);
+    QList<std::pair<QChar, int>> found;
     for (const QChar candidate : candidates) {
-        const int header = names.isEmpty() ? skip - 1 : headerLineOf(text, starts, candidate, names);
-        if (!names.isEmpty() && header < 0)
-            continue;
-        const int score = candidates.size() == 1
+        const int header = names.isEmpty() ? skip - 1 : headerLineOf(text, starts, naming, candidate, names);
+        if (names.isEmpty() || header >= 0)
+            found.append({ candidate, header });
+    }
+    // Only where more than one delimiter would do are the lines counted.
+    for (const auto &[candidate, header] : found) {
+        const int score = found.size() == 1
             ? 0
             : delimiterScore(text, starts.at(qBound(0, header, int(starts.size()) - 1)), candidate);
         if (score > bestScore) {
@@ -812,6 +831,9 @@ EntryFileContents MappedCsvReader::read(QByteArrayView bytes, const CsvMapping &
     };
 
     contents.entries.reserve(records.size());
+    // A day's start in local time costs a look at the time zone; rows of
+    // one day share it.
+    QHash<QDate, QDateTime> dayStarts;
     const bool byAmount = mapping.columns[CsvMapping::Amount].isSet();
     const bool byDirection = mapping.columns[CsvMapping::Direction].isSet();
     for (qsizetype r = 0; r < records.size(); ++r) {
@@ -882,7 +904,10 @@ EntryFileContents MappedCsvReader::read(QByteArrayView bytes, const CsvMapping &
             continue;
         }
         Entry entry;
-        entry.TransactDateTime = date.startOfDay();
+        auto start = dayStarts.constFind(date);
+        if (start == dayStarts.constEnd())
+            start = dayStarts.insert(date, date.startOfDay());
+        entry.TransactDateTime = *start;
         entry.Price = float(magnitude);
         QString item = cell(row, CsvMapping::Item).toString();
         QString place = cell(row, CsvMapping::Place).toString();
