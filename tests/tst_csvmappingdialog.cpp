@@ -75,6 +75,7 @@ private slots:
     void savingAsAProfileKeepsTheMappingAsTheCommandLineWouldGiveIt();
     void aSavedProfileWhoseColumnsTheHeaderNamesIsChosenAtOnce();
     void aProfileWhoseColumnsTheFileLacksIsNotChosen();
+    void aFileWithoutAHeaderIsMappedByColumnNumbers();
 };
 
 void TestCsvMappingDialog::headerNamesOfFourLanguagesMeanTheirFields_data()
@@ -233,6 +234,28 @@ void TestCsvMappingDialog::aProfileWhoseColumnsTheFileLacksIsNotChosen()
     QCOMPARE(dialog.chosenProfile(), QString());
     QCOMPARE(child<QComboBox>(dialog, "comboBoxProfile")->currentText(), QStringLiteral("None"));
     QCOMPARE(dialog.mapping().mapText(), QStringLiteral("date=Buchungstag,item=Empfänger,amount=Betrag (EUR)"));
+}
+
+void TestCsvMappingDialog::aFileWithoutAHeaderIsMappedByColumnNumbers()
+{
+    Fixture f;
+    const QByteArray rows = "18.09.2017\tBilla\tEUR\t\t12,40\n19.09.2017\tGehalt\tEUR\t2.000,00\t\n";
+    CsvMappingDialog dialog(f.store, f.home.filePath(QStringLiteral("export.csv")), rows);
+    dialog.show();
+    // A first row of dates and amounts is no header.
+    QVERIFY(!child<QCheckBox>(dialog, "checkBoxHeader")->isChecked());
+    QCOMPARE(child<QComboBox>(dialog, "comboBoxDate")->itemText(1), QStringLiteral("Column 1"));
+    QCOMPARE(headings(dialog), QStringList({ "Column 1", "Column 2", "Column 3", "Column 4", "Column 5" }));
+    QCOMPARE(tableRows(dialog).size(), 2);
+    pickByKeys(child<QComboBox>(dialog, "comboBoxDate"), 1);
+    pickByKeys(child<QComboBox>(dialog, "comboBoxItem"), 2);
+    pickByKeys(child<QComboBox>(dialog, "comboBoxDebit"), 5);
+    pickByKeys(child<QComboBox>(dialog, "comboBoxCredit"), 4);
+    QCOMPARE(dialog.mapping().text(), QStringLiteral("--map date=1,item=2,debit=5,credit=4 --skip-lines 0"));
+    QCOMPARE(text(dialog, "labelReads"), QStringLiteral("Reads 1 expense; skips 1 (income 1)."));
+    // With a header, its first row would be the names.
+    child<QCheckBox>(dialog, "checkBoxHeader")->setChecked(true);
+    QCOMPARE(child<QComboBox>(dialog, "comboBoxDate")->itemText(1), QStringLiteral("18.09.2017 (column 1)"));
 }
 
 QTEST_MAIN(TestCsvMappingDialog)

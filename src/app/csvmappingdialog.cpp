@@ -22,6 +22,8 @@
 #include <QTableWidget>
 #include <QVBoxLayout>
 
+#include <algorithm>
+
 namespace {
 
 // Header names that clearly mean one field, compared in any case.
@@ -88,7 +90,17 @@ CsvMappingDialog::CsvMappingDialog(DatabaseManager &store, const QString &fileNa
     setWindowTitle(tr("Map the Columns"));
     setWindowModality(Qt::ApplicationModal);
     buildWidgets();
-    fillColumns(MappedCsvReader::columnNames(bytes));
+    const QStringList names = MappedCsvReader::columnNames(bytes);
+    // Names are words; a first row of dates and amounts is data.
+    const qsizetype numeric = std::count_if(names.cbegin(), names.cend(), [](const QString &name) {
+        return std::any_of(name.cbegin(), name.cend(), [](QChar c) { return c.isDigit(); });
+    });
+    const qsizetype filled =
+        std::count_if(names.cbegin(), names.cend(), [](const QString &name) { return !name.trimmed().isEmpty(); });
+    showing = true;
+    checkBoxHeader->setChecked(numeric * 3 < filled);
+    showing = false;
+    fillColumns(names);
     showing = true;
     guessColumns();
     showing = false;
@@ -125,6 +137,11 @@ void CsvMappingDialog::buildWidgets()
         comboBoxProfile->addItem(profile.name, profile.mapping);
     profileRow->addWidget(comboBoxProfile, 1);
     layout->addLayout(profileRow);
+
+    checkBoxHeader = new QCheckBox(tr("The first row names the columns"), this);
+    checkBoxHeader->setObjectName(QStringLiteral("checkBoxHeader"));
+    checkBoxHeader->setChecked(true);
+    layout->addWidget(checkBoxHeader);
 
     auto *fields = new QGridLayout;
     const QStringList labels = { tr("Date:"),   tr("Item:"),  tr("Place:"),  tr("Category:"),
@@ -233,6 +250,7 @@ void CsvMappingDialog::buildWidgets()
         connect(combo, &QComboBox::currentTextChanged, this, &CsvMappingDialog::readAgain);
     connect(lineEditMarks, &QLineEdit::editingFinished, this, &CsvMappingDialog::readAgain);
     connect(checkBoxSaveProfile, &QCheckBox::toggled, lineEditProfileName, &QLineEdit::setEnabled);
+    connect(checkBoxHeader, &QCheckBox::toggled, this, &CsvMappingDialog::headerToggled);
     lineEditProfileName->setEnabled(false);
 }
 
@@ -247,9 +265,10 @@ void CsvMappingDialog::fillColumns(const QStringList &names)
             const QString name = names.at(i).trimmed();
             // A name that is empty or named twice can only be told by its
             // number.
-            const bool byName = !name.isEmpty() && names.count(names.at(i)) == 1 && !name.contains(QLatin1Char(',')) &&
-                !name.contains(QLatin1Char('='));
-            combo->addItem(name.isEmpty() ? tr("Column %1").arg(i + 1) : tr("%1 (column %2)").arg(name).arg(i + 1),
+            const bool byName = checkBoxHeader->isChecked() && !name.isEmpty() && names.count(names.at(i)) == 1 &&
+                !name.contains(QLatin1Char(',')) && !name.contains(QLatin1Char('='));
+            combo->addItem(name.isEmpty() || !checkBoxHeader->isChecked() ? tr("Column %1").arg(i + 1)
+                                                                          : tr("%1 (column %2)").arg(name).arg(i + 1),
                            byName ? name : QStringLiteral("#%1").arg(i + 1));
         }
         const int index = combo->findData(chosen);
@@ -307,8 +326,8 @@ CsvMapping CsvMappingDialog::mapping() const
         else if (marks != CsvMapping::defaultOutMarks())
             mapping.outMarks = marks;
     }
-    // Columns given only by number read from after the header line.
-    if (!mapping.hasNamedColumns() && columnNames.isEmpty())
+    // Without a header, columns given by number read from the first line.
+    if (!mapping.hasNamedColumns() && !checkBoxHeader->isChecked())
         mapping.skipLines = 0;
     return mapping;
 }
@@ -321,6 +340,13 @@ QString CsvMappingDialog::chosenProfile() const
 void CsvMappingDialog::showMapping(const CsvMapping &mapping)
 {
     showing = true;
+    if (mapping.hasNamedColumns() && !checkBoxHeader->isChecked()) {
+        checkBoxHeader->setChecked(true);
+        fillColumns(columnNames);
+    } else if (!mapping.hasNamedColumns() && mapping.skipLines == 0 && checkBoxHeader->isChecked()) {
+        checkBoxHeader->setChecked(false);
+        fillColumns(columnNames);
+    }
     for (int field = 0; field < CsvMapping::FieldCount; ++field) {
         const CsvMapping::Column &column = mapping.columns[field];
         int index = 0;
@@ -405,7 +431,7 @@ void CsvMappingDialog::readAgain()
         rowsOnly.encoding = chosen.encoding;
         rowsOnly.skipLines = 0;
         MappedCsvReader::read(bytes, rowsOnly, &layout, shownRows + 1);
-        if (!layout.rows.isEmpty() && columnNames.isEmpty() == false &&
+        if (checkBoxHeader->isChecked() && !layout.rows.isEmpty() && !columnNames.isEmpty() &&
             layout.rows.constFirst().size() == columnNames.size())
             layout.rows.removeFirst();
         while (layout.rows.size() > shownRows)
@@ -451,8 +477,9 @@ void CsvMappingDialog::readAgain()
     tableWidgetRows->setColumnCount(columns);
     QStringList headers;
     for (int i = 0; i < columns; ++i)
-        headers << (i < columnNames.size() && !columnNames.at(i).trimmed().isEmpty() ? columnNames.at(i).trimmed()
-                                                                                     : tr("Column %1").arg(i + 1));
+        headers << (checkBoxHeader->isChecked() && i < columnNames.size() && !columnNames.at(i).trimmed().isEmpty()
+                        ? columnNames.at(i).trimmed()
+                        : tr("Column %1").arg(i + 1));
     tableWidgetRows->setHorizontalHeaderLabels(headers);
     tableWidgetRows->setRowCount(int(layout.rows.size()));
     for (int row = 0; row < layout.rows.size(); ++row) {
@@ -461,6 +488,18 @@ void CsvMappingDialog::readAgain()
             tableWidgetRows->setItem(row, column, new QTableWidgetItem(cells.at(column)));
     }
     tableWidgetRows->resizeColumnsToContents();
+}
+
+void CsvMappingDialog::headerToggled()
+{
+    if (showing)
+        return;
+    showing = true;
+    fillColumns(columnNames);
+    if (checkBoxHeader->isChecked())
+        guessColumns();
+    showing = false;
+    readAgain();
 }
 
 void CsvMappingDialog::accept()

@@ -60,6 +60,7 @@ private:
     void chooseProfile(int index);
     void chooseProfileByHeader();
     void readAgain();
+    void headerToggled();
 
     DatabaseManager &store;
     QString fileName;
@@ -69,6 +70,7 @@ private:
 
     QLabel *labelFile = nullptr;
     QComboBox *comboBoxProfile = nullptr;
+    QCheckBox *checkBoxHeader = nullptr;
     QComboBox *fieldCombos[CsvMapping::FieldCount] = {};
     QComboBox *comboBoxDelimiter = nullptr;
     QComboBox *comboBoxEncoding = nullptr;
