@@ -127,28 +127,32 @@ Split nextRecord(QStringView text, qsizetype &at, int &line, QChar delimiter, QS
         QString field;
         if (text[at] == QLatin1Char('"')) {
             const int fieldLine = line;
-            ++at;
+            const qsizetype start = ++at;
             bool closed = false;
+            bool doubled = false;
             while (at < size) {
                 const QChar c = text[at];
                 if (c == QLatin1Char('"')) {
                     if (at + 1 < size && text[at + 1] == QLatin1Char('"')) {
-                        if (fields)
-                            field += QLatin1Char('"');
+                        doubled = true;
                         at += 2;
                         continue;
                     }
-                    ++at;
                     closed = true;
                     break;
                 }
                 if (c == QLatin1Char('\n') ||
                     (c == QLatin1Char('\r') && (at + 1 >= size || text[at + 1] != QLatin1Char('\n'))))
                     ++line;
-                if (fields)
-                    field += c;
                 ++at;
             }
+            if (closed && fields) {
+                field = text.sliced(start, at - start).toString();
+                if (doubled)
+                    field.replace(QLatin1String("\"\""), QLatin1String("\""));
+            }
+            if (closed)
+                ++at;
             if (!closed) {
                 line = fieldLine;
                 *problem = tr("a field in double quotes starts here and never ends");
@@ -288,8 +292,10 @@ bool shortPart(int digits)
 }
 
 // The date of `text` in `form`; for the slashed forms with the day first
-// when `dayFirst`.
-QDate dateIn(QStringView text, DateForm form, bool dayFirst)
+// when `dayFirst`. Two-digit years are read around `thisYear`, which the
+// caller asks the clock for once: every question costs a look at the time
+// zone.
+QDate dateIn(QStringView text, DateForm form, bool dayFirst, int thisYear)
 {
     Parts p;
     switch (form) {
@@ -312,7 +318,7 @@ QDate dateIn(QStringView text, DateForm form, bool dayFirst)
         if (!splitParts(text, dotted ? QLatin1Char('.') : QLatin1Char('/'), &p) || !shortPart(p.digits[0]) ||
             !shortPart(p.digits[1]) || p.digits[2] != yearDigits)
             return QDate();
-        const int year = yearDigits == 2 ? QifFormat::twoDigitYear(p.number[2]) : p.number[2];
+        const int year = yearDigits == 2 ? QifFormat::twoDigitYear(p.number[2], thisYear) : p.number[2];
         if (dotted || dayFirst)
             return QDate(year, p.number[1], p.number[0]);
         return QDate(year, p.number[0], p.number[1]);
@@ -374,14 +380,14 @@ QStringView datePart(QStringView cell)
 
 // The date of a cell in a Qt date format, whose two-digit years follow the
 // window of QIF files.
-QDate dateInFormat(QStringView cell, const QString &format)
+QDate dateInFormat(QStringView cell, const QString &format, int thisYear)
 {
     const bool shortYear = format.contains(QLatin1String("yy")) && !format.contains(QLatin1String("yyyy"));
     QDate date = QDate::fromString(cell.toString(), format);
     if (!date.isValid())
         date = QDate::fromString(datePart(cell).toString(), format);
     if (date.isValid() && shortYear)
-        date = QDate(QifFormat::twoDigitYear(date.year() % 100), date.month(), date.day());
+        date = QDate(QifFormat::twoDigitYear(date.year() % 100, thisYear), date.month(), date.day());
     return date;
 }
 
@@ -401,14 +407,14 @@ struct DateColumn
 // reads; for the slashed forms, day or month first as the whole column
 // decides (a number above 12), or else as `order` says (month first
 // without it).
-DateColumn readDates(const QList<QStringView> &cells, const CsvMapping &mapping)
+DateColumn readDates(const QList<QStringView> &cells, const CsvMapping &mapping, int thisYear)
 {
     DateColumn column;
     column.dates.resize(cells.size());
     if (!mapping.dateFormat.isEmpty()) {
         column.formName = mapping.dateFormat;
         for (qsizetype i = 0; i < cells.size(); ++i)
-            column.dates[i] = cells.at(i).isEmpty() ? QDate() : dateInFormat(cells.at(i), mapping.dateFormat);
+            column.dates[i] = cells.at(i).isEmpty() ? QDate() : dateInFormat(cells.at(i), mapping.dateFormat, thisYear);
         return column;
     }
 
@@ -424,8 +430,8 @@ DateColumn readDates(const QList<QStringView> &cells, const CsvMapping &mapping)
             continue;
         for (int f = 0; f < FormCount; ++f) {
             const DateForm form = DateForm(f);
-            const QDate monthFirst = dateIn(cell, form, false);
-            const QDate dayFirst = isSlashed(form) ? dateIn(cell, form, true) : monthFirst;
+            const QDate monthFirst = dateIn(cell, form, false, thisYear);
+            const QDate dayFirst = isSlashed(form) ? dateIn(cell, form, true, thisYear) : monthFirst;
             if (!monthFirst.isValid() && !dayFirst.isValid())
                 continue;
             readable[i] = true;
@@ -462,11 +468,12 @@ DateColumn readDates(const QList<QStringView> &cells, const CsvMapping &mapping)
         if (!readable.at(i))
             continue;
         const QStringView cell = datePart(cells.at(i));
-        column.dates[i] = dateIn(cell, column.form, column.dayFirst);
+        column.dates[i] = dateIn(cell, column.form, column.dayFirst, thisYear);
         if (!column.dates.at(i).isValid() && column.strayIndex < 0)
             column.strayIndex = int(i);
-        if (column.orderOpen && column.openIndex < 0 && dateIn(cell, column.form, !column.dayFirst).isValid() &&
-            dateIn(cell, column.form, !column.dayFirst) != column.dates.at(i))
+        if (column.orderOpen && column.openIndex < 0 &&
+            dateIn(cell, column.form, !column.dayFirst, thisYear).isValid() &&
+            dateIn(cell, column.form, !column.dayFirst, thisYear) != column.dates.at(i))
             column.openIndex = int(i);
     }
     return column;
@@ -779,7 +786,8 @@ EntryFileContents MappedCsvReader::read(QByteArrayView bytes, const CsvMapping &
     for (const Row &row : records)
         dateCells.append(row.fields.size() == 1 && row.fields.constFirst().isEmpty() ? QStringView()
                                                                                      : cell(row, CsvMapping::Date));
-    const DateColumn dates = readDates(dateCells, mapping);
+    const int thisYear = QDate::currentDate().year();
+    const DateColumn dates = readDates(dateCells, mapping, thisYear);
     if (layout)
         layout->dateForm = dates.formName;
     if (dates.strayIndex >= 0) {
@@ -813,8 +821,8 @@ EntryFileContents MappedCsvReader::read(QByteArrayView bytes, const CsvMapping &
         const QStringView open = datePart(dateCells.at(dates.openIndex));
         contents.openDate = open.toString();
         contents.openDateLine = records.at(dates.openIndex).line;
-        contents.openDateMonthFirst = dateIn(open, dates.form, false);
-        contents.openDateDayFirst = dateIn(open, dates.form, true);
+        contents.openDateMonthFirst = dateIn(open, dates.form, false, thisYear);
+        contents.openDateDayFirst = dateIn(open, dates.form, true, thisYear);
     }
 
     int commas = 0;
