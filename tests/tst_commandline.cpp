@@ -3,6 +3,7 @@
 
 // The program's command line, run as a user runs it: the real binary, in a
 // terminal without any display, on a home of its own.
+#include "csvprofiles.h"
 #include "databasemanager.h"
 
 #include "rawdatabase.h"
@@ -95,6 +96,7 @@ private slots:
     void aBankCsvWithoutAMappingIsRefusedNamingItsColumns();
     void anUnknownProfileIsRefused();
     void anEncodingOnlyQtKnowsReadsABankCsv();
+    void anEncodingGivenWithAProfileWinsOverItsOwn();
 
     void backupWritesACopyThatOpensWithTheSameRows();
     void backupKeepsAnExistingFileUnlessForced();
@@ -303,6 +305,9 @@ void TestCommandLine::usageErrorsExitWith2AndTouchNothing_data()
                                               << QStringLiteral("--decimal goes with --map, not --profile.");
     QTest::newRow("a mapping with export") << QStringList { "export", "out.csv", "--map", "date=1" }
                                            << QStringLiteral("--map goes with import only.");
+    QTest::newRow("a profile name with a tab")
+        << QStringList { "import", "bank.csv", "--map", "date=1,item=2,amount=3", "--save-profile", "a\tb" }
+        << QStringLiteral("--save-profile takes a NAME without tabs or line breaks.");
     QTest::newRow("profiles with a file") << QStringList { "profiles", "bank.csv" }
                                           << QStringLiteral("profiles takes nothing, or remove and the NAME of a profile.");
     QTest::newRow("an encoding Qt does not know for a mapping")
@@ -778,6 +783,27 @@ void TestCommandLine::anEncodingOnlyQtKnowsReadsABankCsv()
     QCOMPARE(run.exitCode, 0);
     RawDatabase raw(home->databasePath());
     QCOMPARE(raw.scalar(QStringLiteral("select ItemName from Entry")).toString(), QStringLiteral("Škoda čerpadlo"));
+}
+
+void TestCommandLine::anEncodingGivenWithAProfileWinsOverItsOwn()
+{
+    const QString file = home->filePath(QStringLiteral("pohyby.csv"));
+    QVERIFY(writeFile(file, "Datum;Protistrana;Castka\n27.05.2018;\xe8" "aj;-1,00\n"));
+    {
+        DatabaseManager store(nullptr);
+        QVERIFY(CsvProfiles(store).save(QStringLiteral("Banka"),
+                                        QStringLiteral("--map date=Datum,item=Protistrana,amount=Castka")));
+    }
+    const Run run = runLedgerly({ QStringLiteral("import"), file, QStringLiteral("--profile"), QStringLiteral("Banka"),
+                                  QStringLiteral("--encoding"), QStringLiteral("windows-1250") },
+                                home->path());
+    QCOMPARE(run.err, QString());
+    QCOMPARE(run.exitCode, 0);
+    RawDatabase raw(home->databasePath());
+    QCOMPARE(raw.scalar(QStringLiteral("select ItemName from Entry")).toString(), QStringLiteral("čaj"));
+    // The profile itself is as it was.
+    QCOMPARE(raw.scalar(QStringLiteral("select Mapping from CsvProfile")).toString(),
+             QStringLiteral("--map date=Datum,item=Protistrana,amount=Castka"));
 }
 
 void TestCommandLine::backupWritesACopyThatOpensWithTheSameRows()

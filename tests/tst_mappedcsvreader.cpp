@@ -794,6 +794,10 @@ void TestMappedCsvReader::realExportsReadWithTheirMapping_data()
     QTest::newRow("hledger, French, Windows-1252") << "simonmichael_hledger_sample.fr.cp1252.csv"
                                                    << "--map date=Date,item=Remarque,amount=Montant" << 2 << 30.00 << 1
                                                    << 0 << 0 << QDate(2012, 3, 23) << QDate(2012, 3, 24);
+    // Bytes that are not UTF-8 read as Windows-1252, as for QIF; no header.
+    QTest::newRow("not UTF-8, no header") << "hsoft_moneyguru_invalid_utf8_char.csv"
+                                          << "--map date=1,item=2,place=3,amount=6 --skip-lines 0 --date-order dmy"
+                                          << 0 << 0.0 << 1 << 0 << 0 << QDate() << QDate();
     QTest::newRow("YNAB 4, Jordanian dinar") << "simonmichael_hledger_ynab4-rtl.csv"
                                              << "--map date=Date,item=Payee,debit=Outflow,credit=Inflow --decimal point"
                                              << 2 << 97.96 << 0 << 0 << 0 << QDate(2022, 11, 7) << QDate(2022, 12, 11);

@@ -505,7 +505,9 @@ void CsvMappingDialog::headerToggled()
 void CsvMappingDialog::accept()
 {
     if (checkBoxSaveProfile->isChecked()) {
-        const QString name = lineEditProfileName->text().trimmed();
+        QString name = lineEditProfileName->text().trimmed();
+        // The list of profiles gives one a line, its name before a tab.
+        name.replace(QLatin1Char('\t'), QLatin1Char(' '));
         if (name.isEmpty()) {
             labelReads->setText(tr("Name the profile to save it."));
             lineEditProfileName->setFocus();

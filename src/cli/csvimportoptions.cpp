@@ -126,8 +126,10 @@ QString CsvImportOptions::read(const QCommandLineParser &parser, const QCommandL
         return error;
     if (parser.isSet(saveProfileOption)) {
         request->saveProfile = parser.value(saveProfileOption).trimmed();
-        if (request->saveProfile.isEmpty())
-            return tr("--save-profile takes a NAME.");
+        // The list of profiles gives one a line, its name before a tab.
+        if (request->saveProfile.isEmpty() || request->saveProfile.contains(QLatin1Char('\t')) ||
+            request->saveProfile.contains(QLatin1Char('\n')) || request->saveProfile.contains(QLatin1Char('\r')))
+            return tr("--save-profile takes a NAME without tabs or line breaks.");
     }
     request->mapping = mapping;
     return QString();
