@@ -551,6 +551,8 @@ void TestMappedCsvReader::eachEncodingIsDetectedOrTakenByName_data()
     QTest::newRow("UTF-8 with a mark") << QByteArray("\xEF\xBB\xBF") + text.toUtf8() << byName << "UTF-8" << payee;
     QStringEncoder utf16(QStringEncoder::Utf16LE);
     QTest::newRow("UTF-16LE without a mark") << QByteArray(utf16.encode(text)) << byName << "UTF-16LE" << payee;
+    QStringEncoder utf16be(QStringEncoder::Utf16BE, QStringEncoder::Flag::WriteBom);
+    QTest::newRow("UTF-16BE with a mark") << QByteArray(utf16be.encode(text)) << byName << "UTF-16BE" << payee;
     QStringEncoder cp1252("windows-1252");
     QTest::newRow("Windows-1252") << QByteArray(cp1252.encode(text)) << byName << "Windows-1252" << payee;
     // Windows-1250's š and č are Windows-1252's š and è: only the name tells.
