@@ -76,6 +76,7 @@ private slots:
     void aSavedProfileWhoseColumnsTheHeaderNamesIsChosenAtOnce();
     void aProfileWhoseColumnsTheFileLacksIsNotChosen();
     void aFileWithoutAHeaderIsMappedByColumnNumbers();
+    void anotherEncodingOrDateFormReadsTheRowsAgain();
 };
 
 void TestCsvMappingDialog::headerNamesOfFourLanguagesMeanTheirFields_data()
@@ -256,6 +257,31 @@ void TestCsvMappingDialog::aFileWithoutAHeaderIsMappedByColumnNumbers()
     // With a header, its first row would be the names.
     child<QCheckBox>(dialog, "checkBoxHeader")->setChecked(true);
     QCOMPARE(child<QComboBox>(dialog, "comboBoxDate")->itemText(1), QStringLiteral("18.09.2017 (column 1)"));
+}
+
+void TestCsvMappingDialog::anotherEncodingOrDateFormReadsTheRowsAgain()
+{
+    Fixture f;
+    // Windows-1250: 0x8A is "Š" there, and also in Windows-1252, which the
+    // bytes are taken for; 0xE8 is "č" there and "è" in Windows-1252.
+    const QByteArray czech = "Datum;Name;Betrag\n27-05-2018;\x8akoda \xe8" "erpadlo;-1,00\n";
+    CsvMappingDialog dialog(f.store, f.home.filePath(QStringLiteral("pohyby.csv")), czech);
+    dialog.show();
+    QCOMPARE(tableRows(dialog).constFirst().at(1), QStringLiteral("Škoda èerpadlo"));
+    // 27-05-2018 is in no form detected: no date reads.
+    QCOMPARE(text(dialog, "labelReads"),
+             QStringLiteral("The file cannot be read this way:\nline 2: the dates of most rows cannot be read; choose "
+                            "the date form with --date-format"));
+    QVERIFY(!child<QPushButton>(dialog, "pushButtonNext")->isEnabled());
+    auto *encoding = child<QComboBox>(dialog, "comboBoxEncoding");
+    pickByKeys(encoding, encoding->findText(QStringLiteral("windows-1250")));
+    QCOMPARE(tableRows(dialog).constFirst().at(1), QStringLiteral("Škoda čerpadlo"));
+    auto *dateForm = child<QComboBox>(dialog, "comboBoxDateForm");
+    pickByKeys(dateForm, dateForm->findText(QStringLiteral("dd-MM-yyyy")));
+    QCOMPARE(text(dialog, "labelReads"), QStringLiteral("Reads 1 expense."));
+    QVERIFY(child<QPushButton>(dialog, "pushButtonNext")->isEnabled());
+    QCOMPARE(dialog.mapping().text(), QStringLiteral("--map date=Datum,item=Name,amount=Betrag --encoding "
+                                                     "windows-1250 --date-format dd-MM-yyyy"));
 }
 
 QTEST_MAIN(TestCsvMappingDialog)
