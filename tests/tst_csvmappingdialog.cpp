@@ -264,7 +264,8 @@ void TestCsvMappingDialog::anotherEncodingOrDateFormReadsTheRowsAgain()
     Fixture f;
     // Windows-1250: 0x8A is "Š" there, and also in Windows-1252, which the
     // bytes are taken for; 0xE8 is "č" there and "è" in Windows-1252.
-    const QByteArray czech = "Datum;Name;Betrag\n27-05-2018;\x8akoda \xe8" "erpadlo;-1,00\n";
+    const QByteArray czech = "Datum;Name;Betrag\n27-05-2018;\x8akoda \xe8"
+                             "erpadlo;-1,00\n";
     CsvMappingDialog dialog(f.store, f.home.filePath(QStringLiteral("pohyby.csv")), czech);
     dialog.show();
     QCOMPARE(tableRows(dialog).constFirst().at(1), QStringLiteral("Škoda èerpadlo"));
@@ -280,8 +281,9 @@ void TestCsvMappingDialog::anotherEncodingOrDateFormReadsTheRowsAgain()
     pickByKeys(dateForm, dateForm->findText(QStringLiteral("dd-MM-yyyy")));
     QCOMPARE(text(dialog, "labelReads"), QStringLiteral("Reads 1 expense."));
     QVERIFY(child<QPushButton>(dialog, "pushButtonNext")->isEnabled());
-    QCOMPARE(dialog.mapping().text(), QStringLiteral("--map date=Datum,item=Name,amount=Betrag --encoding "
-                                                     "windows-1250 --date-format dd-MM-yyyy"));
+    QCOMPARE(dialog.mapping().text(),
+             QStringLiteral("--map date=Datum,item=Name,amount=Betrag --encoding "
+                            "windows-1250 --date-format dd-MM-yyyy"));
 }
 
 QTEST_MAIN(TestCsvMappingDialog)
