@@ -2,14 +2,16 @@
 // Copyright 2026 The Ledgerly developers
 
 // Times export (CSV and QIF), import of CSV lines, of QIF records with
-// splits and of OFX transactions (into an empty file, and again into one
-// that holds them all), and backups at 50,000 entries (ten years across all
+// splits, of OFX transactions and of a bank's CSV read through a column
+// mapping (into an empty file, and again into one that holds them all),
+// and backups at 50,000 entries (ten years across all
 // 37 categories), each against a floor made with the plain SQLite C API (and
 // a plain file copy for the backup), and reports the peak resident memory.
 // Medians of three runs.
 
 #include "backup.h"
 #include "csvformat.h"
+#include "csvmapping.h"
 #include "databasemanager.h"
 #include "entryexport.h"
 #include "entryimport.h"
@@ -232,10 +234,32 @@ QByteArray ofxStatement(int count)
                    "</BANKMSGSRSV1></OFX>\r\n";
 }
 
+// A German bank's CSV export of `count` rows over ten years: title lines,
+// ';', a decimal comma with thousands points, day-first dates with
+// two-digit years, a memo and a payee column, every tenth row income, and
+// a closing balance.
+QByteArray bankCsv(int count)
+{
+    QByteArray bytes = "Umsatzanzeige;Girokonto;;\r\nKontonummer;1234567890;;\r\n;;;\r\n"
+                       "Buchungstag;Verwendungszweck;Beguenstigter/Zahlungspflichtiger;Betrag;Waehrung\r\n";
+    const QDate first(2016, 1, 1);
+    for (int i = 0; i < count; ++i) {
+        const QDate day = first.addDays(i * 3650 / count);
+        const int cents = 100 + (i * 37) % 250000;
+        const QByteArray euros = QByteArray::number(cents / 100);
+        bytes += day.toString(QStringLiteral("dd.MM.yy")).toLatin1() + ";\"Kartenzahlung " +
+            QByteArray::number((i * 7919) % 300) + "\";\"Shop " + QByteArray::number(i % 50) + "\";" +
+            (i % 10 == 9 ? "" : "-") + (euros.size() > 3 ? euros.chopped(3) + '.' + euros.right(3) : euros) + ',' +
+            QByteArray::number(cents % 100).rightJustified(2, '0') + ";EUR\r\n";
+    }
+    return bytes + "Kontostand;;;1.234,56;EUR\r\n";
+}
+
 // Imports `file` as the command line does (read, recognise, write and
-// record) into a new home, and again into a home that holds it already.
+// record) into a new home, and again into a home that holds it already;
+// a bank's CSV through `mapping`.
 void recordedImportMs(QTemporaryDir &work, const QString &file, double *intoEmpty, double *again, int *added,
-                      int *skipped)
+                      int *skipped, const std::optional<CsvMapping> &mapping = std::nullopt)
 {
     int run = 0;
     std::unique_ptr<DatabaseManager> store;
@@ -247,7 +271,7 @@ void recordedImportMs(QTemporaryDir &work, const QString &file, double *intoEmpt
         store = std::make_unique<DatabaseManager>(nullptr);
     };
     const auto import = [&] {
-        EntryFileContents contents = EntryImport::read(file);
+        EntryFileContents contents = EntryImport::read(file, std::nullopt, std::nullopt, mapping);
         EntryImport::recognise(*store, contents);
         *skipped = contents.skippedDuplicates;
         return EntryImport::write(*store, contents.entries, {}, file).added;
@@ -346,6 +370,7 @@ int main(int argc, char *argv[])
     // file a second time, every record recognised.
     const QString qifFile = work.filePath(QStringLiteral("bank.qif"));
     const QString ofxFile = work.filePath(QStringLiteral("bank.ofx"));
+    const QString bankFile = work.filePath(QStringLiteral("umsatz.csv"));
     {
         QFile qif(qifFile);
         qif.open(QIODevice::WriteOnly);
@@ -353,22 +378,30 @@ int main(int argc, char *argv[])
         QFile ofx(ofxFile);
         ofx.open(QIODevice::WriteOnly);
         ofx.write(ofxStatement(entryCount));
+        QFile bank(bankFile);
+        bank.open(QIODevice::WriteOnly);
+        bank.write(bankCsv(entryCount));
     }
+    const std::optional<CsvMapping> bankMapping = CsvMapping::fromText(
+        QStringLiteral("--map date=Buchungstag,item=Verwendungszweck,place=Beguenstigter/Zahlungspflichtiger,"
+                       "amount=Betrag"));
     QStringList counts;
-    for (const QString &file : { qifFile, ofxFile }) {
+    for (const QString &file : { qifFile, ofxFile, bankFile }) {
         const bool isQif = file == qifFile;
-        Row first { isQif ? QStringLiteral("import QIF, %1 records with splits").arg(entryCount)
-                          : QStringLiteral("import OFX, %1 transactions").arg(entryCount) };
+        const std::optional<CsvMapping> mapping = file == bankFile ? bankMapping : std::nullopt;
+        Row first { isQif              ? QStringLiteral("import QIF, %1 records with splits").arg(entryCount)
+                        : file == ofxFile ? QStringLiteral("import OFX, %1 transactions").arg(entryCount)
+                                          : QStringLiteral("import bank CSV, %1 rows, mapped").arg(entryCount) };
         Row second { QStringLiteral("  the same again, all already imported") };
         int recordedAdded = 0;
         int duplicates = 0;
-        recordedImportMs(work, file, &first.storeMs, &second.storeMs, &recordedAdded, &duplicates);
+        recordedImportMs(work, file, &first.storeMs, &second.storeMs, &recordedAdded, &duplicates, mapping);
         counts << QStringLiteral("%1: %2 entries, then %3 already imported")
                       .arg(QFileInfo(file).fileName())
                       .arg(recordedAdded)
                       .arg(duplicates);
 #ifdef LEDGERLY_HAVE_SQLITE3
-        const EntryFileContents contents = EntryImport::read(file);
+        const EntryFileContents contents = EntryImport::read(file, std::nullopt, std::nullopt, mapping);
         first.plainMs = plainInsertMs(DatabaseManager::defaultFileName(), contents.entries);
         first.floor = QStringLiteral("C API insert of the same entry rows");
         second.plainMs = first.plainMs;
@@ -376,6 +409,9 @@ int main(int argc, char *argv[])
 #endif
         table << first << second;
     }
+    Row bankRead { QStringLiteral("  of which reading the bank CSV (mapped)") };
+    bankRead.storeMs = medianMs(3, [&] { EntryImport::read(bankFile, std::nullopt, std::nullopt, bankMapping); });
+    table << bankRead;
 
     out << "N = " << entryCount << " entries (imports added " << addedTenYears << " and " << added << ")" << Qt::endl;
     out << QStringLiteral("%1 %2 %3 %4  %5")

@@ -112,10 +112,15 @@ _ledgerly()
 # The saved profiles' names, one a line, when the program can list them.
 _ledgerly_profiles()
 {
-    local names
+    local names line
     names=$(LC_ALL=C "$1" profiles 2>/dev/null) || return
+    # A line is the name, a tab, and the mapping: the name alone completes.
+    local -a listed=()
+    while IFS= read -r line; do
+        [[ -n $line ]] && listed+=("${line%%$'\t'*}")
+    done <<<"$names"
     local IFS=$'\n'
-    COMPREPLY=($(compgen -W "$names" -- "$cur"))
+    COMPREPLY=($(compgen -W "${listed[*]}" -- "$cur"))
 }
 
 complete -F _ledgerly ledgerly

@@ -3,6 +3,7 @@
 
 // The program's command line, run as a user runs it: the real binary, in a
 // terminal without any display, on a home of its own.
+#include "csvprofiles.h"
 #include "databasemanager.h"
 
 #include "rawdatabase.h"
@@ -91,6 +92,11 @@ private slots:
     void importsAreListedNewestFirst();
     void undoingAnImportRemovesExactlyItsEntriesAndForgetsThem();
     void anUnknownImportCannotBeUndone();
+    void aBankCsvReadsThroughAMappingAndItsProfileIsSavedListedReusedAndRemoved();
+    void aBankCsvWithoutAMappingIsRefusedNamingItsColumns();
+    void anUnknownProfileIsRefused();
+    void anEncodingOnlyQtKnowsReadsABankCsv();
+    void anEncodingGivenWithAProfileWinsOverItsOwn();
 
     void backupWritesACopyThatOpensWithTheSameRows();
     void backupKeepsAnExistingFileUnlessForced();
@@ -213,11 +219,15 @@ void TestCommandLine::helpListsTheCommandsAndOptions()
            QStringLiteral("  import FILE   Adds the entries of a CSV, QIF or OFX (.ofx, .qfx, .qbo) file; a file with any"),
            QStringLiteral("                problem adds none."),
            QStringLiteral("  backup FILE   Writes a copy of the database into FILE."),
+           QStringLiteral("  import FILE --profile NAME"),
+           QStringLiteral("  profiles      Lists the saved profiles of bank CSVs: the name, a tab, the mapping as given."),
+           QStringLiteral("  profiles remove NAME"),
            QStringLiteral("Exit status: 0 when done, 1 when the data or a file is refused, 2 for a usage error.") })
         QVERIFY2(run.out.contains(QLatin1Char('\n') + line + QLatin1Char('\n')), qPrintable(line));
     for (const char *option :
          { "\n  -h, --help ", "\n  -v, --version ", "\n  --date-order <mdy|dmy|ymd> ", "\n  --encoding <NAME> ",
-           "\n  --force " })
+           "\n  --force ", "\n  --map <FIELD=COLUMN,...> ", "\n  --profile <NAME> ", "\n  --save-profile <NAME> ",
+           "\n  --skip-lines <N> ", "\n  --date-format <FORMAT> ", "\n  --decimal <comma|point> " })
         QVERIFY2(run.out.contains(QLatin1String(option)), option);
     QVERIFY(!QFile::exists(home->databasePath()));
 }
@@ -276,6 +286,33 @@ void TestCommandLine::usageErrorsExitWith2AndTouchNothing_data()
                                    << QStringLiteral("--min is above --max.");
     QTest::newRow("from after to") << QStringList { "find", "--from", "2026-03-02", "--to", "2026-03-01" }
                                    << QStringLiteral("--from is after --to.");
+    QTest::newRow("a mapping without a date")
+        << QStringList { "import", "bank.csv", "--map", "item=Payee,amount=Amount" }
+        << QStringLiteral("--map needs a date column: date=NAME or date=NUMBER.");
+    QTest::newRow("a mapping of an unknown field")
+        << QStringList { "import", "bank.csv", "--map", "date=1,payee=2" }
+        << QStringLiteral("--map knows the fields date, item, place, category, amount, debit, credit and direction, "
+                          "not \"payee\".");
+    QTest::newRow("a delimiter without a mapping") << QStringList { "import", "bank.csv", "--delimiter", ";" }
+                                                   << QStringLiteral("--delimiter goes with import --map only.");
+    QTest::newRow("a delimiter of another kind")
+        << QStringList { "import", "bank.csv", "--map", "date=1,item=2,amount=3", "--delimiter", ":" }
+        << QStringLiteral("--delimiter is ',', ';', tab or '|', not \":\".");
+    QTest::newRow("a mapping and a profile")
+        << QStringList { "import", "bank.csv", "--map", "date=1,item=2,amount=3", "--profile", "Giro" }
+        << QStringLiteral("--map and --profile exclude each other.");
+    QTest::newRow("a decimal with a profile") << QStringList { "import", "bank.csv", "--profile", "Giro", "--decimal", "comma" }
+                                              << QStringLiteral("--decimal goes with --map, not --profile.");
+    QTest::newRow("a mapping with export") << QStringList { "export", "out.csv", "--map", "date=1" }
+                                           << QStringLiteral("--map goes with import only.");
+    QTest::newRow("a profile name with a tab")
+        << QStringList { "import", "bank.csv", "--map", "date=1,item=2,amount=3", "--save-profile", "a\tb" }
+        << QStringLiteral("--save-profile takes a NAME without tabs or line breaks.");
+    QTest::newRow("profiles with a file") << QStringList { "profiles", "bank.csv" }
+                                          << QStringLiteral("profiles takes nothing, or remove and the NAME of a profile.");
+    QTest::newRow("an encoding Qt does not know for a mapping")
+        << QStringList { "import", "bank.csv", "--map", "date=1,item=2,amount=3", "--encoding", "EBCDIC" }
+        << QStringLiteral("--encoding names no encoding Qt knows: \"EBCDIC\".");
 }
 
 void TestCommandLine::usageErrorsExitWith2AndTouchNothing()
@@ -638,6 +675,135 @@ void TestCommandLine::anUnknownImportCannotBeUndone()
     const Run usage = runLedgerly({ QStringLiteral("imports"), QStringLiteral("undo"), QStringLiteral("x") },
                                   home->path());
     QCOMPARE(usage.exitCode, 2);
+}
+
+void TestCommandLine::aBankCsvReadsThroughAMappingAndItsProfileIsSavedListedReusedAndRemoved()
+{
+    // A German bank's export: a title line, ';', a decimal comma, day-first
+    // dotted dates, a closing balance.
+    const QByteArray march = "Umsätze Girokonto;;;\n"
+                             "Buchungstag;Verwendungszweck;Beguenstigter/Zahlungspflichtiger;Betrag\n"
+                             "02.03.26;Miete März;Hausverwaltung;-850,00\n"
+                             "03.03.26;Lohn;Arbeitgeber GmbH;2.500,00\n"
+                             "05.03.26;REWE SAGT DANKE 4711;REWE;-23,45\n"
+                             "Kontostand;;;1.626,55\n";
+    const QString file = home->filePath(QStringLiteral("umsatz-maerz.csv"));
+    QVERIFY(writeFile(file, march));
+    const QString map = QStringLiteral("date=Buchungstag,item=Verwendungszweck,place=Beguenstigter/Zahlungspflichtiger,"
+                                       "amount=Betrag");
+    const Run first = runLedgerly({ QStringLiteral("import"), file, QStringLiteral("--map"), map,
+                                    QStringLiteral("--delimiter"), QStringLiteral(";"), QStringLiteral("--decimal"),
+                                    QStringLiteral("comma"), QStringLiteral("--save-profile"), QStringLiteral("Giro") },
+                                  home->path());
+    QCOMPARE(first.err, QString());
+    QCOMPARE(first.exitCode, 0);
+    QCOMPARE(first.out, QStringLiteral("Imported 2 entries from %1; skipped 2 (income 1, not transactions 1)\n"
+                                       "Saved the mapping as the profile Giro\n")
+                            .arg(file));
+    {
+        RawDatabase raw(home->databasePath());
+        QCOMPARE(raw.rows(QStringLiteral("select ItemName, CategoryName, TransactDateTime, Price, LocationText from "
+                                         "Entry order by SNo")),
+                 QList<QVariantList>({ { QStringLiteral("Miete März"), QStringLiteral("Others"),
+                                         QStringLiteral("2026-03-02T00:00:00"), 850.0, QStringLiteral("Hausverwaltung") },
+                                       { QStringLiteral("REWE SAGT DANKE 4711"), QStringLiteral("Others"),
+                                         QStringLiteral("2026-03-05T00:00:00"), double(23.45f), QStringLiteral("REWE") } }));
+    }
+
+    const QString mappingText =
+        QStringLiteral("--map date=Buchungstag,item=Verwendungszweck,place=Beguenstigter/Zahlungspflichtiger,"
+                       "amount=Betrag --delimiter ';' --decimal comma");
+    const Run listed = runLedgerly({ QStringLiteral("profiles") }, home->path());
+    QCOMPARE(listed.err, QString());
+    QCOMPARE(listed.exitCode, 0);
+    QCOMPARE(listed.out, QStringLiteral("Giro\t") + mappingText + QLatin1Char('\n'));
+
+    // Next month, by the profile.
+    const QString april = home->filePath(QStringLiteral("umsatz-april.csv"));
+    QVERIFY(writeFile(april, "Buchungstag;Verwendungszweck;Beguenstigter/Zahlungspflichtiger;Betrag\n"
+                             "01.04.26;Miete April;Hausverwaltung;-850,00\n"));
+    const Run reused = runLedgerly({ QStringLiteral("import"), april, QStringLiteral("--profile"), QStringLiteral("Giro") },
+                                   home->path());
+    QCOMPARE(reused.err, QString());
+    QCOMPARE(reused.exitCode, 0);
+    QCOMPARE(reused.out, QStringLiteral("Imported 1 entry from %1; skipped 0\n").arg(april));
+    {
+        RawDatabase raw(home->databasePath());
+        QCOMPARE(raw.scalar(QStringLiteral("select group_concat(ItemName, '|') from Entry")).toString(),
+                 QStringLiteral("Miete März|REWE SAGT DANKE 4711|Miete April"));
+    }
+
+    const Run removed = runLedgerly({ QStringLiteral("profiles"), QStringLiteral("remove"), QStringLiteral("Giro") },
+                                    home->path());
+    QCOMPARE(removed.err, QString());
+    QCOMPARE(removed.exitCode, 0);
+    QCOMPARE(removed.out, QStringLiteral("Removed the profile Giro\n"));
+    QCOMPARE(runLedgerly({ QStringLiteral("profiles") }, home->path()).out, QString());
+    const Run again = runLedgerly({ QStringLiteral("profiles"), QStringLiteral("remove"), QStringLiteral("Giro") },
+                                  home->path());
+    QCOMPARE(again.exitCode, 1);
+    QCOMPARE(again.err, QStringLiteral("There is no profile Giro; \"profiles\" lists them.\n"));
+}
+
+void TestCommandLine::aBankCsvWithoutAMappingIsRefusedNamingItsColumns()
+{
+    const QString file = home->filePath(QStringLiteral("bank.csv"));
+    QVERIFY(writeFile(file, "Date,Payee,Amount\n2026-03-01,Shop,-1.00\n"));
+    const Run run = runLedgerly({ QStringLiteral("import"), file }, home->path());
+    QCOMPARE(run.exitCode, 1);
+    QCOMPARE(run.out, QString());
+    QCOMPARE(run.err, QStringLiteral("%1: the columns are not Ledgerly's; map them with --map (columns: Date, Payee, "
+                                     "Amount)\nNothing was imported from %1.\n")
+                          .arg(file));
+    RawDatabase raw(home->databasePath());
+    QCOMPARE(raw.scalar(QStringLiteral("select count(*) from Entry")).toInt(), 0);
+}
+
+void TestCommandLine::anUnknownProfileIsRefused()
+{
+    const QString file = home->filePath(QStringLiteral("bank.csv"));
+    QVERIFY(writeFile(file, "Date,Payee,Amount\n2026-03-01,Shop,-1.00\n"));
+    const Run run = runLedgerly({ QStringLiteral("import"), file, QStringLiteral("--profile"), QStringLiteral("Visa") },
+                                home->path());
+    QCOMPARE(run.exitCode, 1);
+    QCOMPARE(run.out, QString());
+    QCOMPARE(run.err, QStringLiteral("There is no profile Visa; \"profiles\" lists them.\n"));
+}
+
+void TestCommandLine::anEncodingOnlyQtKnowsReadsABankCsv()
+{
+    // "č" is 0xE8 in Windows-1250, which Windows-1252 would read as "è".
+    const QString file = home->filePath(QStringLiteral("pohyby.csv"));
+    QVERIFY(writeFile(file, "Datum;Protistrana;Castka\n27.05.2018;\x8akoda \xe8" "erpadlo;-1,00\n"));
+    const Run run = runLedgerly({ QStringLiteral("import"), file, QStringLiteral("--map"),
+                                  QStringLiteral("date=Datum,item=Protistrana,amount=Castka"), QStringLiteral("--encoding"),
+                                  QStringLiteral("windows-1250") },
+                                home->path());
+    QCOMPARE(run.err, QString());
+    QCOMPARE(run.exitCode, 0);
+    RawDatabase raw(home->databasePath());
+    QCOMPARE(raw.scalar(QStringLiteral("select ItemName from Entry")).toString(), QStringLiteral("Škoda čerpadlo"));
+}
+
+void TestCommandLine::anEncodingGivenWithAProfileWinsOverItsOwn()
+{
+    const QString file = home->filePath(QStringLiteral("pohyby.csv"));
+    QVERIFY(writeFile(file, "Datum;Protistrana;Castka\n27.05.2018;\xe8" "aj;-1,00\n"));
+    {
+        DatabaseManager store(nullptr);
+        QVERIFY(CsvProfiles(store).save(QStringLiteral("Banka"),
+                                        QStringLiteral("--map date=Datum,item=Protistrana,amount=Castka")));
+    }
+    const Run run = runLedgerly({ QStringLiteral("import"), file, QStringLiteral("--profile"), QStringLiteral("Banka"),
+                                  QStringLiteral("--encoding"), QStringLiteral("windows-1250") },
+                                home->path());
+    QCOMPARE(run.err, QString());
+    QCOMPARE(run.exitCode, 0);
+    RawDatabase raw(home->databasePath());
+    QCOMPARE(raw.scalar(QStringLiteral("select ItemName from Entry")).toString(), QStringLiteral("čaj"));
+    // The profile itself is as it was.
+    QCOMPARE(raw.scalar(QStringLiteral("select Mapping from CsvProfile")).toString(),
+             QStringLiteral("--map date=Datum,item=Protistrana,amount=Castka"));
 }
 
 void TestCommandLine::backupWritesACopyThatOpensWithTheSameRows()

@@ -102,6 +102,9 @@ private slots:
     void aFileThatCannotBeReadIsAProblemOfTheWholeFile_data();
     void aFileThatCannotBeReadIsAProblemOfTheWholeFile();
     void theSummaryCountsTheAddedAndTheSkipped();
+    void aCsvOfLedgerlysOwnIsReadAsAlwaysEvenWithAMapping();
+    void aBankCsvIsReadThroughItsMappingAndRefusedWithoutOne();
+    void theEncodingAndDateOrderAskedForWinOverTheMappings();
 
 private:
     std::unique_ptr<TempHome> home;
@@ -396,6 +399,59 @@ void TestEntryImport::theSummaryCountsTheAddedAndTheSkipped()
              QStringLiteral("Imported 1200 entries from /x/bank.qif; skipped 34 (income 30, transfers 4)"));
     QCOMPARE(EntryImport::summary(QStringLiteral("one.csv"), EntryFileContents(), 1),
              QStringLiteral("Imported 1 entry from one.csv; skipped 0"));
+}
+
+void TestEntryImport::aCsvOfLedgerlysOwnIsReadAsAlwaysEvenWithAMapping()
+{
+    const QString file = home->filePath(QStringLiteral("own.csv"));
+    QVERIFY(writeFile(file, "Date,Item,Category,Amount,Place,GeoLocation,Longitude,Latitude\r\n"
+                            "2026-03-01T09:30:00,Bread,Food,2.5,Bakery,false,0,0\r\n"));
+    const std::optional<CsvMapping> mapping = CsvMapping::fromText(QStringLiteral("--map date=1,item=2,amount=3"));
+    QVERIFY(mapping);
+    const EntryFileContents contents = EntryImport::read(file, std::nullopt, std::nullopt, mapping);
+    QCOMPARE(contents.problemLines(), QStringList());
+    QCOMPARE(contents.entries.size(), 1);
+    // Ledgerly's reader: the time and the category as written.
+    QCOMPARE(contents.entries.constFirst().entry.TransactDateTime, QDateTime(QDate(2026, 3, 1), QTime(9, 30)));
+    QCOMPARE(contents.entries.constFirst().entry.CategoryName, QStringLiteral("Food"));
+}
+
+void TestEntryImport::aBankCsvIsReadThroughItsMappingAndRefusedWithoutOne()
+{
+    const QString file = home->filePath(QStringLiteral("Bank.CSV"));
+    QVERIFY(writeFile(file, "Datum;Empfaenger;Betrag\n01.03.2026;Kiosk;-2,50\n"));
+    const EntryFileContents unmapped = EntryImport::read(file);
+    QCOMPARE(unmapped.problemLines(),
+             QStringList { QStringLiteral("%1: the columns are not Ledgerly's; map them with --map (columns: Datum, "
+                                          "Empfaenger, Betrag)")
+                               .arg(file) });
+    const EntryFileContents mapped = EntryImport::read(
+        file, std::nullopt, std::nullopt,
+        CsvMapping::fromText(QStringLiteral("--map date=Datum,item=Empfaenger,amount=Betrag")));
+    QCOMPARE(mapped.problemLines(), QStringList());
+    QCOMPARE(mapped.entries.size(), 1);
+    QCOMPARE(mapped.entries.constFirst().entry.Price, 2.5f);
+    QVERIFY(EntryImport::write(*store, mapped.entries).written);
+    QCOMPARE(storedFields(*store).constFirst(),
+             QStringLiteral("2026-03-01T00:00:00|Kiosk|Others|2.5|Kiosk|false|0|0"));
+}
+
+void TestEntryImport::theEncodingAndDateOrderAskedForWinOverTheMappings()
+{
+    const QString file = home->filePath(QStringLiteral("bank.csv"));
+    // "Café" in Windows-1252; a date either order reads.
+    QVERIFY(writeFile(file, "Date,Payee,Amount\n03/04/2026,Caf\xe9,-1\n"));
+    const std::optional<CsvMapping> mapping =
+        CsvMapping::fromText(QStringLiteral("--map date=Date,item=Payee,amount=Amount --encoding UTF-8"));
+    const EntryFileContents asked =
+        EntryImport::read(file, QifFormat::DateOrder::DayFirst, TextEncoding::Windows1252, mapping);
+    QCOMPARE(asked.problemLines(), QStringList());
+    QCOMPARE(asked.encoding, QStringLiteral("Windows-1252"));
+    QCOMPARE(asked.entries.constFirst().entry.ItemName, QStringLiteral("Café"));
+    QCOMPARE(asked.entries.constFirst().entry.TransactDateTime.date(), QDate(2026, 4, 3));
+    const EntryFileContents asMapped = EntryImport::read(file, std::nullopt, std::nullopt, mapping);
+    QCOMPARE(asMapped.encoding, QStringLiteral("UTF-8"));
+    QCOMPARE(asMapped.entries.constFirst().entry.TransactDateTime.date(), QDate(2026, 3, 4));
 }
 
 QTEST_GUILESS_MAIN(TestEntryImport)

@@ -41,26 +41,9 @@ QString text(const QDialog &dialog, const char *label)
 
 QList<QStringList> tableRows(const QDialog &dialog)
 {
-    auto *table = child<QTableWidget>(dialog, "tableWidgetEntries");
-    QList<QStringList> rows;
-    for (int row = 0; row < table->rowCount(); ++row) {
-        QStringList cells;
-        for (int column = 0; column < table->columnCount(); ++column)
-            cells.append(table->item(row, column)->text());
-        rows.append(cells);
-    }
-    return rows;
+    return tableTexts(child<QTableWidget>(dialog, "tableWidgetEntries"));
 }
 
-// Picks an entry of a combo box as the keyboard does.
-void pick(QComboBox *combo, int index)
-{
-    combo->setFocus();
-    while (combo->currentIndex() < index)
-        QTest::keyClick(combo, Qt::Key_Down);
-    while (combo->currentIndex() > index)
-        QTest::keyClick(combo, Qt::Key_Up);
-}
 
 const QByteArray bankFile = "!Account\r\nNChecking\r\nTBank\r\n^\r\n!Type:Bank\r\n"
                             "D11/20/2026\r\nT-1,200.00\r\nPLandlord\r\nMRent\r\nLHousing\r\n^\r\n"
@@ -162,7 +145,7 @@ void TestImportPreviewDialog::changingTheEncodingReadsTheFileAgain()
     QCOMPARE(encoding->currentText(), QStringLiteral("UTF-8"));
     QCOMPARE(tableRows(dialog).value(0).value(1), QString::fromUtf8("Caf\xc3\xa9"));
 
-    pick(encoding, encoding->findText(QStringLiteral("Windows-1252")));
+    pickByKeys(encoding, encoding->findText(QStringLiteral("Windows-1252")));
     QCOMPARE(encoding->currentText(), QStringLiteral("Windows-1252"));
     QCOMPARE(tableRows(dialog).value(0).value(1), QString::fromUtf8("Caf\xc3\x83\xc2\xa9"));
     QCOMPARE(dialog.contents().entries.value(0).entry.ItemName, QString::fromUtf8("Caf\xc3\x83\xc2\xa9"));
@@ -187,13 +170,13 @@ void TestImportPreviewDialog::changingTheDateOrderReadsTheFileAgain()
                             "written in."));
     QCOMPARE(tableRows(dialog).value(1).value(0), QStringLiteral("Wed Mar 4 2026"));
 
-    pick(order, 1);
+    pickByKeys(order, 1);
     QCOMPARE(order->currentText(), QStringLiteral("Day first (dmy)"));
     QCOMPARE(tableRows(dialog).value(0).value(0), QStringLiteral("Tue May 5 2026"));
     QCOMPARE(tableRows(dialog).value(1).value(0), QStringLiteral("Fri Apr 3 2026"));
     QCOMPARE(dialog.contents().entries.value(1).entry.TransactDateTime, QDate(2026, 4, 3).startOfDay());
 
-    pick(order, 0);
+    pickByKeys(order, 0);
     QCOMPARE(tableRows(dialog).value(1).value(0), QStringLiteral("Wed Mar 4 2026"));
 }
 
@@ -207,7 +190,7 @@ void TestImportPreviewDialog::aDateOrderTheFileCannotBeReadInSaysWhyAndOffersNoI
         f.readFile(QStringLiteral("late.qif"), "!Type:Cash\r\nD12/31/05\r\nT-2\r\nMTea\r\n^\r\n"));
     dialog.show();
     QCOMPARE(child<QComboBox>(dialog, "comboBoxDateOrder")->currentText(), QStringLiteral("Month first (mdy)"));
-    pick(child<QComboBox>(dialog, "comboBoxDateOrder"), 2);
+    pickByKeys(child<QComboBox>(dialog, "comboBoxDateOrder"), 2);
     QCOMPARE(child<QComboBox>(dialog, "comboBoxDateOrder")->currentText(), QStringLiteral("Year first (ymd)"));
     QVERIFY(child<QLabel>(dialog, "labelProblems")->isVisible());
     QVERIFY2(text(dialog, "labelProblems").startsWith(QStringLiteral("The file cannot be read this way:\nline 2: ")),
@@ -216,7 +199,7 @@ void TestImportPreviewDialog::aDateOrderTheFileCannotBeReadInSaysWhyAndOffersNoI
     QCOMPARE(tableRows(dialog).size(), 0);
     QVERIFY(!child<QPushButton>(dialog, "pushButtonImport")->isEnabled());
 
-    pick(child<QComboBox>(dialog, "comboBoxDateOrder"), 0);
+    pickByKeys(child<QComboBox>(dialog, "comboBoxDateOrder"), 0);
     QVERIFY(!child<QLabel>(dialog, "labelProblems")->isVisible());
     QVERIFY(child<QPushButton>(dialog, "pushButtonImport")->isEnabled());
     QCOMPARE(tableRows(dialog).value(0).value(0), QStringLiteral("Sat Dec 31 2005"));

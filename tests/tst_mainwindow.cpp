@@ -189,6 +189,7 @@ private slots:
     void exportRefusesANameOfAnotherFormat();
     void cancellingTheFileDialogDoesNothing();
     void importAddsAFilesEntriesAndSaysWhatItSkipped();
+    void importingABankCsvMapsItsColumnsBeforeThePreview();
     void thePreviewsDateOrderDecidesWhereTheFileLeavesItOpen_data();
     void thePreviewsDateOrderDecidesWhereTheFileLeavesItOpen();
     void cancelInTheImportPreviewWritesNothing();
@@ -1762,6 +1763,49 @@ void TestMainWindow::importAddsAFilesEntriesAndSaysWhatItSkipped()
         raw.rows(QStringLiteral("select ItemName, CategoryName, Price, TransactDateTime from Entry where SNo = 3")),
         QList<QVariantList>({ { QStringLiteral("Rent"), QStringLiteral("Housing:Rent"), 1200.0,
                                 QStringLiteral("2026-11-20T00:00:00") } }));
+}
+
+void TestMainWindow::importingABankCsvMapsItsColumnsBeforeThePreview()
+{
+    MainWindowFixture f;
+    QVERIFY(f.show());
+    const QString file = f.home.filePath(QStringLiteral("umsatz.csv"));
+    QVERIFY(writeFile(file, QStringLiteral("Buchungstag;Empfänger;Betrag\n01.03.2026;Bäcker;-2,50\n"
+                                           "02.03.2026;Arbeitgeber;100,00\n")
+                                .toUtf8()));
+    FileCommand command;
+    DialogAnswerer mappings { QStringLiteral("CsvMappingDialog") };
+    QString mapped;
+    mappings.answer([&mapped](QDialog &dialog) {
+        mapped = child<QLabel>(dialog, "labelReads")->text();
+        child<QCheckBox>(dialog, "checkBoxSaveProfile")->setChecked(true);
+        child<QLineEdit>(dialog, "lineEditProfileName")->setText(QStringLiteral("Giro"));
+        child<QPushButton>(dialog, "pushButtonNext")->click();
+    });
+    QString previewed;
+    command.import(
+        f.window(), file,
+        [&previewed](QDialog &preview) {
+            previewed = child<QLabel>(preview, "labelAdded")->text();
+            pressImport(preview);
+        },
+        { QMessageBox::Ok });
+    QCOMPARE(mappings.errors(), QStringList());
+    QCOMPARE(mappings.answered(), 1);
+    QCOMPARE(command.previews.errors(), QStringList());
+    QCOMPARE(mapped, QStringLiteral("Reads 1 expense; skips 1 (income 1)."));
+    QCOMPARE(previewed, QStringLiteral("Adds 1 entry."));
+    QCOMPARE(command.boxes.texts(),
+             QStringList { QStringLiteral("Imported 1 entry from %1; skipped 1 (income 1).\n\n"
+                                          "Importing the same file again adds only what it has not added yet.")
+                               .arg(file) });
+    RawDatabase raw(f.home.databasePath());
+    QCOMPARE(raw.rows(QStringLiteral("select ItemName, CategoryName, Price, TransactDateTime, LocationText from Entry")),
+             QList<QVariantList>({ { QStringLiteral("Bäcker"), QStringLiteral("Others"), 2.5,
+                                     QStringLiteral("2026-03-01T00:00:00"), QStringLiteral("Bäcker") } }));
+    QCOMPARE(raw.rows(QStringLiteral("select Name, Mapping from CsvProfile")),
+             QList<QVariantList>({ { QStringLiteral("Giro"),
+                                     QStringLiteral("--map date=Buchungstag,item=Empfänger,amount=Betrag") } }));
 }
 
 void TestMainWindow::thePreviewsDateOrderDecidesWhereTheFileLeavesItOpen_data()

@@ -25,8 +25,8 @@ const QList<QifFormat::DateOrder> orders = { QifFormat::DateOrder::MonthFirst, Q
 } // namespace
 
 ImportPreviewDialog::ImportPreviewDialog(DatabaseManager &store, const QString &fileName,
-                                         const EntryFileContents &contents)
-    : QDialog(nullptr), store(store), fileName(fileName), read(contents)
+                                         const EntryFileContents &contents, const std::optional<CsvMapping> &mapping)
+    : QDialog(nullptr), store(store), fileName(fileName), mapping(mapping), read(contents)
 {
     setObjectName(QStringLiteral("ImportPreviewDialog"));
     setWindowTitle(tr("Import Preview"));
@@ -145,7 +145,7 @@ void ImportPreviewDialog::readAgain()
 {
     const QString encodingShown = comboBoxEncoding->currentText();
     const int orderShown = comboBoxDateOrder->currentIndex();
-    read = EntryImport::read(fileName, chosenOrder, chosenEncoding);
+    read = EntryImport::read(fileName, chosenOrder, chosenEncoding, mapping);
     // What the user picked stays picked, also when the file now fails to read.
     if (read.encoding.isEmpty() && chosenEncoding)
         read.encoding = encodingShown;

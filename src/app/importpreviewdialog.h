@@ -3,6 +3,7 @@
 
 #pragma once
 
+#include "csvmapping.h"
 #include "entryfilecontents.h"
 #include "qifformat.h"
 #include "textencoding.h"
@@ -35,8 +36,9 @@ public:
     static constexpr int shownEntries = 100;
 
     // `contents` is the file as read and checked with what the file itself
-    // says; `store` outlives the dialog.
-    ImportPreviewDialog(DatabaseManager &store, const QString &fileName, const EntryFileContents &contents);
+    // says (through `mapping` for a bank's CSV); `store` outlives the dialog.
+    ImportPreviewDialog(DatabaseManager &store, const QString &fileName, const EntryFileContents &contents,
+                        const std::optional<CsvMapping> &mapping = std::nullopt);
 
     // The file as read with the choices of the moment, duplicates taken out
     // unless allowed: what "Import" writes.
@@ -51,6 +53,7 @@ private:
 
     DatabaseManager &store;
     QString fileName;
+    std::optional<CsvMapping> mapping;
     EntryFileContents read;
     EntryFileContents recognised;
     // Set once the user picks one; until then the file decides.

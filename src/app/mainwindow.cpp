@@ -10,6 +10,7 @@
 #include "backup.h"
 #include "csvformat.h"
 #include "databasemanager.h"
+#include "csvmappingdialog.h"
 #include "entryexport.h"
 #include "entryimport.h"
 #include "filechooser.h"
@@ -19,6 +20,7 @@
 #include "importpreviewdialog.h"
 #include "importsdialog.h"
 #include "look.h"
+#include "mappedcsvreader.h"
 #include "notice.h"
 #include "optionswidget.h"
 #include "pagegrowth.h"
@@ -332,13 +334,25 @@ void MainWindow::importEntries()
     // preview then tells what an import would do, and lets the encoding,
     // the date order (where the file leaves it open, too) and duplicates be
     // chosen. Only "Import" writes.
-    const EntryFileContents read = EntryImport::read(fileName);
+    // A bank's CSV is read through the columns the user maps first.
+    std::optional<CsvMapping> mapping;
+    if (CsvFormat::matches(fileName)) {
+        EntryFileContents unreadable;
+        const std::optional<QByteArray> bytes = EntryImport::readBytes(fileName, &unreadable);
+        if (bytes && !MappedCsvReader::isLedgerlyCsv(*bytes)) {
+            CsvMappingDialog mappingDialog(*dbManager, fileName, *bytes);
+            if (mappingDialog.exec() != QDialog::Accepted)
+                return;
+            mapping = mappingDialog.mapping();
+        }
+    }
+    const EntryFileContents read = EntryImport::read(fileName, std::nullopt, std::nullopt, mapping);
     if (!read.isAcceptable()) {
         Notice::warn(tr("Nothing was imported from %1: it cannot be read as it is.\n\n%2")
                          .arg(fileName, read.problemLines().join(QLatin1Char('\n'))));
         return;
     }
-    ImportPreviewDialog preview(*dbManager, fileName, read);
+    ImportPreviewDialog preview(*dbManager, fileName, read, mapping);
     if (preview.exec() != QDialog::Accepted)
         return;
     const EntryFileContents &contents = preview.contents();

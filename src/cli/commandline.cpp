@@ -6,6 +6,7 @@
 #include "backup.h"
 #include "budgets.h"
 #include "csvformat.h"
+#include "csvimportoptions.h"
 #include "databasemanager.h"
 #include "entryexport.h"
 #include "entryimport.h"
@@ -47,10 +48,22 @@ int exportEntries(DatabaseManager &store, const QString &fileName, QTextStream &
 }
 
 int importEntries(DatabaseManager &store, const QString &fileName, std::optional<QifFormat::DateOrder> order,
-                  std::optional<TextEncoding::Kind> encoding, bool allowDuplicates, QTextStream &out,
-                  QTextStream &err)
+                  std::optional<TextEncoding::Kind> encoding, const CsvImportOptions::Request &csv,
+                  bool allowDuplicates, QTextStream &out, QTextStream &err)
 {
-    EntryFileContents contents = EntryImport::read(fileName, order, encoding);
+    std::optional<CsvMapping> mapping;
+    if (csv.wanted()) {
+        QString failure;
+        mapping = CsvImportOptions::mappingOf(store, csv, &failure);
+        if (!mapping) {
+            err << failure << '\n';
+            return CommandLine::Refused;
+        }
+        // The mapping carries its own encoding and date order.
+        order.reset();
+        encoding.reset();
+    }
+    EntryFileContents contents = EntryImport::read(fileName, order, encoding, mapping);
     if (!contents.isAcceptable()) {
         for (const QString &line : contents.problemLines(fileName))
             err << line << '\n';
@@ -72,6 +85,14 @@ int importEntries(DatabaseManager &store, const QString &fileName, std::optional
     out << EntryImport::summary(fileName, contents, outcome.added) << '\n';
     for (const QString &crossed : Budgets::crossed(before, budgets.standings(today, monthStart)))
         out << tr("Budget: %1").arg(crossed) << '\n';
+    if (!csv.saveProfile.isEmpty()) {
+        QString failure;
+        if (!CsvImportOptions::saveProfile(store, csv, *mapping, &failure)) {
+            err << failure << '\n';
+            return CommandLine::Refused;
+        }
+        out << tr("Saved the mapping as the profile %1").arg(csv.saveProfile) << '\n';
+    }
     return CommandLine::Success;
 }
 
@@ -407,6 +428,11 @@ int CommandLine::run(const QStringList &arguments)
            "  export FILE   Writes every entry into FILE, as CSV or QIF by its name (.csv, .qif).\n"
            "  import FILE   Adds the entries of a CSV, QIF or OFX (.ofx, .qfx, .qbo) file; a file with any\n"
            "                problem adds none.\n"
+           "  import FILE --map date=COLUMN,item=COLUMN,amount=COLUMN [--save-profile NAME]\n"
+           "                Adds the expenses of a bank's CSV, its columns given by header name or number\n"
+           "                (see --map and the options that follow it); --save-profile keeps the mapping.\n"
+           "  import FILE --profile NAME\n"
+           "                Adds the expenses of a bank's CSV read as the saved profile NAME says.\n"
            "  backup FILE   Writes a copy of the database into FILE.\n"
            "  find [TEXT]   Lists the entries whose item, category or place holds TEXT (in any case, with or\n"
            "                without accents) and that the options below allow, newest first, then how many\n"
@@ -414,6 +440,9 @@ int CommandLine::run(const QStringList &arguments)
            "  imports       Lists the imports that added entries, newest first.\n"
            "  imports undo ID\n"
            "                Removes the entries that import ID added.\n"
+           "  profiles      Lists the saved profiles of bank CSVs: the name, a tab, the mapping as given.\n"
+           "  profiles remove NAME\n"
+           "                Removes the saved profile NAME.\n"
            "  budget [--date yyyy-MM-dd]\n"
            "                Lists each budget in its period holding the day (today without --date):\n"
            "                category, period, first and last day, budget, spent, left, used.\n"
@@ -426,7 +455,8 @@ int CommandLine::run(const QStringList &arguments)
            "\n"
            "Exit status: 0 when done, 1 when the data or a file is refused, 2 for a usage error.")
             .arg(DatabaseManager::defaultFileName()));
-    parser.addPositionalArgument(QStringLiteral("command"), tr("export, import, backup, find, imports or budget"),
+    parser.addPositionalArgument(QStringLiteral("command"),
+                                 tr("export, import, backup, find, imports, profiles or budget"),
                                  QStringLiteral("[command FILE]"));
     const QCommandLineOption help = parser.addHelpOption();
     const QCommandLineOption version = parser.addVersionOption();
@@ -438,8 +468,8 @@ int CommandLine::run(const QStringList &arguments)
         QStringLiteral("mdy|dmy|ymd"));
     const QCommandLineOption encoding(
         QStringLiteral("encoding"),
-        tr("import: read the file's text in NAME (UTF-8, UTF-16LE, UTF-16BE, Windows-1252, ISO-8859-1) instead "
-           "of the encoding it seems to be in."),
+        tr("import: read the file's text in NAME (UTF-8, UTF-16LE, UTF-16BE, Windows-1252, ISO-8859-1; for a "
+           "bank's CSV any encoding Qt knows, such as windows-1250) instead of the encoding it seems to be in."),
         QStringLiteral("NAME"));
     const QCommandLineOption allowDuplicates(
         QStringLiteral("allow-duplicates"),
@@ -448,6 +478,8 @@ int CommandLine::run(const QStringList &arguments)
     parser.addOption(dateOrder);
     parser.addOption(encoding);
     parser.addOption(allowDuplicates);
+    const CsvImportOptions csvOptions;
+    csvOptions.addTo(parser);
     const SearchOptions searchOptions;
     const QList<QCommandLineOption> findOptions = { searchOptions.category, searchOptions.place, searchOptions.from,
                                                     searchOptions.to,       searchOptions.minimum, searchOptions.maximum,
@@ -495,10 +527,16 @@ int CommandLine::run(const QStringList &arguments)
     if (positional.isEmpty())
         return usageError(tr("Nothing to do."));
     const QString command = positional.first();
-    const QStringList commands = { QStringLiteral("export"), QStringLiteral("import"), QStringLiteral("backup"),
-                                   QStringLiteral("imports"), QStringLiteral("find") };
+    const QStringList commands = { QStringLiteral("export"),  QStringLiteral("import"), QStringLiteral("backup"),
+                                   QStringLiteral("imports"), QStringLiteral("find"),   QStringLiteral("profiles") };
     if (!commands.contains(command))
         return usageError(tr("Unknown command \"%1\".").arg(command));
+    if (command != QLatin1String("import")) {
+        for (const QCommandLineOption &option : csvOptions.options()) {
+            if (parser.isSet(option))
+                return usageError(tr("--%1 goes with import only.").arg(option.names().constFirst()));
+        }
+    }
     if (command == QLatin1String("find")) {
         const QString import = QStringLiteral("import");
         return find(parser, positional, searchOptions,
@@ -510,6 +548,17 @@ int CommandLine::run(const QStringList &arguments)
     for (const QCommandLineOption &option : findOptions) {
         if (parser.isSet(option))
             return usageError(tr("--%1 goes with find only.").arg(option.names().constFirst()));
+    }
+    if (command == QLatin1String("profiles")) {
+        for (const QCommandLineOption &option : { dateOrder, encoding, allowDuplicates, force }) {
+            if (parser.isSet(option))
+                return usageError(tr("--%1 goes with %2 only.")
+                                      .arg(option.names().constFirst(),
+                                           option.names().constFirst() == QLatin1String("force")
+                                               ? QStringLiteral("backup")
+                                               : QStringLiteral("import")));
+        }
+        return CsvImportOptions::profiles(positional.mid(1), out, err, usageError);
     }
     const bool imports = command == QLatin1String("imports");
     int undoId = 0;
@@ -545,8 +594,14 @@ int CommandLine::run(const QStringList &arguments)
         if (!order)
             return usageError(tr("--date-order is mdy, dmy or ymd, not \"%1\".").arg(value));
     }
+    CsvImportOptions::Request csvRequest;
+    if (command == QLatin1String("import")) {
+        const QString problem = csvOptions.read(parser, encoding, dateOrder, &csvRequest);
+        if (!problem.isEmpty())
+            return usageError(problem);
+    }
     std::optional<TextEncoding::Kind> textEncoding;
-    if (parser.isSet(encoding)) {
+    if (parser.isSet(encoding) && !csvRequest.wanted()) {
         TextEncoding::Kind kind = TextEncoding::Utf8;
         if (!TextEncoding::fromName(parser.value(encoding), &kind))
             return usageError(tr("--encoding is one of %1, not \"%2\".")
@@ -573,7 +628,8 @@ int CommandLine::run(const QStringList &arguments)
     if (command == QLatin1String("export"))
         return exportEntries(store, fileName, out, err);
     if (command == QLatin1String("import"))
-        return importEntries(store, fileName, order, textEncoding, parser.isSet(allowDuplicates), out, err);
+        return importEntries(store, fileName, order, textEncoding, csvRequest, parser.isSet(allowDuplicates), out,
+                             err);
     if (imports)
         return undoId > 0 ? undoImport(store, undoId, out, err) : listImports(store, out);
     return backUp(store, fileName, parser.isSet(force), out, err);

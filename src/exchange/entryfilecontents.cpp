@@ -8,7 +8,8 @@
 
 int EntryFileContents::skipped() const
 {
-    return skippedIncome + skippedTransfers + skippedZeroAmounts + skippedDuplicates + skippedOtherSections;
+    return skippedIncome + skippedTransfers + skippedZeroAmounts + skippedDuplicates + skippedOtherSections +
+        skippedNotTransactions;
 }
 
 void EntryFileContents::addProblem(int line, const QString &text)
@@ -65,6 +66,9 @@ QStringList EntryFileContents::skippedReasons() const
             QCoreApplication::translate("EntryFileContents", "already imported %1").arg(skippedDuplicates));
     if (skippedOtherSections > 0)
         reasons.append(QCoreApplication::translate("EntryFileContents", "other sections %1").arg(skippedOtherSections));
+    if (skippedNotTransactions > 0)
+        reasons.append(
+            QCoreApplication::translate("EntryFileContents", "not transactions %1").arg(skippedNotTransactions));
     return reasons;
 }
 

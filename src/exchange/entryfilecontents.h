@@ -48,6 +48,9 @@ public:
     // Set by the import, not the reader: records an earlier import wrote.
     int skippedDuplicates = 0;
     int skippedOtherSections = 0;
+    // Rows of a bank's CSV that are no transactions: empty lines, and rows
+    // whose date is empty or does not read (balances, totals, pending).
+    int skippedNotTransactions = 0;
 
     // The text encoding the file was read in (TextEncoding's name), and
     // the order its dates were read in ("mdy", "dmy", "ymd"; empty where
@@ -78,7 +81,7 @@ public:
     static int lineAt(QByteArrayView bytes, qsizetype offset);
 
     // "skipped 34 (income 30, transfers 2, zero amounts 1, already
-    // imported 1)", naming only the reasons that skipped any, or
+    // imported 1, not transactions 3)", naming only the reasons that skipped any, or
     // "skipped 0".
     QString skippedSummary() const;
     // The reasons of that summary, "income 30", "transfers 2", ...

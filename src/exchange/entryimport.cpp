@@ -5,6 +5,7 @@
 
 #include "csvformat.h"
 #include "importlog.h"
+#include "mappedcsvreader.h"
 #include "storageform.h"
 #include "ofxformat.h"
 
@@ -31,8 +32,28 @@ const qint64 largestFile = qint64(256) * 1024 * 1024;
 
 } // namespace
 
+std::optional<QByteArray> EntryImport::readBytes(const QString &fileName, EntryFileContents *contents)
+{
+    QFile file(fileName);
+    if (!file.open(QIODevice::ReadOnly)) {
+        contents->addProblem(0, tr("%1 cannot be read: %2").arg(fileName, file.errorString()));
+        return std::nullopt;
+    }
+    if (file.size() > largestFile) {
+        contents->addProblem(0, tr("%1 is too large to be a file of entries").arg(fileName));
+        return std::nullopt;
+    }
+    QByteArray bytes = file.readAll();
+    if (file.error() != QFileDevice::NoError) {
+        contents->addProblem(0, tr("%1 cannot be read: %2").arg(fileName, file.errorString()));
+        return std::nullopt;
+    }
+    return bytes;
+}
+
 EntryFileContents EntryImport::read(const QString &fileName, std::optional<QifFormat::DateOrder> dateOrder,
-                                    std::optional<TextEncoding::Kind> encoding)
+                                    std::optional<TextEncoding::Kind> encoding,
+                                    const std::optional<CsvMapping> &mapping)
 {
     EntryFileContents contents;
     const bool csv = CsvFormat::matches(fileName);
@@ -41,25 +62,27 @@ EntryFileContents EntryImport::read(const QString &fileName, std::optional<QifFo
         contents.addProblem(0, tr("%1 is not a .csv, .qif, .ofx, .qfx or .qbo file").arg(fileName));
         return contents;
     }
-    QFile file(fileName);
-    if (!file.open(QIODevice::ReadOnly)) {
-        contents.addProblem(0, tr("%1 cannot be read: %2").arg(fileName, file.errorString()));
+    const std::optional<QByteArray> bytes = readBytes(fileName, &contents);
+    if (!bytes)
         return contents;
+    if (csv) {
+        if (MappedCsvReader::isLedgerlyCsv(*bytes))
+            return CsvFormat::read(*bytes);
+        if (!mapping) {
+            contents.addProblem(0, tr("%1: the columns are not Ledgerly's; map them with --map (columns: %2)")
+                                       .arg(fileName, MappedCsvReader::columnNames(*bytes).join(QLatin1String(", "))));
+            return contents;
+        }
+        CsvMapping chosen = *mapping;
+        if (encoding)
+            chosen.encoding = TextEncoding::name(*encoding);
+        if (dateOrder)
+            chosen.dateOrder = dateOrder;
+        return MappedCsvReader::read(*bytes, chosen);
     }
-    if (file.size() > largestFile) {
-        contents.addProblem(0, tr("%1 is too large to be a file of entries").arg(fileName));
-        return contents;
-    }
-    const QByteArray bytes = file.readAll();
-    if (file.error() != QFileDevice::NoError) {
-        contents.addProblem(0, tr("%1 cannot be read: %2").arg(fileName, file.errorString()));
-        return contents;
-    }
-    if (csv)
-        return CsvFormat::read(bytes);
     if (ofx)
-        return OfxFormat::read(bytes, encoding);
-    return QifFormat::read(bytes, dateOrder, encoding);
+        return OfxFormat::read(*bytes, encoding);
+    return QifFormat::read(*bytes, dateOrder, encoding);
 }
 
 namespace {

@@ -3,6 +3,7 @@
 
 #pragma once
 
+#include "csvmapping.h"
 #include "databasemanager.h"
 #include "entryfilecontents.h"
 #include "qifformat.h"
@@ -20,10 +21,17 @@ public:
     // Reads and checks the file; nothing is written. The format is the
     // file name's: .csv, .qif, or .ofx, .qfx and .qbo, in any case. QIF dates read in
     // `dateOrder` when it is given, whatever the file seems to say; the
-    // text in `encoding` when it is given (see QifFormat::read()).
+    // text in `encoding` when it is given (see QifFormat::read()). A CSV
+    // whose header is not Ledgerly's own is read through `mapping` (see
+    // MappedCsvReader), and refused without one; `encoding` and
+    // `dateOrder`, when given, then win over the mapping's.
     static EntryFileContents read(const QString &fileName,
                                   std::optional<QifFormat::DateOrder> dateOrder = std::nullopt,
-                                  std::optional<TextEncoding::Kind> encoding = std::nullopt);
+                                  std::optional<TextEncoding::Kind> encoding = std::nullopt,
+                                  const std::optional<CsvMapping> &mapping = std::nullopt);
+    // The bytes of a file that may be imported, or nothing with the problem
+    // in *contents (no such file, too large).
+    static std::optional<QByteArray> readBytes(const QString &fileName, EntryFileContents *contents);
 
     // Gives every entry its fingerprint: its source id (an OFX account and
     // FITID) or else its stored date-time, amount, item and place, with

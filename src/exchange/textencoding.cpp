@@ -126,3 +126,31 @@ QStringList TextEncoding::names()
     return { QStringLiteral("UTF-8"), QStringLiteral("UTF-16LE"), QStringLiteral("UTF-16BE"),
              QStringLiteral("Windows-1252"), QStringLiteral("ISO-8859-1") };
 }
+
+bool TextEncoding::isKnown(const QString &name)
+{
+    return !canonicalName(name).isEmpty();
+}
+
+QString TextEncoding::canonicalName(const QString &name)
+{
+    Kind kind = Utf8;
+    if (fromName(name, &kind))
+        return TextEncoding::name(kind);
+    const QByteArray key = name.trimmed().toLatin1();
+    if (key.isEmpty())
+        return QString();
+    QStringDecoder decoder(key.constData());
+    return decoder.isValid() ? QString::fromLatin1(decoder.name()) : QString();
+}
+
+QString TextEncoding::decode(QByteArrayView bytes, const QString &name)
+{
+    Kind kind = Utf8;
+    if (fromName(name, &kind))
+        return decode(bytes, kind);
+    QStringDecoder decoder(name.trimmed().toLatin1().constData(), QStringConverter::Flag::Default);
+    if (!decoder.isValid())
+        return QString();
+    return decoder.decode(bytes);
+}

@@ -32,4 +32,15 @@ public:
     static bool fromName(const QString &name, Kind *kind);
     // Every encoding's name, in the order of Kind.
     static QStringList names();
+
+    // Whether `name` is one of the names above or any other encoding that
+    // Qt's text codecs know (with ICU: windows-1250, windows-1257,
+    // ISO-8859-13, Shift_JIS, ...).
+    static bool isKnown(const QString &name);
+    // The name Qt gives that encoding ("cp1250" is "windows-1250"), or the
+    // name of Kind for the names above; empty for an unknown one.
+    static QString canonicalName(const QString &name);
+    // The text of `bytes` in the encoding `name` (see isKnown()), a
+    // byte-order mark left out.
+    static QString decode(QByteArrayView bytes, const QString &name);
 };

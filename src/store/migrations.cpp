@@ -98,6 +98,11 @@ const QList<Migration> &Migrations::all()
             QStringLiteral("CREATE TRIGGER EntrySpendingRemoved AFTER DELETE ON Entry BEGIN DELETE FROM EntrySpending "
                            "WHERE CategoryName = old.CategoryName AND TransactDateTime = old.TransactDateTime AND SNo = "
                            "old.SNo; END") } },
+        // The saved ways of reading banks' CSV files: a name and the mapping
+        // as the command line's options give it.
+        { 6,
+          QCoreApplication::translate("DatabaseManager", "the profiles of bank CSV files"),
+          { QStringLiteral("CREATE TABLE CsvProfile (Name text PRIMARY KEY NOT NULL, Mapping text NOT NULL)") } },
     };
     return steps;
 }

@@ -8,7 +8,9 @@
 #include <QApplication>
 #include <QCoreApplication>
 #include <QGuiApplication>
+#include <QComboBox>
 #include <QLabel>
+#include <QTableWidget>
 #include <QTextDocument>
 #include <QWidget>
 
@@ -89,4 +91,25 @@ QStringList WidgetTest::leftoverWidgets()
         delete widget;
     }
     return leftovers;
+}
+
+void pickByKeys(QComboBox *combo, int index)
+{
+    combo->setFocus();
+    while (combo->currentIndex() < index)
+        QTest::keyClick(combo, Qt::Key_Down);
+    while (combo->currentIndex() > index)
+        QTest::keyClick(combo, Qt::Key_Up);
+}
+
+QList<QStringList> tableTexts(const QTableWidget *table)
+{
+    QList<QStringList> rows;
+    for (int row = 0; row < table->rowCount(); ++row) {
+        QStringList cells;
+        for (int column = 0; column < table->columnCount(); ++column)
+            cells.append(table->item(row, column) ? table->item(row, column)->text() : QString());
+        rows.append(cells);
+    }
+    return rows;
 }

@@ -50,10 +50,17 @@ extern const char inputField[];
 extern const char borderedCombo[];
 } // namespace FormStyle
 
+class QComboBox;
 class QLabel;
+class QTableWidget;
 
 // The text a rich-text label shows, without its markup.
 QString plainText(const QLabel *label);
+// Picks an entry of a combo box as the keyboard does.
+void pickByKeys(QComboBox *combo, int index);
+// The texts of a table's cells, row by row (an empty text for a cell
+// without an item).
+QList<QStringList> tableTexts(const QTableWidget *table);
 
 #define VERIFY_NO_WIDGETS_LEFT()                                                                                       \
     do {                                                                                                               \
