@@ -158,8 +158,12 @@ void ImportPreviewDialog::readAgain()
 void ImportPreviewDialog::recogniseAgain()
 {
     recognised = read;
-    if (recognised.isAcceptable())
+    if (recognised.isAcceptable()) {
         EntryImport::recognise(store, recognised, checkBoxAllowDuplicates->isChecked());
+        // The preview shows the categories the rules give, as they will be
+        // stored.
+        EntryImport::categorise(store, recognised);
+    }
     showContents();
 }
 

@@ -48,6 +48,9 @@ public:
     // Set by the import, not the reader: records an earlier import wrote.
     int skippedDuplicates = 0;
     int skippedOtherSections = 0;
+    // Set by the import, not the reader: entries that a rule gave their
+    // category (see EntryImport::categorise()).
+    int categorisedByRules = 0;
 
     // The text encoding the file was read in (TextEncoding's name), and
     // the order its dates were read in ("mdy", "dmy", "ymd"; empty where
