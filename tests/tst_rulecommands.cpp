@@ -9,7 +9,6 @@
 #include "temphome.h"
 #include "testsupport.h"
 
-#include <QProcessEnvironment>
 #include <QTest>
 
 #include <memory>
@@ -20,12 +19,7 @@ using Run = ProgramRun;
 
 Run runLedgerly(const QStringList &arguments, const QString &home)
 {
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    for (const char *name : { "QT_QPA_PLATFORM", "DISPLAY", "WAYLAND_DISPLAY" })
-        environment.remove(QString::fromLatin1(name));
-    environment.insert(QStringLiteral("HOME"), home);
-    environment.insert(QStringLiteral("XDG_CONFIG_HOME"), home + QStringLiteral("/.config"));
-    return runProgram(QStringLiteral(LEDGERLY_PROGRAM), arguments, environment);
+    return runWithoutDisplay(QStringLiteral(LEDGERLY_PROGRAM), arguments, home);
 }
 
 const QString tryHelp = QStringLiteral("Try \"ledgerly --help\" for more information.\n");

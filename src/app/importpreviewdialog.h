@@ -60,6 +60,7 @@ private:
     QLabel *labelFile = nullptr;
     QLabel *labelAdded = nullptr;
     QLabel *labelSkipped = nullptr;
+    QLabel *labelCategorised = nullptr;
     QLabel *labelOpenDate = nullptr;
     QLabel *labelProblems = nullptr;
     QComboBox *comboBoxEncoding = nullptr;
