@@ -37,7 +37,7 @@ RuleArguments readRuleArguments(const QStringList &arguments)
     bool wordsOnly = false;
     for (int i = 0; i < arguments.size(); ++i) {
         const QString &argument = arguments.at(i);
-        if (wordsOnly || !argument.startsWith(QLatin1String("--")) || argument == QLatin1String("-")) {
+        if (wordsOnly || !argument.startsWith(QLatin1String("--"))) {
             read.words << argument;
             continue;
         }
@@ -61,8 +61,10 @@ RuleArguments readRuleArguments(const QStringList &arguments)
                 value = arguments.at(++i);
             }
             read.in = value;
-        } else if ((name == QLatin1String("regex") || name == QLatin1String("dry-run")) && equals < 0) {
-            (name == QLatin1String("regex") ? read.regex : read.dryRun) = true;
+        } else if (name == QLatin1String("regex") && equals < 0) {
+            read.regex = true;
+        } else if (name == QLatin1String("dry-run") && equals < 0) {
+            read.dryRun = true;
         } else {
             read.problem = tr("Unknown option '%1'.").arg(name);
             break;

@@ -539,36 +539,26 @@ void OptionsWidget::setUpRulesTab()
     connect(tableWidgetRules, &QTableWidget::itemSelectionChanged, this, &OptionsWidget::enableRuleButtons);
     connect(tableWidgetRules, &QTableWidget::cellDoubleClicked, this, &OptionsWidget::editRule);
 
-    struct Button
-    {
-        const char *name;
-        QString text;
-        QRect geometry;
-        void (OptionsWidget::*action)();
-        bool needsSelection;
-    };
-    const QList<Button> buttons = {
-        { "pushButtonAddRule", tr("Add"), QRect(70, 440, 221, 61), &OptionsWidget::addRule, false },
-        { "pushButtonEditRule", tr("Edit"), QRect(310, 440, 221, 61), &OptionsWidget::editRule, true },
-        { "pushButtonRemoveRule", tr("Remove"), QRect(550, 440, 221, 61), &OptionsWidget::removeRule, true },
-        { "pushButtonRuleUp", tr("Up"), QRect(70, 520, 141, 61), nullptr, true },
-        { "pushButtonRuleDown", tr("Down"), QRect(230, 520, 141, 61), nullptr, true },
-        { "pushButtonApplyRules", tr("Apply to Stored Entries…"), QRect(390, 520, 381, 61), &OptionsWidget::applyRules,
-          false },
-    };
-    for (const Button &each : buttons) {
-        auto *button = new QPushButton(each.text, tab);
-        button->setObjectName(QLatin1String(each.name));
-        button->setGeometry(each.geometry);
+    const auto addButton = [this, tab](const char *name, const QString &text, const QRect &geometry) {
+        auto *button = new QPushButton(text, tab);
+        button->setObjectName(QLatin1String(name));
+        button->setGeometry(geometry);
         button->setStyleSheet(ui->pushButtonSaveChanges->styleSheet());
         button->setFont(ui->pushButtonSaveChanges->font());
-        if (each.action)
-            connect(button, &QPushButton::clicked, this, each.action);
-        if (each.needsSelection)
-            ruleButtonsForSelection.append(button);
-    }
-    connect(ruleButtonsForSelection.at(2), &QPushButton::clicked, this, [this] { moveRule(-1); });
-    connect(ruleButtonsForSelection.at(3), &QPushButton::clicked, this, [this] { moveRule(1); });
+        return button;
+    };
+    connect(addButton("pushButtonAddRule", tr("Add"), QRect(70, 440, 221, 61)), &QPushButton::clicked, this,
+            &OptionsWidget::addRule);
+    pushButtonEditRule = addButton("pushButtonEditRule", tr("Edit"), QRect(310, 440, 221, 61));
+    connect(pushButtonEditRule, &QPushButton::clicked, this, &OptionsWidget::editRule);
+    pushButtonRemoveRule = addButton("pushButtonRemoveRule", tr("Remove"), QRect(550, 440, 221, 61));
+    connect(pushButtonRemoveRule, &QPushButton::clicked, this, &OptionsWidget::removeRule);
+    pushButtonRuleUp = addButton("pushButtonRuleUp", tr("Up"), QRect(70, 520, 141, 61));
+    connect(pushButtonRuleUp, &QPushButton::clicked, this, [this] { moveRule(-1); });
+    pushButtonRuleDown = addButton("pushButtonRuleDown", tr("Down"), QRect(230, 520, 141, 61));
+    connect(pushButtonRuleDown, &QPushButton::clicked, this, [this] { moveRule(1); });
+    connect(addButton("pushButtonApplyRules", tr("Apply to Stored Entries…"), QRect(390, 520, 381, 61)),
+            &QPushButton::clicked, this, &OptionsWidget::applyRules);
     enableRuleButtons();
 
     ui->tabWidgetOptionsContainer->addTab(tab, tr("Rules"));
@@ -611,12 +601,10 @@ void OptionsWidget::selectRule(int position)
 void OptionsWidget::enableRuleButtons()
 {
     const int selected = selectedRule();
-    for (QPushButton *button : std::as_const(ruleButtonsForSelection))
-        button->setEnabled(selected > 0);
-    if (selected == 1)
-        ruleButtonsForSelection.at(2)->setEnabled(false);
-    if (selected == tableWidgetRules->rowCount())
-        ruleButtonsForSelection.at(3)->setEnabled(false);
+    pushButtonEditRule->setEnabled(selected > 0);
+    pushButtonRemoveRule->setEnabled(selected > 0);
+    pushButtonRuleUp->setEnabled(selected > 1);
+    pushButtonRuleDown->setEnabled(selected > 0 && selected < tableWidgetRules->rowCount());
 }
 
 QStringList OptionsWidget::categoryNames()

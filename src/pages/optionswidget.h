@@ -86,5 +86,9 @@ private:
     // The categories that had a budget when the tab was last filled.
     QStringList budgetedCategories;
     QTableWidget *tableWidgetRules;
-    QList<QPushButton *> ruleButtonsForSelection;
+    // The buttons that work on the selected rule.
+    QPushButton *pushButtonEditRule;
+    QPushButton *pushButtonRemoveRule;
+    QPushButton *pushButtonRuleUp;
+    QPushButton *pushButtonRuleDown;
 };
