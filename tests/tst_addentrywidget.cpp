@@ -129,10 +129,16 @@ struct PageFixture
 // last at 12, groceries), written before the page opens.
 struct CatalogueFixture
 {
-    // More rows, in the form "('Name', 'Category', 1, 2.5, 1)", come after.
-    explicit CatalogueFixture(const QStringList &moreRows = {}) : store(nullptr)
+    // More rows, in the form "('Name', 'Category', 1, 2.5, 1)", come after;
+    // the rules, "(1, 'text', 'both', 'contains', 'Category')", are written
+    // before the page opens as well.
+    explicit CatalogueFixture(const QStringList &moreRows = {}, const QStringList &rules = {}) : store(nullptr)
     {
         RawDatabase raw(home.databasePath());
+        for (const QString &rule : rules) {
+            if (!raw.exec(QStringLiteral("INSERT INTO CategoryRule VALUES %1").arg(rule)))
+                qFatal("cannot write the rules: %s", qPrintable(raw.lastError()));
+        }
         const QStringList rows = QStringList { "('Coffee', 'Drinks', 2, 2.5, 5)", "('Cake', 'Food', 1, 3, 1)",
                                                "('coffee beans', 'Groceries', 13, 12, 2)" } +
             moreRows;
@@ -193,6 +199,19 @@ struct CatalogueFixture
     // A key as the user presses it while the list is open: the window
     // system hands it to the open list, not to the field.
     void keyToList(Qt::Key key) { QTest::keyClick(list()->windowHandle(), key); }
+
+    // Chooses a category with the keyboard, as a user does; true once the
+    // box shows it.
+    bool chooseCategoryWithKeys(const QString &name)
+    {
+        category()->setFocus();
+        if (!QTest::qWaitFor([this] { return category()->hasFocus(); }))
+            return false;
+        const int index = category()->findText(name);
+        for (int step = 0; step < index; ++step)
+            QTest::keyClick(category(), Qt::Key_Down);
+        return index > 0 && category()->currentText() == name;
+    }
 
     TempHome home;
     DatabaseManager store;
@@ -295,6 +314,10 @@ private slots:
     void theSavedEntryIsExactlyWhatThePageShowed();
     void returnWithTheListOpenPicksTheNameAndDoesNotPressAdd();
     void aPageOnAnEmptyCatalogueHasACompleterWithoutRows();
+    void aNameTheCatalogueDoesNotKnowTakesTheCategoryOfTheFirstMatchingRule();
+    void aCatalogueNameKeepsItsOwnCategoryWhateverTheRulesSay();
+    void aCategoryTheUserChoseIsKeptOverARule();
+    void aRuleForPlacesAloneDoesNotMatchTheName();
 
     // The reply parser
     void parserReadsWhatTheReplySays_data();
@@ -1328,13 +1351,7 @@ void TestAddEntryWidget::pickingANameKeepsACategoryTheUserChose()
     CatalogueFixture f;
     QVERIFY(f.show());
     // The user picks Gifts with the keyboard.
-    f.category()->setFocus();
-    QTRY_VERIFY(f.category()->hasFocus());
-    const int gifts = f.category()->findText(QStringLiteral("Gifts"));
-    QVERIFY(gifts > 0);
-    for (int step = 0; step < gifts; ++step)
-        QTest::keyClick(f.category(), Qt::Key_Down);
-    QCOMPARE(f.category()->currentText(), QStringLiteral("Gifts"));
+    QVERIFY(f.chooseCategoryWithKeys(QStringLiteral("Gifts")));
 
     f.name()->setFocus();
     QTRY_VERIFY(f.name()->hasFocus());
@@ -1365,6 +1382,96 @@ void TestAddEntryWidget::aCatalogueNameTypedInFullCountsAsPickedWhenTheUserMoves
     f.keyToList(Qt::Key_Tab);
     QTRY_VERIFY(f.amount()->hasFocus());
     QVERIFY(f.amount()->text().isEmpty());
+    QCOMPARE(f.category()->currentText(), QStringLiteral("Food"));
+}
+
+namespace {
+
+// Types a name the catalogue does not hold (no list opens for it) and moves
+// on to the amount with Tab.
+bool typeNameAndMoveOn(CatalogueFixture &f, const QString &name)
+{
+    QTest::keyClicks(f.name(), name);
+    // The list that the first letters opened closes once no name holds
+    // the text.
+    if (!QTest::qWaitFor([&f] { return !f.list()->isVisible(); }))
+        return false;
+    QTest::keyClick(f.name(), Qt::Key_Tab);
+    return QTest::qWaitFor([&f] { return f.amount()->hasFocus(); });
+}
+
+const QStringList groceryRules = { QStringLiteral("(1, 'rewe', 'both', 'contains', 'Groceries')"),
+                                   QStringLiteral("(2, 'sagt', 'item', 'contains', 'Gifts')"),
+                                   QStringLiteral("(3, 'kaufhof', 'place', 'contains', 'Clothing')") };
+
+} // namespace
+
+void TestAddEntryWidget::aNameTheCatalogueDoesNotKnowTakesTheCategoryOfTheFirstMatchingRule()
+{
+    {
+        CatalogueFixture f({}, groceryRules);
+        QVERIFY(f.show());
+        QCOMPARE(f.category()->currentText(), QStringLiteral("Food"));
+        QVERIFY(typeNameAndMoveOn(f, QStringLiteral("REWE sagt danke")));
+        QCOMPARE(f.category()->currentText(), QStringLiteral("Groceries"));
+        // Only the category: the amount is the user's to type.
+        QCOMPARE(f.amount()->text(), QString());
+    }
+    CatalogueFixture f({}, groceryRules);
+    QVERIFY(f.show());
+    QVERIFY(typeNameAndMoveOn(f, QStringLiteral("Danke, sagt Tim")));
+    QCOMPARE(f.category()->currentText(), QStringLiteral("Gifts"));
+    // A name that no rule matches leaves the category as it is.
+    f.name()->setFocus();
+    QTRY_VERIFY(f.name()->hasFocus());
+    f.name()->clear();
+    QVERIFY(typeNameAndMoveOn(f, QStringLiteral("Tram ticket")));
+    QCOMPARE(f.category()->currentText(), QStringLiteral("Gifts"));
+}
+
+void TestAddEntryWidget::aCatalogueNameKeepsItsOwnCategoryWhateverTheRulesSay()
+{
+    {
+        CatalogueFixture f({}, { QStringLiteral("(1, 'coffee', 'both', 'contains', 'Gifts')") });
+        QVERIFY(f.show());
+        // Picked from the list.
+        QVERIFY(f.pickWithKeys(QStringLiteral("coffee b"), 1));
+        QCOMPARE(f.category()->currentText(), QStringLiteral("Groceries"));
+        // Typed out in full.
+        f.name()->clear();
+        f.amount()->clear();
+        f.name()->setFocus();
+        QTRY_VERIFY(f.name()->hasFocus());
+        QVERIFY(f.openList(QStringLiteral("Coffee")));
+        f.keyToList(Qt::Key_Tab);
+        QTRY_VERIFY(f.amount()->hasFocus());
+        QCOMPARE(f.category()->currentText(), QStringLiteral("Drinks"));
+    }
+
+    // A name the catalogue lacks is the rule's.
+    CatalogueFixture other({}, { QStringLiteral("(1, 'coffee', 'both', 'contains', 'Gifts')") });
+    QVERIFY(other.show());
+    QVERIFY(typeNameAndMoveOn(other, QStringLiteral("Coffee to go")));
+    QCOMPARE(other.category()->currentText(), QStringLiteral("Gifts"));
+}
+
+void TestAddEntryWidget::aCategoryTheUserChoseIsKeptOverARule()
+{
+    CatalogueFixture f({}, groceryRules);
+    QVERIFY(f.show());
+    QVERIFY(f.chooseCategoryWithKeys(QStringLiteral("Household")));
+
+    f.name()->setFocus();
+    QTRY_VERIFY(f.name()->hasFocus());
+    QVERIFY(typeNameAndMoveOn(f, QStringLiteral("REWE")));
+    QCOMPARE(f.category()->currentText(), QStringLiteral("Household"));
+}
+
+void TestAddEntryWidget::aRuleForPlacesAloneDoesNotMatchTheName()
+{
+    CatalogueFixture f({}, { QStringLiteral("(1, 'kaufhof', 'place', 'contains', 'Clothing')") });
+    QVERIFY(f.show());
+    QVERIFY(typeNameAndMoveOn(f, QStringLiteral("Kaufhof")));
     QCOMPARE(f.category()->currentText(), QStringLiteral("Food"));
 }
 

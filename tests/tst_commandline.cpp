@@ -25,15 +25,7 @@ using Run = ProgramRun;
 // display): every answer here proves that none was started.
 Run runLedgerly(const QStringList &arguments, const QString &home = QString())
 {
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    for (const char *name : { "QT_QPA_PLATFORM", "DISPLAY", "WAYLAND_DISPLAY" })
-        environment.remove(QString::fromLatin1(name));
-    if (!home.isEmpty()) {
-        environment.insert(QStringLiteral("HOME"), home);
-        // The settings (the budgets' month start) belong to the home too.
-        environment.insert(QStringLiteral("XDG_CONFIG_HOME"), home + QStringLiteral("/.config"));
-    }
-    return runProgram(QStringLiteral(LEDGERLY_PROGRAM), arguments, environment);
+    return runWithoutDisplay(QStringLiteral(LEDGERLY_PROGRAM), arguments, home);
 }
 
 const QString tryHelp = QStringLiteral("Try \"ledgerly --help\" for more information.\n");

@@ -6,6 +6,7 @@
 #include "databasemanager.h"
 #include "entryexport.h"
 #include "entryimport.h"
+#include "rules.h"
 
 #include "rawdatabase.h"
 #include "temphome.h"
@@ -105,6 +106,10 @@ private slots:
     void aCsvOfLedgerlysOwnIsReadAsAlwaysEvenWithAMapping();
     void aBankCsvIsReadThroughItsMappingAndRefusedWithoutOne();
     void theEncodingAndDateOrderAskedForWinOverTheMappings();
+    void rulesCategoriseTheEntriesOfEveryFormatThatComeWithoutACategory_data();
+    void rulesCategoriseTheEntriesOfEveryFormatThatComeWithoutACategory();
+    void withoutRulesTheFilesCategoriesStay();
+    void theSummaryTellsHowManyEntriesTheRulesCategorised();
 
 private:
     std::unique_ptr<TempHome> home;
@@ -452,6 +457,85 @@ void TestEntryImport::theEncodingAndDateOrderAskedForWinOverTheMappings()
     const EntryFileContents asMapped = EntryImport::read(file, std::nullopt, std::nullopt, mapping);
     QCOMPARE(asMapped.encoding, QStringLiteral("UTF-8"));
     QCOMPARE(asMapped.entries.constFirst().entry.TransactDateTime.date(), QDate(2026, 3, 4));
+}
+
+void TestEntryImport::rulesCategoriseTheEntriesOfEveryFormatThatComeWithoutACategory_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QByteArray>("bytes");
+    QTest::addColumn<QStringList>("stored");
+    QTest::addColumn<int>("categorised");
+    QTest::newRow("CSV") << "bank.csv"
+                         << header + "2024-01-05,REWE SAGT DANKE,Others,23.5,,false,0,0\r\n"
+                                     "2024-01-06,REWE Kaufhof,Clothes,9,,false,0,0\r\n"
+                                     "2024-01-07,Aldi,Others,4,,false,0,0\r\n"
+                         << QStringList { "REWE SAGT DANKE|Groceries", "REWE Kaufhof|Clothes", "Aldi|Others" } << 1;
+    QTest::newRow("QIF") << "bank.qif"
+                         << QByteArray("!Type:Bank\r\nD01/05/2024\r\nT-23.50\r\nPREWE SAGT DANKE\r\n^\r\n"
+                                       "D01/06/2024\r\nT-9.00\r\nPREWE Kaufhof\r\nLClothes\r\n^\r\n"
+                                       "D01/07/2024\r\nT-4.00\r\nPAldi\r\n^\r\n")
+                         << QStringList { "REWE SAGT DANKE|Groceries", "REWE Kaufhof|Clothes", "Aldi|Others" } << 1;
+    QTest::newRow("OFX") << "bank.ofx"
+                         << QByteArray("OFXHEADER:100\r\nDATA:OFXSGML\r\nVERSION:102\r\n\r\n<OFX><BANKMSGSRSV1>"
+                                       "<STMTTRNRS><STMTRS><BANKACCTFROM><ACCTID>1</BANKACCTFROM><BANKTRANLIST>\r\n"
+                                       "<STMTTRN><TRNTYPE>POS<DTPOSTED>20240105<TRNAMT>-23.50<FITID>A1"
+                                       "<NAME>REWE SAGT DANKE</STMTTRN>\r\n"
+                                       "<STMTTRN><TRNTYPE>POS<DTPOSTED>20240107<TRNAMT>-4.00<FITID>A2"
+                                       "<NAME>Aldi</STMTTRN>\r\n"
+                                       "</BANKTRANLIST></STMTRS></STMTTRNRS></BANKMSGSRSV1></OFX>\r\n")
+                         << QStringList { "REWE SAGT DANKE|Groceries", "Aldi|Others" } << 1;
+}
+
+void TestEntryImport::rulesCategoriseTheEntriesOfEveryFormatThatComeWithoutACategory()
+{
+    QFETCH(QString, name);
+    QFETCH(QByteArray, bytes);
+    QFETCH(QStringList, stored);
+    QFETCH(int, categorised);
+    Rules rules(*store);
+    QVERIFY(rules.add({ QStringLiteral("rewe"), Rule::Field::Both, Rule::How::Contains, QStringLiteral("Groceries") }));
+    const QString file = home->filePath(name);
+    QVERIFY(writeFile(file, bytes));
+
+    EntryFileContents contents = EntryImport::read(file);
+    QCOMPARE(contents.problemLines(), QStringList());
+    EntryImport::recognise(*store, contents);
+    EntryImport::categorise(*store, contents);
+    QCOMPARE(contents.categorisedByRules, categorised);
+    QVERIFY(EntryImport::write(*store, contents.entries, {}, file).written);
+
+    RawDatabase raw(home->databasePath());
+    QStringList found;
+    for (const QVariantList &row :
+         raw.rows(QStringLiteral("SELECT ItemName, CategoryName FROM Entry ORDER BY TransactDateTime")))
+        found << row.at(0).toString() + QLatin1Char('|') + row.at(1).toString();
+    QCOMPARE(found, stored);
+}
+
+void TestEntryImport::withoutRulesTheFilesCategoriesStay()
+{
+    const QString file = home->filePath(QStringLiteral("plain.csv"));
+    QVERIFY(writeFile(file, header + "2024-01-05,REWE,Others,23.5,,false,0,0\r\n"));
+    EntryFileContents contents = EntryImport::read(file);
+    EntryImport::categorise(*store, contents);
+    QCOMPARE(contents.categorisedByRules, 0);
+    QCOMPARE(contents.entries.constFirst().entry.CategoryName, QStringLiteral("Others"));
+    QCOMPARE(EntryImport::summary(file, contents, 1), QStringLiteral("Imported 1 entry from %1; skipped 0").arg(file));
+}
+
+void TestEntryImport::theSummaryTellsHowManyEntriesTheRulesCategorised()
+{
+    EntryFileContents contents;
+    contents.skippedIncome = 30;
+    contents.skippedTransfers = 4;
+    contents.categorisedByRules = 812;
+    QCOMPARE(EntryImport::summary(QStringLiteral("/x/bank.qif"), contents, 1200),
+             QStringLiteral("Imported 1200 entries from /x/bank.qif; skipped 34 (income 30, transfers 4); "
+                            "categorised by rules 812"));
+    contents = EntryFileContents();
+    contents.categorisedByRules = 1;
+    QCOMPARE(EntryImport::summary(QStringLiteral("one.csv"), contents, 1),
+             QStringLiteral("Imported 1 entry from one.csv; skipped 0; categorised by rules 1"));
 }
 
 QTEST_GUILESS_MAIN(TestEntryImport)

@@ -4,6 +4,7 @@
 #include "databasemanager.h"
 #include "entryimport.h"
 #include "importpreviewdialog.h"
+#include "rules.h"
 
 #include "rawdatabase.h"
 #include "temphome.h"
@@ -72,6 +73,7 @@ private slots:
     void aDateOrderTheFileCannotBeReadInSaysWhyAndOffersNoImport();
     void alreadyImportedRecordsAreSkippedUnlessDuplicatesAreAllowed();
     void aCsvFileOffersNoEncodingOrDateOrder();
+    void theEntriesShowTheCategoriesTheRulesGive();
 };
 
 void TestImportPreviewDialog::showsWhatItAddsWhatItSkipsAndWhy()
@@ -91,6 +93,8 @@ void TestImportPreviewDialog::showsWhatItAddsWhatItSkipsAndWhy()
              QStringLiteral("Skips 4: income 1, transfers 1, zero amounts 1, other sections 1."));
     QVERIFY(!child<QLabel>(dialog, "labelOpenDate")->isVisible());
     QVERIFY(!child<QLabel>(dialog, "labelProblems")->isVisible());
+    // Without rules nothing is said of them.
+    QVERIFY(!child<QLabel>(dialog, "labelCategorised")->isVisible());
     auto *encoding = child<QComboBox>(dialog, "comboBoxEncoding");
     QVERIFY(encoding->isEnabled());
     QCOMPARE(encoding->currentText(), QStringLiteral("UTF-8"));
@@ -241,6 +245,31 @@ void TestImportPreviewDialog::aCsvFileOffersNoEncodingOrDateOrder()
     QVERIFY(!child<QComboBox>(dialog, "comboBoxEncoding")->isEnabled());
     QVERIFY(!child<QComboBox>(dialog, "comboBoxDateOrder")->isEnabled());
     QCOMPARE(tableRows(dialog), QList<QStringList>({ { "Mon Nov 16 2026", "Tea", "Drinks", "1.5", "Kiosk" } }));
+}
+
+void TestImportPreviewDialog::theEntriesShowTheCategoriesTheRulesGive()
+{
+    Fixture f;
+    Rules rules(f.store);
+    // Kiosk's entry comes with a category of its own, which stays.
+    QVERIFY(
+        rules.add({ QStringLiteral("kiosk|landlord"), Rule::Field::Both, Rule::How::Regex, QStringLiteral("Rent") }));
+    const QByteArray bytes = "!Type:Bank\r\nD11/20/2026\r\nT-1,200.00\r\nPLandlord\r\n^\r\n"
+                             "D11/24/2026\r\nT-2.5\r\nPKiosk\r\nMCoffee\r\nLDrinks\r\n^\r\n"
+                             "D11/25/2026\r\nT-3\r\nPBakery\r\n^\r\n";
+    ImportPreviewDialog dialog(f.store, f.home.filePath(QStringLiteral("bank.qif")),
+                               f.readFile(QStringLiteral("bank.qif"), bytes));
+    dialog.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&dialog));
+    QStringList categories;
+    for (const QStringList &row : tableRows(dialog))
+        categories << row.at(1) + QLatin1Char('|') + row.at(2);
+    QCOMPARE(categories, QStringList({ "Landlord|Rent", "Coffee|Drinks", "Bakery|Others" }));
+    QCOMPARE(text(dialog, "labelCategorised"), QStringLiteral("The rules give 1 of them its category."));
+    QVERIFY(child<QLabel>(dialog, "labelCategorised")->isVisible());
+    // What Import writes is what the table shows.
+    QCOMPARE(dialog.contents().entries.constFirst().entry.CategoryName, QStringLiteral("Rent"));
+    QCOMPARE(dialog.contents().categorisedByRules, 1);
 }
 
 QTEST_MAIN(TestImportPreviewDialog)

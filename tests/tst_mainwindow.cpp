@@ -10,6 +10,7 @@
 #include "historywidget.h"
 #include "look.h"
 #include "mainwindow.h"
+#include "rules.h"
 #include "optionswidget.h"
 
 #include "contrast.h"
@@ -195,6 +196,7 @@ private slots:
     void cancelInTheImportPreviewWritesNothing();
     void importWritesExactlyTheEntriesThePreviewShows();
     void anImportsReportTellsEachBudgetItTakesPastAThreshold();
+    void anImportGivesTheRulesCategoriesAndSaysHowMany();
     void theImportsDialogListsTheImportsNewestFirst();
     void removingAnImportAfterConfirmingRemovesExactlyItsEntries();
     void removingAnImportCancelledRemovesNothing();
@@ -1964,6 +1966,30 @@ void TestMainWindow::anImportsReportTellsEachBudgetItTakesPastAThreshold()
                                .arg(file) });
 }
 
+void TestMainWindow::anImportGivesTheRulesCategoriesAndSaysHowMany()
+{
+    MainWindowFixture f;
+    QVERIFY(f.show());
+    {
+        DatabaseManager store(nullptr);
+        QVERIFY(Rules(store).add({ QStringLiteral("rewe"), Rule::Field::Both, Rule::How::Contains,
+                                   QStringLiteral("Groceries") }) > 0);
+    }
+    const QString file = f.home.filePath(QStringLiteral("bank.qif"));
+    QVERIFY(writeFile(file, "!Type:Bank\r\nD2026-11-17\r\nT-20\r\nPREWE SAGT DANKE 4711\r\n^\r\n"
+                            "D2026-11-18\r\nT-5\r\nPKiosk\r\n^\r\n"));
+    FileCommand command;
+    command.run(f.window(), "actionImport", file);
+    QCOMPARE(command.previews.errors(), QStringList());
+    QCOMPARE(command.boxes.texts(),
+             QStringList { QStringLiteral("Imported 2 entries from %1; skipped 0; categorised by rules 1.\n\n"
+                                          "Importing the same file again adds only what it has not added yet.")
+                               .arg(file) });
+    RawDatabase raw(f.home.databasePath());
+    QCOMPARE(raw.rows(QStringLiteral("SELECT CategoryName FROM Entry ORDER BY TransactDateTime")),
+             QList<QVariantList>({ { QStringLiteral("Groceries") }, { QStringLiteral("Others") } }));
+}
+
 namespace {
 
 // Two imports, a day's coffee and a week's shopping, beside the two entries
@@ -2622,8 +2648,8 @@ void TestMainWindow::noTextOfAnyPageIsCutOffAtTheDefaultSize()
             seen.insert(text);
         }
     });
-    // Home, About, new entry, six history tabs, details, four options tabs.
-    QCOMPARE(pages, 14);
+    // Home, About, new entry, six history tabs, details, five options tabs.
+    QCOMPARE(pages, 15);
     QVERIFY2(answerer.errors().isEmpty(), qPrintable(answerer.errors().join(QLatin1Char('\n'))));
     if (!qEnvironmentVariableIsEmpty("LEDGERLY_GRAB"))
         window.grab().save(qEnvironmentVariable("LEDGERLY_GRAB"));

@@ -7,6 +7,7 @@
 #include "settings.h"
 #include "storageform.h"
 
+#include "dialoganswerer.h"
 #include "mainwindowfixture.h"
 #include "messageboxanswerer.h"
 #include "rawdatabase.h"
@@ -14,7 +15,9 @@
 #include "testsupport.h"
 #include "widgettest.h"
 
+#include <QCheckBox>
 #include <QComboBox>
+#include <QDialogButtonBox>
 #include <QDateTimeEdit>
 #include <QHeaderView>
 #include <QLabel>
@@ -40,7 +43,7 @@ namespace {
 
 const QString unsavedText = QStringLiteral("Your changes to the entries could not be saved.");
 
-enum Tab { CategoryTab = 0, ModeTab = 1, EntriesTab = 2, BudgetsTab = 3 };
+enum Tab { CategoryTab = 0, ModeTab = 1, EntriesTab = 2, BudgetsTab = 3, RulesTab = 4 };
 enum Column { ItemNameColumn = 1, DateColumn = 4, PriceColumn = 5, LocationColumn = 6 };
 
 QStringList items(const QComboBox *box)
@@ -165,6 +168,14 @@ private slots:
     void cancelDropsTheBudgetEditsAndShowsWhatIsStored();
     void aBudgetSaveThatFailsKeepsTheEdits();
     void aBudgetAmountThatIsNoAmountIsRefusedAndNothingSaved();
+    void rulesTabListsTheRulesInTheOrderTheyAreTried();
+    void addTakesANewRuleFromItsDialog();
+    void aRuleTheDialogCannotUseKeepsTheDialogOpenWithTheReason();
+    void editShowsTheSelectedRuleAndReplacesIt();
+    void removeAsksFirstAndRemovesOnlyOnYes();
+    void upAndDownMoveTheSelectedRuleAndTheSelectionFollows();
+    void applyShowsTheDryRunCountBeforeItRecategorises();
+    void applyWithNothingToDoSaysSoAndAsksNothing();
     void initTestCase() { WidgetTest::initTestCase(); }
     void cleanup();
 
@@ -318,13 +329,14 @@ void TestOptionsWidget::tabsCaptionsAndButtonsCarryTheirTexts()
 {
     Fixture f;
     OptionsWidget page(&f.store);
-    // The three described tabs, then the budgets'.
-    QCOMPARE(tabs(page)->count(), 4);
+    // The three described tabs, then the budgets' and the rules'.
+    QCOMPARE(tabs(page)->count(), 5);
     const QStringList tabNames = { QStringLiteral("tabAddCategory"), QStringLiteral("tabSwitchModes"),
-                                   QStringLiteral("tabEditEntries"), QStringLiteral("tabBudgets") };
+                                   QStringLiteral("tabEditEntries"), QStringLiteral("tabBudgets"),
+                                   QStringLiteral("tabRules") };
     const QStringList titles = { QStringLiteral("Category"), QStringLiteral("Switch Modes"),
-                                 QStringLiteral("Edit Entries"), QStringLiteral("Budgets") };
-    for (int i = 0; i < 4; ++i) {
+                                 QStringLiteral("Edit Entries"), QStringLiteral("Budgets"), QStringLiteral("Rules") };
+    for (int i = 0; i < 5; ++i) {
         QCOMPARE(tabs(page)->widget(i)->objectName(), tabNames.at(i));
         QCOMPARE(tabs(page)->tabText(i), titles.at(i));
     }
@@ -1536,7 +1548,7 @@ void TestOptionsWidget::budgetsTabListsEveryCategoryWithItsBudgetAndTheMonthStar
     QVERIFY(f.raw.exec(QStringLiteral("INSERT INTO Budget VALUES ('Food', 400, 'month'), ('Drinks', 12.5, 'week')")));
     OptionsWidget page(&f.store);
     QTabWidget *tabBox = tabs(page);
-    QCOMPARE(tabBox->count(), 4);
+    QCOMPARE(tabBox->count(), 5);
     QCOMPARE(tabBox->tabText(BudgetsTab), QStringLiteral("Budgets"));
     QCOMPARE(budgetTable(page)->rowCount(), 0);
 
@@ -1651,6 +1663,266 @@ void TestOptionsWidget::aBudgetAmountThatIsNoAmountIsRefusedAndNothingSaved()
                                                             "most 9999999.99, not -4. Nothing was saved.") }));
     QCOMPARE(storedBudgets(f.raw), QList<QVariantList>());
     QCOMPARE(budgetTable(page)->item(budgetRow(page, QStringLiteral("Drinks")), 1)->text(), QStringLiteral("-4"));
+}
+
+namespace {
+
+QTableWidget *rulesTable(const OptionsWidget &page)
+{
+    return child<QTableWidget>(page, "tableWidgetRules");
+}
+
+// The rules tab's rows, one text a row: "N|text|in|how|category".
+QStringList shownRules(const OptionsWidget &page)
+{
+    QTableWidget *table = rulesTable(page);
+    QStringList rows;
+    for (int row = 0; row < table->rowCount(); ++row) {
+        QStringList cells = { table->verticalHeaderItem(row)
+                                  ? table->verticalHeaderItem(row)->text()
+                                  : table->model()->headerData(row, Qt::Vertical).toString() };
+        for (int column = 0; column < table->columnCount(); ++column)
+            cells << table->item(row, column)->text();
+        rows << cells.join(QLatin1Char('|'));
+    }
+    return rows;
+}
+
+QList<QVariantList> storedRules(RawDatabase &raw)
+{
+    return raw.rows(
+        QStringLiteral("SELECT Position, Text, SearchIn, How, CategoryName FROM CategoryRule ORDER BY Position"));
+}
+
+void addRules(RawDatabase &raw)
+{
+    QVERIFY(raw.exec(QStringLiteral("INSERT INTO CategoryRule VALUES (1, 'REWE', 'both', 'contains', 'Groceries'), "
+                                    "(2, 'shell', 'place', 'contains', 'Automobile - Fuel'), "
+                                    "(3, '^db\\b', 'item', 'regex', 'Insurance - Travel')")));
+}
+
+void fillRuleDialog(QDialog &dialog, const QString &text, const QString &in, bool regex, const QString &category)
+{
+    child<QLineEdit>(dialog, "lineEditRuleText")->setText(text);
+    auto *where = child<QComboBox>(dialog, "comboBoxRuleIn");
+    where->setCurrentIndex(where->findText(in));
+    child<QCheckBox>(dialog, "checkBoxRuleRegex")->setChecked(regex);
+    child<QComboBox>(dialog, "comboBoxRuleCategory")->setCurrentText(category);
+}
+
+void pressOk(QDialog &dialog)
+{
+    child<QDialogButtonBox>(dialog, "buttonBox")->button(QDialogButtonBox::Ok)->click();
+}
+
+} // namespace
+
+void TestOptionsWidget::rulesTabListsTheRulesInTheOrderTheyAreTried()
+{
+    Fixture f;
+    addRules(f.raw);
+    OptionsWidget page(&f.store);
+    QCOMPARE(tabs(page)->count(), 5);
+    QCOMPARE(tabs(page)->tabText(RulesTab), QStringLiteral("Rules"));
+    QCOMPARE(tabs(page)->widget(RulesTab)->objectName(), QStringLiteral("tabRules"));
+    tabs(page)->setCurrentIndex(RulesTab);
+
+    QTableWidget *table = rulesTable(page);
+    QStringList headers;
+    for (int column = 0; column < table->columnCount(); ++column)
+        headers << table->horizontalHeaderItem(column)->text();
+    QCOMPARE(headers, QStringList({ "Look for", "In", "How", "Category" }));
+    QCOMPARE(shownRules(page),
+             QStringList({ "1|REWE|Item or place|Contains|Groceries", "2|shell|Place|Contains|Automobile - Fuel",
+                           "3|^db\\b|Item|Regular expression|Insurance - Travel" }));
+    QStringList buttons;
+    for (const char *name : { "pushButtonAddRule", "pushButtonEditRule", "pushButtonRemoveRule", "pushButtonRuleUp",
+                              "pushButtonRuleDown", "pushButtonApplyRules" })
+        buttons << child<QPushButton>(page, name)->text();
+    QCOMPARE(buttons, QStringList({ "Add", "Edit", "Remove", "Up", "Down", "Apply to Stored Entries…" }));
+    // Without a selected rule, only Add and Apply have something to work on.
+    QVERIFY(child<QPushButton>(page, "pushButtonAddRule")->isEnabled());
+    QVERIFY(child<QPushButton>(page, "pushButtonApplyRules")->isEnabled());
+    for (const char *name : { "pushButtonEditRule", "pushButtonRemoveRule", "pushButtonRuleUp", "pushButtonRuleDown" })
+        QVERIFY2(!child<QPushButton>(page, name)->isEnabled(), name);
+}
+
+void TestOptionsWidget::addTakesANewRuleFromItsDialog()
+{
+    Fixture f;
+    addRules(f.raw);
+    OptionsWidget page(&f.store);
+    tabs(page)->setCurrentIndex(RulesTab);
+    DialogAnswerer dialogs(QStringLiteral("RuleDialog"));
+    dialogs.answer([](QDialog &dialog) {
+        fillRuleDialog(dialog, QStringLiteral("café"), QStringLiteral("Item"), false, QStringLiteral("Coffee"));
+        pressOk(dialog);
+    });
+    child<QPushButton>(page, "pushButtonAddRule")->click();
+    QCOMPARE(dialogs.errors(), QStringList());
+    QCOMPARE(dialogs.answered(), 1);
+
+    QCOMPARE(storedRules(f.raw).constLast(), QVariantList({ 4, "café", "item", "contains", "Coffee" }));
+    QCOMPARE(categoryCount(f.raw, QStringLiteral("Coffee")), 1);
+    QCOMPARE(shownRules(page).constLast(), QStringLiteral("4|café|Item|Contains|Coffee"));
+    // The new rule is the selected one.
+    QCOMPARE(rulesTable(page)->selectedRanges().constFirst().topRow(), 3);
+}
+
+void TestOptionsWidget::aRuleTheDialogCannotUseKeepsTheDialogOpenWithTheReason()
+{
+    Fixture f;
+    OptionsWidget page(&f.store);
+    tabs(page)->setCurrentIndex(RulesTab);
+    const QStringList before = f.raw.dumpTables();
+    QString shown;
+    bool stayedOpen = false;
+    DialogAnswerer dialogs(QStringLiteral("RuleDialog"));
+    dialogs.answer([&](QDialog &dialog) {
+        fillRuleDialog(dialog, QStringLiteral("(rewe"), QStringLiteral("Item or place"), true,
+                       QStringLiteral("Groceries"));
+        pressOk(dialog);
+        stayedOpen = dialog.isVisible();
+        shown = child<QLabel>(dialog, "labelRuleProblem")->text();
+        dialog.reject();
+    });
+    child<QPushButton>(page, "pushButtonAddRule")->click();
+    QCOMPARE(dialogs.errors(), QStringList());
+    QVERIFY(stayedOpen);
+    QCOMPARE(shown,
+             QStringLiteral("This rule cannot be used: the regular expression \"(rewe\" is not valid: missing "
+                            "closing parenthesis at offset 5."));
+    QCOMPARE(f.raw.dumpTables(), before);
+    QCOMPARE(rulesTable(page)->rowCount(), 0);
+}
+
+void TestOptionsWidget::editShowsTheSelectedRuleAndReplacesIt()
+{
+    Fixture f;
+    addRules(f.raw);
+    OptionsWidget page(&f.store);
+    tabs(page)->setCurrentIndex(RulesTab);
+    rulesTable(page)->selectRow(1);
+    QStringList offered;
+    DialogAnswerer dialogs(QStringLiteral("RuleDialog"));
+    dialogs.answer([&offered](QDialog &dialog) {
+        offered << child<QLineEdit>(dialog, "lineEditRuleText")->text()
+                << child<QComboBox>(dialog, "comboBoxRuleIn")->currentText()
+                << (child<QCheckBox>(dialog, "checkBoxRuleRegex")->isChecked() ? "regex" : "contains")
+                << child<QComboBox>(dialog, "comboBoxRuleCategory")->currentText();
+        fillRuleDialog(dialog, QStringLiteral("^(shell|aral)"), QStringLiteral("Item or place"), true,
+                       QStringLiteral("Automobile - Other"));
+        pressOk(dialog);
+    });
+    child<QPushButton>(page, "pushButtonEditRule")->click();
+    QCOMPARE(dialogs.errors(), QStringList());
+    QCOMPARE(offered, QStringList({ "shell", "Place", "contains", "Automobile - Fuel" }));
+    QCOMPARE(storedRules(f.raw).at(1), QVariantList({ 2, "^(shell|aral)", "both", "regex", "Automobile - Other" }));
+    QCOMPARE(storedRules(f.raw).size(), 3);
+    QCOMPARE(shownRules(page).at(1),
+             QStringLiteral("2|^(shell|aral)|Item or place|Regular expression|"
+                            "Automobile - Other"));
+}
+
+void TestOptionsWidget::removeAsksFirstAndRemovesOnlyOnYes()
+{
+    Fixture f;
+    addRules(f.raw);
+    OptionsWidget page(&f.store);
+    tabs(page)->setCurrentIndex(RulesTab);
+    rulesTable(page)->selectRow(0);
+    MessageBoxAnswerer answerer;
+    answerer.answer({ QMessageBox::Cancel, QMessageBox::Yes });
+    child<QPushButton>(page, "pushButtonRemoveRule")->click();
+    QCOMPARE(answerer.texts(),
+             QStringList({ QStringLiteral("Remove rule 1 (\"REWE\")? The entries it categorised keep "
+                                          "their category.") }));
+    QCOMPARE(storedRules(f.raw).size(), 3);
+
+    child<QPushButton>(page, "pushButtonRemoveRule")->click();
+    QCOMPARE(answerer.seen().size(), 2);
+    QCOMPARE(storedRules(f.raw),
+             QList<QVariantList>({ { 1, "shell", "place", "contains", "Automobile - Fuel" },
+                                   { 2, "^db\\b", "item", "regex", "Insurance - Travel" } }));
+    QCOMPARE(shownRules(page).size(), 2);
+    QCOMPARE(answerer.errors(), QStringList());
+}
+
+void TestOptionsWidget::upAndDownMoveTheSelectedRuleAndTheSelectionFollows()
+{
+    Fixture f;
+    addRules(f.raw);
+    OptionsWidget page(&f.store);
+    tabs(page)->setCurrentIndex(RulesTab);
+    auto *up = child<QPushButton>(page, "pushButtonRuleUp");
+    auto *down = child<QPushButton>(page, "pushButtonRuleDown");
+    const auto texts = [&f] {
+        QStringList order;
+        for (const QVariantList &row : storedRules(f.raw))
+            order << row.at(1).toString();
+        return order;
+    };
+
+    rulesTable(page)->selectRow(2);
+    QVERIFY(up->isEnabled());
+    QVERIFY(!down->isEnabled());
+    up->click();
+    QCOMPARE(texts(), QStringList({ "REWE", "^db\\b", "shell" }));
+    QCOMPARE(rulesTable(page)->selectedRanges().constFirst().topRow(), 1);
+    up->click();
+    QCOMPARE(texts(), QStringList({ "^db\\b", "REWE", "shell" }));
+    QCOMPARE(rulesTable(page)->selectedRanges().constFirst().topRow(), 0);
+    // The first rule can go no higher.
+    QVERIFY(!up->isEnabled());
+    down->click();
+    QCOMPARE(texts(), QStringList({ "REWE", "^db\\b", "shell" }));
+    QCOMPARE(shownRules(page).at(1), QStringLiteral("2|^db\\b|Item|Regular expression|Insurance - Travel"));
+}
+
+void TestOptionsWidget::applyShowsTheDryRunCountBeforeItRecategorises()
+{
+    Fixture f;
+    addRules(f.raw);
+    const QDateTime when(QDate(2026, 3, 1), QTime(12, 0));
+    f.raw.insertEntry(QStringLiteral("REWE SAGT DANKE"), QStringLiteral("Others"), when, 20);
+    f.raw.insertEntry(QStringLiteral("Fuel"), QStringLiteral("Others"), when, 50, QStringLiteral("Shell Hamburg"));
+    f.raw.insertEntry(QStringLiteral("REWE"), QStringLiteral("Food"), when, 5);
+    f.raw.insertEntry(QStringLiteral("Kiosk"), QStringLiteral("Others"), when, 1);
+    OptionsWidget page(&f.store);
+    tabs(page)->setCurrentIndex(RulesTab);
+    const QStringList before = f.raw.dumpTables();
+
+    MessageBoxAnswerer answerer;
+    answerer.answer(QMessageBox::Cancel);
+    child<QPushButton>(page, "pushButtonApplyRules")->click();
+    QCOMPARE(answerer.texts(),
+             QStringList({ QStringLiteral("The rules give 2 entries in Others a category of their "
+                                          "own. Recategorise them?") }));
+    QCOMPARE(f.raw.dumpTables(), before);
+
+    answerer.clear();
+    answerer.answer({ QMessageBox::Yes, QMessageBox::Ok });
+    child<QPushButton>(page, "pushButtonApplyRules")->click();
+    QCOMPARE(answerer.texts().size(), 2);
+    QCOMPARE(answerer.texts().at(1), QStringLiteral("Recategorised 2 entries"));
+    QCOMPARE(f.raw.rows(QStringLiteral("SELECT CategoryName FROM Entry ORDER BY SNo")),
+             QList<QVariantList>({ { "Groceries" }, { "Automobile - Fuel" }, { "Food" }, { "Others" } }));
+    QCOMPARE(answerer.errors(), QStringList());
+}
+
+void TestOptionsWidget::applyWithNothingToDoSaysSoAndAsksNothing()
+{
+    Fixture f;
+    addRules(f.raw);
+    f.raw.insertEntry(QStringLiteral("Kiosk"), QStringLiteral("Others"), QDateTime(QDate(2026, 3, 1), QTime()), 1);
+    OptionsWidget page(&f.store);
+    tabs(page)->setCurrentIndex(RulesTab);
+    MessageBoxAnswerer answerer;
+    answerer.answer(QMessageBox::Ok);
+    child<QPushButton>(page, "pushButtonApplyRules")->click();
+    QCOMPARE(answerer.texts(),
+             QStringList({ QStringLiteral("No stored entry in Others matches a rule: nothing to recategorise.") }));
+    VERIFY_BOX_SHAPE(answerer.seen().constFirst(), BoxKind::Information);
 }
 
 QTEST_MAIN(TestOptionsWidget)

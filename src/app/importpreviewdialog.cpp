@@ -51,6 +51,10 @@ void ImportPreviewDialog::buildWidgets()
     labelSkipped->setObjectName(QStringLiteral("labelSkipped"));
     labelSkipped->setWordWrap(true);
     layout->addWidget(labelSkipped);
+    labelCategorised = new QLabel(this);
+    labelCategorised->setObjectName(QStringLiteral("labelCategorised"));
+    labelCategorised->setWordWrap(true);
+    layout->addWidget(labelCategorised);
     labelProblems = new QLabel(this);
     labelProblems->setObjectName(QStringLiteral("labelProblems"));
     labelProblems->setWordWrap(true);
@@ -158,8 +162,12 @@ void ImportPreviewDialog::readAgain()
 void ImportPreviewDialog::recogniseAgain()
 {
     recognised = read;
-    if (recognised.isAcceptable())
+    if (recognised.isAcceptable()) {
         EntryImport::recognise(store, recognised, checkBoxAllowDuplicates->isChecked());
+        // The preview shows the categories the rules give, as they will be
+        // stored.
+        EntryImport::categorise(store, recognised);
+    }
     showContents();
 }
 
@@ -179,6 +187,10 @@ void ImportPreviewDialog::showContents()
             : tr("The file cannot be read this way:\n%1").arg(recognised.problemLines().join(QLatin1Char('\n'))));
     labelProblems->setVisible(!acceptable);
     labelSkipped->setVisible(acceptable);
+    const int categorised = acceptable ? recognised.categorisedByRules : 0;
+    labelCategorised->setText(categorised == 1 ? tr("The rules give 1 of them its category.")
+                                               : tr("The rules give %1 of them their category.").arg(categorised));
+    labelCategorised->setVisible(categorised > 0);
     pushButtonImport->setEnabled(acceptable);
 
     const int rows = qMin(added, shownEntries);

@@ -63,6 +63,7 @@ private:
     QLabel *labelFile = nullptr;
     QLabel *labelAdded = nullptr;
     QLabel *labelSkipped = nullptr;
+    QLabel *labelCategorised = nullptr;
     QLabel *labelOpenDate = nullptr;
     QLabel *labelProblems = nullptr;
     QComboBox *comboBoxEncoding = nullptr;

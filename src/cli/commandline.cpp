@@ -14,6 +14,7 @@
 #include "importlog.h"
 #include "ofxformat.h"
 #include "qifformat.h"
+#include "rulecommands.h"
 #include "settings.h"
 #include "textencoding.h"
 
@@ -71,6 +72,7 @@ int importEntries(DatabaseManager &store, const QString &fileName, std::optional
         return CommandLine::Refused;
     }
     EntryImport::recognise(store, contents, allowDuplicates);
+    EntryImport::categorise(store, contents);
     // The budgets' periods holding today, before and after: each category
     // the import takes past 80 % or past its budget is told once.
     Budgets budgets(store);
@@ -452,11 +454,23 @@ int CommandLine::run(const QStringList &arguments)
            "                Removes the budget of a category.\n"
            "  budget month-start N\n"
            "                Starts budget months and years on day N (1 to 28) of the month.\n"
+           "  rules         Lists the rules that categorise entries, in the order they are tried:\n"
+           "                N, text, where (item, place or both), how (contains or regex), category.\n"
+           "  rules add TEXT CATEGORY [--in item|place|both] [--regex]\n"
+           "                Adds a rule last: an entry whose item or place holds TEXT (in any case, with\n"
+           "                or without accents; a regular expression with --regex) goes to CATEGORY.\n"
+           "  rules remove N\n"
+           "                Removes rule N.\n"
+           "  rules move N POSITION\n"
+           "                Moves rule N to POSITION. The first rule that matches an entry wins.\n"
+           "  rules apply [--dry-run]\n"
+           "                Gives every entry in Others the category of its first matching rule.\n"
+           "                Imports do the same for each entry without a category or in Others.\n"
            "\n"
            "Exit status: 0 when done, 1 when the data or a file is refused, 2 for a usage error.")
             .arg(DatabaseManager::defaultFileName()));
     parser.addPositionalArgument(QStringLiteral("command"),
-                                 tr("export, import, backup, find, imports, profiles or budget"),
+                                 tr("export, import, backup, find, imports, profiles, budget or rules"),
                                  QStringLiteral("[command FILE]"));
     const QCommandLineOption help = parser.addHelpOption();
     const QCommandLineOption version = parser.addVersionOption();
@@ -498,6 +512,18 @@ int CommandLine::run(const QStringList &arguments)
                                         QStringLiteral("yyyy-MM-dd"));
     parser.addOption(budgetPeriod);
     parser.addOption(budgetDate);
+    // The rules command reads its own words too (a rule's text may begin
+    // with a minus).
+    const QCommandLineOption ruleIn(QStringLiteral("in"),
+                                    tr("rules: where add's rule looks: the item, the place or both (the default)."),
+                                    QStringLiteral("item|place|both"));
+    const QCommandLineOption ruleRegex(QStringLiteral("regex"),
+                                       tr("rules: add's TEXT is a regular expression, matched in any case."));
+    const QCommandLineOption ruleDryRun(QStringLiteral("dry-run"),
+                                        tr("rules: apply only counts the entries it would recategorise."));
+    parser.addOption(ruleIn);
+    parser.addOption(ruleRegex);
+    parser.addOption(ruleDryRun);
 
     // parse() rather than process(): process() ends the program itself, with
     // its own exit status, where a usage error here exits with UsageError.
@@ -511,6 +537,8 @@ int CommandLine::run(const QStringList &arguments)
 
     if (arguments.size() > 1 && arguments.at(1) == QLatin1String("budget"))
         return budget(arguments.mid(2), out, err, usageError);
+    if (arguments.size() > 1 && arguments.at(1) == QLatin1String("rules"))
+        return RuleCommands::run(arguments.mid(2), out, err, usageError);
     if (!parser.parse(arguments))
         return usageError(parser.errorText());
     // Without a window there are no Qt-specific options to add to the help.
@@ -542,7 +570,8 @@ int CommandLine::run(const QStringList &arguments)
         return find(parser, positional, searchOptions,
                     { { dateOrder, import }, { encoding, import }, { allowDuplicates, import },
                       { force, QStringLiteral("backup") }, { budgetPeriod, QStringLiteral("budget") },
-                      { budgetDate, QStringLiteral("budget") } },
+                      { budgetDate, QStringLiteral("budget") }, { ruleIn, QStringLiteral("rules") },
+                      { ruleRegex, QStringLiteral("rules") }, { ruleDryRun, QStringLiteral("rules") } },
                     usageError, out, err);
     }
     for (const QCommandLineOption &option : findOptions) {
@@ -582,6 +611,10 @@ int CommandLine::run(const QStringList &arguments)
     for (const QCommandLineOption &option : { budgetPeriod, budgetDate }) {
         if (parser.isSet(option))
             return usageError(tr("--%1 goes with budget only.").arg(option.names().constFirst()));
+    }
+    for (const QCommandLineOption &option : { ruleIn, ruleRegex, ruleDryRun }) {
+        if (parser.isSet(option))
+            return usageError(tr("--%1 goes with rules only.").arg(option.names().constFirst()));
     }
     std::optional<QifFormat::DateOrder> order;
     if (parser.isSet(dateOrder)) {

@@ -51,6 +51,9 @@ public:
     // Rows of a bank's CSV that are no transactions: empty lines, and rows
     // whose date is empty or does not read (balances, totals, pending).
     int skippedNotTransactions = 0;
+    // Set by the import, not the reader: entries that a rule gave their
+    // category (see EntryImport::categorise()).
+    int categorisedByRules = 0;
 
     // The text encoding the file was read in (TextEncoding's name), and
     // the order its dates were read in ("mdy", "dmy", "ymd"; empty where

@@ -6,6 +6,8 @@
 #include "csvformat.h"
 #include "importlog.h"
 #include "mappedcsvreader.h"
+#include "rulematcher.h"
+#include "rules.h"
 #include "storageform.h"
 #include "ofxformat.h"
 
@@ -126,6 +128,24 @@ void EntryImport::recognise(DatabaseManager &store, EntryFileContents &contents,
     contents.skippedDuplicates = int(before - contents.entries.size());
 }
 
+void EntryImport::categorise(DatabaseManager &store, EntryFileContents &contents)
+{
+    contents.categorisedByRules = 0;
+    RuleMatcher matcher(Rules(store).all());
+    if (matcher.isEmpty())
+        return;
+    for (EntryFileContents::LineEntry &read : contents.entries) {
+        Entry &entry = read.entry;
+        if (!RuleMatcher::takesRuleCategory(entry.CategoryName))
+            continue;
+        const std::optional<QString> category = matcher.categoryOf(entry.ItemName, entry.LocationText);
+        if (category && *category != entry.CategoryName) {
+            entry.CategoryName = *category;
+            ++contents.categorisedByRules;
+        }
+    }
+}
+
 EntryImport::Outcome EntryImport::write(DatabaseManager &store, const QList<EntryFileContents::LineEntry> &entries,
                                         const DatabaseManager::Progress &progress, const QString &fileName)
 {
@@ -215,7 +235,10 @@ EntryImport::Outcome EntryImport::write(DatabaseManager &store, const QList<Entr
 
 QString EntryImport::summary(const QString &fileName, const EntryFileContents &contents, int added)
 {
-    if (added == 1)
-        return tr("Imported 1 entry from %1; %2").arg(fileName, contents.skippedSummary());
-    return tr("Imported %1 entries from %2; %3").arg(QString::number(added), fileName, contents.skippedSummary());
+    QString summary = added == 1
+        ? tr("Imported 1 entry from %1; %2").arg(fileName, contents.skippedSummary())
+        : tr("Imported %1 entries from %2; %3").arg(QString::number(added), fileName, contents.skippedSummary());
+    if (contents.categorisedByRules > 0)
+        summary += tr("; categorised by rules %1").arg(contents.categorisedByRules);
+    return summary;
 }

@@ -42,6 +42,11 @@ public:
     // (skippedDuplicates).
     static void recognise(DatabaseManager &store, EntryFileContents &contents, bool allowDuplicates = false);
 
+    // Gives every entry without a category, or in "Others", the category
+    // of the first rule (see Rules) that matches its item or place, and
+    // counts them (categorisedByRules). A category the file gives is kept.
+    static void categorise(DatabaseManager &store, EntryFileContents &contents);
+
     struct Outcome
     {
         bool written = false;
@@ -61,6 +66,8 @@ public:
     static Outcome write(DatabaseManager &store, const QList<EntryFileContents::LineEntry> &entries,
                          const DatabaseManager::Progress &progress = {}, const QString &fileName = QString());
 
-    // "Imported 1200 entries from FILE; skipped 34 (income 30, transfers 4)"
+    // "Imported 1200 entries from FILE; skipped 34 (income 30, transfers 4)",
+    // and "; categorised by rules 812" after it when a rule gave any entry
+    // its category.
     static QString summary(const QString &fileName, const EntryFileContents &contents, int added);
 };

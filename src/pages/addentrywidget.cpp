@@ -11,6 +11,8 @@
 #include "geolocator.h"
 #include "look.h"
 #include "notice.h"
+#include "rulematcher.h"
+#include "rules.h"
 #include "settings.h"
 
 #include <QAbstractItemView>
@@ -95,6 +97,8 @@ void AddEntryWidget::setUpItemCompletion()
     }
 
     // The store's order, the most used first, is the order of the list.
+    rules = std::make_unique<RuleMatcher>(dbManager ? Rules(*dbManager).all() : QList<Rule>());
+
     itemCompleter = new QCompleter(new QStringListModel(names, this), this);
     itemCompleter->setModelSorting(QCompleter::UnsortedModel);
     itemCompleter->setCaseSensitivity(Qt::CaseInsensitive);
@@ -121,7 +125,11 @@ void AddEntryWidget::setUpItemCompletion()
 void AddEntryWidget::offerCatalogueItem(const QString &itemName)
 {
     const auto found = catalogue.constFind(itemName);
-    if (found == catalogue.constEnd() || !ui->lineEditAmount->text().isEmpty())
+    if (found == catalogue.constEnd()) {
+        offerRuleCategory(itemName);
+        return;
+    }
+    if (!ui->lineEditAmount->text().isEmpty())
         return;
 
     // In the form the amount field accepts (12.50); a stored price that the
@@ -140,6 +148,19 @@ void AddEntryWidget::offerCatalogueItem(const QString &itemName)
         if (index >= 0)
             ui->comboBoxCategory->setCurrentIndex(index);
     }
+}
+
+void AddEntryWidget::offerRuleCategory(const QString &itemName)
+{
+    if (categoryChosen || itemName.isEmpty())
+        return;
+    // The page knows the name only: a rule for places alone does not match.
+    const std::optional<QString> category = rules->categoryOf(itemName, QString());
+    if (!category)
+        return;
+    const int index = ui->comboBoxCategory->findText(*category, Qt::MatchExactly);
+    if (index >= 0)
+        ui->comboBoxCategory->setCurrentIndex(index);
 }
 
 void AddEntryWidget::startLocationLookup()

@@ -9,6 +9,8 @@
 #include <QString>
 #include <QWidget>
 
+#include <memory>
+
 #include "budgets.h"
 
 class Category;
@@ -16,6 +18,7 @@ class Entry;
 class DatabaseManager;
 class QCompleter;
 class QNetworkReply;
+class RuleMatcher;
 
 namespace Ui {
 class AddEntryWidget;
@@ -25,7 +28,9 @@ class AddEntryWidget;
 // service where the device is when it opens and again on every Add, and can
 // attach the latest answer to the entry. The item name completes from the
 // catalogue of items bought before, and a name picked from it brings its
-// last price and category along. The store is only borrowed.
+// last price and category along; a name the catalogue does not know
+// brings the category of the first rule that matches it. The store is only
+// borrowed.
 class AddEntryWidget : public QWidget
 {
     Q_OBJECT
@@ -68,6 +73,9 @@ private:
     // Fills in the amount and the category of a catalogue item, as far as
     // the user has not chosen them.
     void offerCatalogueItem(const QString &itemName);
+    // Selects the category of the first rule that matches a name the
+    // catalogue does not know, as far as the user has not chosen one.
+    void offerRuleCategory(const QString &itemName);
     void clearFields();
     void checkBudget(const Entry &entry);
 
@@ -81,6 +89,8 @@ private:
     QString region;
     QHash<QString, CatalogueItem> catalogue;
     QCompleter *itemCompleter;
+    // The rules as the page opened, read once as the catalogue is.
+    std::unique_ptr<RuleMatcher> rules;
     // Whether the user chose the category of the entry being typed; a
     // picked item then leaves it alone.
     bool categoryChosen;

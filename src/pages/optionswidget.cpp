@@ -9,6 +9,8 @@
 #include "entryeditdelegates.h"
 #include "look.h"
 #include "notice.h"
+#include "ruledialog.h"
+#include "rules.h"
 #include "settings.h"
 
 #include <QAction>
@@ -120,6 +122,7 @@ OptionsWidget::OptionsWidget(QPointer<DatabaseManager> dbManager, QWidget *paren
     // the direct call fills it once more, so a new page lists every category
     // without entries twice, as it always has.
     setUpBudgetsTab();
+    setUpRulesTab();
     ui->tabWidgetOptionsContainer->setCurrentIndex(0);
     AddEmptyCategoriesToComboBox();
     ShowSwitchModeDetails();
@@ -145,6 +148,9 @@ void OptionsWidget::on_tabWidgetOptionsContainer_currentChanged(int index)
         break;
     case 3:
         ShowBudgetsDetails();
+        break;
+    case 4:
+        ShowRulesDetails();
         break;
     default:
         break;
@@ -489,4 +495,219 @@ void OptionsWidget::saveBudgetEdits()
         return;
     }
     ShowBudgetsDetails();
+}
+
+namespace {
+
+enum RuleColumn { RuleTextColumn, RuleInColumn, RuleHowColumn, RuleCategoryColumn, RuleColumnCount };
+
+QString whereText(Rule::Field in)
+{
+    switch (in) {
+    case Rule::Field::Item:
+        return OptionsWidget::tr("Item");
+    case Rule::Field::Place:
+        return OptionsWidget::tr("Place");
+    case Rule::Field::Both:
+        break;
+    }
+    return OptionsWidget::tr("Item or place");
+}
+
+} // namespace
+
+void OptionsWidget::setUpRulesTab()
+{
+    // Built as the "Budgets" tab is, dressed as the entries' tab.
+    auto *tab = new QWidget();
+    tab->setObjectName(QStringLiteral("tabRules"));
+
+    tableWidgetRules = new QTableWidget(0, RuleColumnCount, tab);
+    tableWidgetRules->setObjectName(QStringLiteral("tableWidgetRules"));
+    QRect area = ui->tableViewEditEntries->geometry();
+    area.setHeight(391);
+    tableWidgetRules->setGeometry(area);
+    tableWidgetRules->setStyleSheet(ui->tableViewEditEntries->styleSheet());
+    tableWidgetRules->setHorizontalHeaderLabels({ tr("Look for"), tr("In"), tr("How"), tr("Category") });
+    tableWidgetRules->horizontalHeader()->setSectionResizeMode(QHeaderView::Stretch);
+    // The row numbers are the rules' positions: rule 1 is tried first.
+    tableWidgetRules->verticalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
+    tableWidgetRules->setEditTriggers(QAbstractItemView::NoEditTriggers);
+    tableWidgetRules->setSelectionBehavior(QAbstractItemView::SelectRows);
+    tableWidgetRules->setSelectionMode(QAbstractItemView::SingleSelection);
+    tableWidgetRules->setAccessibleName(tr("Rules"));
+    connect(tableWidgetRules, &QTableWidget::itemSelectionChanged, this, &OptionsWidget::enableRuleButtons);
+    connect(tableWidgetRules, &QTableWidget::cellDoubleClicked, this, &OptionsWidget::editRule);
+
+    const auto addButton = [this, tab](const char *name, const QString &text, const QRect &geometry) {
+        auto *button = new QPushButton(text, tab);
+        button->setObjectName(QLatin1String(name));
+        button->setGeometry(geometry);
+        button->setStyleSheet(ui->pushButtonSaveChanges->styleSheet());
+        button->setFont(ui->pushButtonSaveChanges->font());
+        return button;
+    };
+    connect(addButton("pushButtonAddRule", tr("Add"), QRect(70, 440, 221, 61)), &QPushButton::clicked, this,
+            &OptionsWidget::addRule);
+    pushButtonEditRule = addButton("pushButtonEditRule", tr("Edit"), QRect(310, 440, 221, 61));
+    connect(pushButtonEditRule, &QPushButton::clicked, this, &OptionsWidget::editRule);
+    pushButtonRemoveRule = addButton("pushButtonRemoveRule", tr("Remove"), QRect(550, 440, 221, 61));
+    connect(pushButtonRemoveRule, &QPushButton::clicked, this, &OptionsWidget::removeRule);
+    pushButtonRuleUp = addButton("pushButtonRuleUp", tr("Up"), QRect(70, 520, 141, 61));
+    connect(pushButtonRuleUp, &QPushButton::clicked, this, [this] { moveRule(-1); });
+    pushButtonRuleDown = addButton("pushButtonRuleDown", tr("Down"), QRect(230, 520, 141, 61));
+    connect(pushButtonRuleDown, &QPushButton::clicked, this, [this] { moveRule(1); });
+    connect(addButton("pushButtonApplyRules", tr("Apply to Stored Entries…"), QRect(390, 520, 381, 61)),
+            &QPushButton::clicked, this, &OptionsWidget::applyRules);
+    enableRuleButtons();
+
+    ui->tabWidgetOptionsContainer->addTab(tab, tr("Rules"));
+}
+
+void OptionsWidget::ShowRulesDetails()
+{
+    const int selected = selectedRule();
+    tableWidgetRules->setRowCount(0);
+    if (!dbManager)
+        return;
+    const QList<Rule> rules = Rules(*dbManager).all();
+    tableWidgetRules->setRowCount(int(rules.size()));
+    for (int row = 0; row < rules.size(); ++row) {
+        const Rule &rule = rules.at(row);
+        const QStringList cells = { rule.text, whereText(rule.in),
+                                    rule.how == Rule::How::Regex ? tr("Regular expression") : tr("Contains"),
+                                    rule.category };
+        for (int column = 0; column < cells.size(); ++column)
+            tableWidgetRules->setItem(row, column, new QTableWidgetItem(cells.at(column)));
+    }
+    selectRule(selected);
+}
+
+int OptionsWidget::selectedRule() const
+{
+    const QList<QTableWidgetSelectionRange> ranges = tableWidgetRules->selectedRanges();
+    return ranges.isEmpty() ? 0 : ranges.constFirst().topRow() + 1;
+}
+
+void OptionsWidget::selectRule(int position)
+{
+    if (position >= 1 && position <= tableWidgetRules->rowCount())
+        tableWidgetRules->selectRow(position - 1);
+    else
+        tableWidgetRules->clearSelection();
+    enableRuleButtons();
+}
+
+void OptionsWidget::enableRuleButtons()
+{
+    const int selected = selectedRule();
+    pushButtonEditRule->setEnabled(selected > 0);
+    pushButtonRemoveRule->setEnabled(selected > 0);
+    pushButtonRuleUp->setEnabled(selected > 1);
+    pushButtonRuleDown->setEnabled(selected > 0 && selected < tableWidgetRules->rowCount());
+}
+
+QStringList OptionsWidget::categoryNames()
+{
+    QStringList names;
+    if (dbManager) {
+        for (const Category *category : owned(dbManager->GetAllCategories()))
+            names << category->CategoryName;
+    }
+    return names;
+}
+
+void OptionsWidget::addRule()
+{
+    if (!dbManager)
+        return;
+    RuleDialog dialog(tr("Add Rule"), Rule(), categoryNames());
+    if (dialog.exec() != QDialog::Accepted)
+        return;
+    QString failure;
+    const int position = Rules(*dbManager).add(dialog.rule(), &failure);
+    if (position == 0) {
+        Notice::warn(tr("The rule could not be added: %1").arg(failure));
+        return;
+    }
+    ShowRulesDetails();
+    selectRule(position);
+}
+
+void OptionsWidget::editRule()
+{
+    const int position = selectedRule();
+    if (!dbManager || position == 0)
+        return;
+    const QList<Rule> rules = Rules(*dbManager).all();
+    if (position > rules.size())
+        return;
+    RuleDialog dialog(tr("Edit Rule"), rules.at(position - 1), categoryNames());
+    if (dialog.exec() != QDialog::Accepted)
+        return;
+    QString failure;
+    if (!Rules(*dbManager).replace(position, dialog.rule(), &failure))
+        Notice::warn(tr("The rule could not be changed: %1").arg(failure));
+    ShowRulesDetails();
+}
+
+void OptionsWidget::removeRule()
+{
+    const int position = selectedRule();
+    if (!dbManager || position == 0)
+        return;
+    const QString text = tableWidgetRules->item(position - 1, RuleTextColumn)->text();
+    if (!Notice::confirmDestructive(tr("Remove rule %1 (\"%2\")? The entries it categorised keep their category.")
+                                        .arg(QString::number(position), text),
+                                    tr("Remove")))
+        return;
+    QString failure;
+    if (!Rules(*dbManager).remove(position, &failure))
+        Notice::warn(tr("The rule could not be removed: %1").arg(failure));
+    ShowRulesDetails();
+    selectRule(qMin(position, tableWidgetRules->rowCount()));
+}
+
+void OptionsWidget::moveRule(int by)
+{
+    const int position = selectedRule();
+    const int to = position + by;
+    if (!dbManager || position == 0 || to < 1 || to > tableWidgetRules->rowCount())
+        return;
+    QString failure;
+    if (!Rules(*dbManager).move(position, to, &failure)) {
+        Notice::warn(tr("The rule could not be moved: %1").arg(failure));
+        ShowRulesDetails();
+        return;
+    }
+    ShowRulesDetails();
+    selectRule(to);
+}
+
+void OptionsWidget::applyRules()
+{
+    if (!dbManager)
+        return;
+    Rules rules(*dbManager);
+    QString failure;
+    const std::optional<int> count = rules.apply(true, &failure);
+    if (!count) {
+        Notice::warn(tr("The stored entries could not be read: %1").arg(failure));
+        return;
+    }
+    if (*count == 0) {
+        Notice::inform(tr("No stored entry in Others matches a rule: nothing to recategorise."));
+        return;
+    }
+    const QString entries = *count == 1 ? tr("1 entry") : tr("%1 entries").arg(*count);
+    if (!Notice::confirmDestructive(
+            tr("The rules give %1 in Others a category of their own. Recategorise them?").arg(entries),
+            tr("Recategorise")))
+        return;
+    const std::optional<int> done = rules.apply(false, &failure);
+    if (!done) {
+        Notice::warn(tr("No entry was recategorised: %1").arg(failure));
+        return;
+    }
+    Notice::inform(*done == 1 ? tr("Recategorised 1 entry") : tr("Recategorised %1 entries").arg(*done));
 }

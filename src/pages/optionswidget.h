@@ -12,6 +12,7 @@
 #include <QWidget>
 
 class DatabaseManager;
+class QPushButton;
 class QSpinBox;
 class QSqlTableModel;
 class QTableWidget;
@@ -23,7 +24,8 @@ class OptionsWidget;
 // The options page: adds and renames categories, switches the spending mode
 // of this page, and edits the stored entries in a table saved or reverted as
 // a batch; rows marked for deletion (Delete key, "Delete Entry") are hidden
-// until Save removes them or Cancel brings them back. The store is
+// until Save removes them or Cancel brings them back. Its tabs of its own
+// edit the budgets and the rules that categorise entries. The store is
 // borrowed, never owned.
 class OptionsWidget : public QWidget
 {
@@ -57,6 +59,20 @@ private:
     void setUpBudgetsTab();
     void ShowBudgetsDetails();
     void saveBudgetEdits();
+    // The "Rules" tab: the rules in the order they are tried, each change
+    // stored as it is made.
+    void setUpRulesTab();
+    void ShowRulesDetails();
+    void addRule();
+    void editRule();
+    void removeRule();
+    void moveRule(int by);
+    void applyRules();
+    // The selected rule's position (from 1), 0 without a selection.
+    int selectedRule() const;
+    void selectRule(int position);
+    void enableRuleButtons();
+    QStringList categoryNames();
 
     Ui::OptionsWidget *ui;
     QPointer<DatabaseManager> dbManager;
@@ -69,4 +85,10 @@ private:
     QSpinBox *spinBoxMonthStart;
     // The categories that had a budget when the tab was last filled.
     QStringList budgetedCategories;
+    QTableWidget *tableWidgetRules;
+    // The buttons that work on the selected rule.
+    QPushButton *pushButtonEditRule;
+    QPushButton *pushButtonRemoveRule;
+    QPushButton *pushButtonRuleUp;
+    QPushButton *pushButtonRuleDown;
 };

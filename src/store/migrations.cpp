@@ -103,6 +103,17 @@ const QList<Migration> &Migrations::all()
         { 6,
           QCoreApplication::translate("DatabaseManager", "the profiles of bank CSV files"),
           { QStringLiteral("CREATE TABLE CsvProfile (Name text PRIMARY KEY NOT NULL, Mapping text NOT NULL)") } },
+        // The rules that give imported and stored entries a category by the
+        // text of their item or place, in the order they are tried: the
+        // first that matches wins. Entries keep no link to the rule that
+        // categorised them, so a rule can go without touching any entry.
+        { 7,
+          QCoreApplication::translate("DatabaseManager", "the rules that categorise entries"),
+          { QStringLiteral("CREATE TABLE CategoryRule (Position integer PRIMARY KEY NOT NULL CHECK (Position > 0), "
+                           "Text text NOT NULL CHECK (Text <> ''), "
+                           "SearchIn text NOT NULL DEFAULT 'both' CHECK (SearchIn IN ('item', 'place', 'both')), "
+                           "How text NOT NULL DEFAULT 'contains' CHECK (How IN ('contains', 'regex')), "
+                           "CategoryName text NOT NULL CHECK (CategoryName <> ''))") } },
     };
     return steps;
 }

@@ -67,3 +67,8 @@ struct ProgramRun
 ProgramRun runProgram(const QString &program, const QStringList &arguments,
                       const QProcessEnvironment &environment = QProcessEnvironment::systemEnvironment(),
                       int timeoutMs = 120000, const QString &workingDir = QString());
+// Runs the program as a user types it on a terminal without a display: no
+// QT_QPA_PLATFORM, DISPLAY or WAYLAND_DISPLAY, so that a program that
+// started its GUI would abort at once. With a `home`, HOME and the settings
+// (XDG_CONFIG_HOME) are there.
+ProgramRun runWithoutDisplay(const QString &program, const QStringList &arguments, const QString &home = QString());
