@@ -57,11 +57,6 @@ QStringList metainfoImages(const QString &text)
     return xml.hasError() ? QStringList{ xml.errorString() } : addresses;
 }
 
-QString fileNameOf(const QString &path)
-{
-    return path.section(QLatin1Char('/'), -1);
-}
-
 // What the README shows, in order: the history page in each look, then
 // the new-entry and options pages in Classic.
 const QStringList readmePictures{ QStringLiteral("history.png"), QStringLiteral("light/history.png"),
