@@ -72,6 +72,13 @@ private:
     // Shows a budget's warning in the status bar until the next page opens.
     void showBudgetWarning(const QString &message, BudgetLevel level);
     void clearBudgetWarning();
+    // Posts what the recurring expenses have due today: those that post
+    // themselves at once, told in the status bar; those that ask first in
+    // the Due Expenses dialog. With nothing due it costs one query.
+    // Whether anything was due.
+    bool postDueRecurringExpenses();
+    // A fresh options page, whose "Post Due Now" posts through the window.
+    void showOptionsPage();
 
     Ui::MainWindow *ui;
     DatabaseManager *dbManager;
@@ -81,4 +88,5 @@ private:
     QSize designedHostSize;
     QSize designedPageSize;
     QLabel *labelBudgetWarning;
+    QLabel *labelRecurringPosted = nullptr;
 };

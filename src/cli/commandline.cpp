@@ -13,6 +13,7 @@
 #include "importlog.h"
 #include "ofxformat.h"
 #include "qifformat.h"
+#include "recurringcommands.h"
 #include "settings.h"
 #include "textencoding.h"
 
@@ -423,10 +424,22 @@ int CommandLine::run(const QStringList &arguments)
            "                Removes the budget of a category.\n"
            "  budget month-start N\n"
            "                Starts budget months and years on day N (1 to 28) of the month.\n"
+           "  recurring     Lists the recurring expenses, the soonest first: ID, item, amount, category,\n"
+           "                every, next day, mode and how many are left.\n"
+           "  recurring add ITEM AMOUNT CATEGORY --every N(d|w|m|y) --from yyyy-MM-dd\n"
+           "                [--until yyyy-MM-dd | --times N] [--place TEXT] [--confirm]\n"
+           "                Adds an expense that repeats every N days, weeks, months or years, from a first\n"
+           "                day to a last one or for N times; with --confirm it is asked about first.\n"
+           "  recurring remove ID\n"
+           "                Removes a recurring expense; the entries it posted stay.\n"
+           "  post-due [--until yyyy-MM-dd] [--all]\n"
+           "                Posts every occurrence due on or before the day (today without --until), oldest\n"
+           "                first; those that ask first only with --all. For a timer or a cron job.\n"
            "\n"
            "Exit status: 0 when done, 1 when the data or a file is refused, 2 for a usage error.")
             .arg(DatabaseManager::defaultFileName()));
-    parser.addPositionalArgument(QStringLiteral("command"), tr("export, import, backup, find, imports or budget"),
+    parser.addPositionalArgument(QStringLiteral("command"),
+                                 tr("export, import, backup, find, imports, budget, recurring or post-due"),
                                  QStringLiteral("[command FILE]"));
     const QCommandLineOption help = parser.addHelpOption();
     const QCommandLineOption version = parser.addVersionOption();
@@ -466,6 +479,9 @@ int CommandLine::run(const QStringList &arguments)
                                         QStringLiteral("yyyy-MM-dd"));
     parser.addOption(budgetPeriod);
     parser.addOption(budgetDate);
+    const QList<QCommandLineOption> recurringOptions = RecurringCommands::options();
+    for (const QCommandLineOption &option : recurringOptions)
+        parser.addOption(option);
 
     // parse() rather than process(): process() ends the program itself, with
     // its own exit status, where a usage error here exits with UsageError.
@@ -479,6 +495,10 @@ int CommandLine::run(const QStringList &arguments)
 
     if (arguments.size() > 1 && arguments.at(1) == QLatin1String("budget"))
         return budget(arguments.mid(2), out, err, usageError);
+    if (arguments.size() > 1 && arguments.at(1) == QLatin1String("recurring"))
+        return RecurringCommands::recurring(arguments.mid(2), out, err, usageError);
+    if (arguments.size() > 1 && arguments.at(1) == QLatin1String("post-due"))
+        return RecurringCommands::postDue(arguments.mid(2), out, err, usageError);
     if (!parser.parse(arguments))
         return usageError(parser.errorText());
     // Without a window there are no Qt-specific options to add to the help.
@@ -499,6 +519,10 @@ int CommandLine::run(const QStringList &arguments)
                                    QStringLiteral("imports"), QStringLiteral("find") };
     if (!commands.contains(command))
         return usageError(tr("Unknown command \"%1\".").arg(command));
+    for (const QCommandLineOption &option : recurringOptions) {
+        if (parser.isSet(option))
+            return usageError(tr("--%1 goes with recurring or post-due only.").arg(option.names().constFirst()));
+    }
     if (command == QLatin1String("find")) {
         const QString import = QStringLiteral("import");
         return find(parser, positional, searchOptions,

@@ -3,6 +3,8 @@
 
 #pragma once
 
+#include "recurringexpenses.h"
+
 #include <QHash>
 #include <QList>
 #include <QPointer>
@@ -11,7 +13,10 @@
 #include <QStringList>
 #include <QWidget>
 
+#include <optional>
+
 class DatabaseManager;
+class QLabel;
 class QSpinBox;
 class QSqlTableModel;
 class QTableWidget;
@@ -36,6 +41,13 @@ public:
 
     // Whether the entries table holds edits or deletions not yet saved.
     bool hasUnsavedEntryChanges() const;
+    // Lists the recurring expenses and what comes in the next 30 days again
+    // (after something was posted).
+    void ShowRecurringDetails();
+
+signals:
+    // "Post Due Now": the window posts what is due, as it does at its start.
+    void postDueRequested();
 
 private slots:
     void on_pushButtonChangeMode_clicked();
@@ -57,6 +69,17 @@ private:
     void setUpBudgetsTab();
     void ShowBudgetsDetails();
     void saveBudgetEdits();
+    // The "Recurring" tab: every recurring expense with Add, Edit, Remove
+    // and "Post Due Now", and below it the next 30 days' occurrences.
+    void setUpRecurringTab();
+    void addRecurringExpense();
+    void editRecurringExpense();
+    void removeRecurringExpense();
+    // Adds (an expense without an id) or changes an expense through the
+    // dialog.
+    void storeFromDialog(const RecurringExpense &expense);
+    // The expense of the selected row, as stored.
+    std::optional<RecurringExpense> selectedRecurringExpense() const;
 
     Ui::OptionsWidget *ui;
     QPointer<DatabaseManager> dbManager;
@@ -69,4 +92,7 @@ private:
     QSpinBox *spinBoxMonthStart;
     // The categories that had a budget when the tab was last filled.
     QStringList budgetedCategories;
+    QTableWidget *tableWidgetRecurring;
+    QTableWidget *tableWidgetRecurringPreview;
+    QLabel *labelRecurringPreviewTotal;
 };
