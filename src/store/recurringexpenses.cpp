@@ -288,54 +288,82 @@ bool RecurringExpenses::advance(const Occurrence &occurrence, Step step, double 
         return false;
     }
     QString reason;
-    bool stale = false;
+    Outcome outcome = Outcome::Failed;
     const bool done = store.runInTransaction(
         DatabaseManager::WriteKind::Edits,
         [&] {
-            // Read again under the write lock: another program may have
-            // posted this occurrence since it was listed.
-            const std::optional<RecurringExpense> expense = of(occurrence.expenseId);
-            if (!expense || expense->done != occurrence.index || expense->isFinished()) {
-                stale = true;
-                return false;
-            }
-            if (step == Step::Post) {
-                Entry entry;
-                entry.ItemName = expense->item;
-                entry.CategoryName = expense->category;
-                entry.Price = float(amount);
-                entry.LocationText = expense->place;
-                entry.TransactDateTime = expense->next.startOfDay();
-                entry.EnableGeoLoc = false;
-                if (!store.AddEntry(&entry))
-                    return false;
-            }
-            const qint64 following = occurrence.index + 1;
-            return store.statementRunner().execute(
-                QStringLiteral("UPDATE RecurringExpense SET NextIndex = :done, NextDate = :next WHERE SNo = :id"),
-                { { QStringLiteral(":done"), following },
-                  { QStringLiteral(":next"), dayValue(nextDay(*expense, following)) },
-                  { QStringLiteral(":id"), occurrence.expenseId } });
+            outcome = advanceInTransaction(occurrence, step, amount);
+            return outcome == Outcome::Done;
         },
         &reason);
     if (failure)
-        *failure = stale ? QString() : reason.isEmpty() && !done ? tr("the file took no writes") : reason;
+        *failure = done || outcome == Outcome::Stale ? QString()
+            : reason.isEmpty()                       ? tr("the file took no writes")
+                                                     : reason;
     return done;
 }
 
+RecurringExpenses::Outcome RecurringExpenses::advanceInTransaction(const Occurrence &occurrence, Step step,
+                                                                   double amount)
+{
+    // Read again under the write lock: another program may have posted this
+    // occurrence since it was listed.
+    const std::optional<RecurringExpense> expense = of(occurrence.expenseId);
+    if (!expense || expense->done != occurrence.index || expense->isFinished())
+        return Outcome::Stale;
+    if (step == Step::Post) {
+        Entry entry;
+        entry.ItemName = expense->item;
+        entry.CategoryName = expense->category;
+        entry.Price = float(amount);
+        entry.LocationText = expense->place;
+        entry.TransactDateTime = expense->next.startOfDay();
+        entry.EnableGeoLoc = false;
+        if (!store.AddEntry(&entry))
+            return Outcome::Failed;
+    }
+    const qint64 following = occurrence.index + 1;
+    const bool advanced = store.statementRunner().execute(
+        QStringLiteral("UPDATE RecurringExpense SET NextIndex = :done, NextDate = :next WHERE SNo = :id"),
+        { { QStringLiteral(":done"), following },
+          { QStringLiteral(":next"), dayValue(nextDay(*expense, following)) },
+          { QStringLiteral(":id"), occurrence.expenseId } });
+    return advanced ? Outcome::Done : Outcome::Failed;
+}
+
 RecurringExpenses::Posting RecurringExpenses::postDue(const QDate &day, bool withConfirm,
-                                                      const std::function<void(const Occurrence &)> &posted)
+                                                      const std::function<void(const Occurrence &)> &posted, int batch)
 {
     Posting posting;
-    for (const Occurrence &occurrence : due(day, withConfirm)) {
-        QString failure;
-        if (post(occurrence, occurrence.amount, &failure)) {
+    const QList<Occurrence> due = this->due(day, withConfirm);
+    for (qsizetype start = 0; start < due.size(); start += std::max(1, batch)) {
+        const QList<Occurrence> chunk = due.mid(start, std::max(1, batch));
+        QList<Occurrence> stored;
+        QString reason;
+        // The catalogue lookups of many AddEntry calls at once, as an
+        // import makes them; a failure takes the whole batch back.
+        const bool done = store.runInTransaction(
+            DatabaseManager::WriteKind::Import,
+            [&] {
+                stored.clear();
+                for (const Occurrence &occurrence : chunk) {
+                    const Outcome outcome = advanceInTransaction(occurrence, Step::Post, occurrence.amount);
+                    if (outcome == Outcome::Failed)
+                        return false;
+                    if (outcome == Outcome::Done)
+                        stored.append(occurrence);
+                }
+                return true;
+            },
+            &reason);
+        if (!done) {
+            posting.failure = reason.isEmpty() ? tr("the file took no writes") : reason;
+            break;
+        }
+        for (const Occurrence &occurrence : std::as_const(stored)) {
             posting.posted.append(occurrence);
             if (posted)
                 posted(occurrence);
-        } else if (!failure.isEmpty()) {
-            posting.failure = failure;
-            break;
         }
     }
     return posting;

@@ -105,13 +105,21 @@ public:
         // Empty unless the file refused a posting; those before it stay.
         QString failure;
     };
-    // Posts every occurrence due on or before `day`, oldest first, each in
-    // a transaction of its own; `posted` hears of each once it is stored.
-    Posting postDue(const QDate &day, bool withConfirm, const std::function<void(const Occurrence &)> &posted = {});
+    // Posts every occurrence due on or before `day`, oldest first, at most
+    // `batch` in each transaction (every commit waits for the disk, which
+    // would make a thousand of them take seconds); `posted` hears of each
+    // once its transaction is stored. A failure takes back only the batch
+    // it happened in.
+    static constexpr int defaultBatch = 100;
+    Posting postDue(const QDate &day, bool withConfirm, const std::function<void(const Occurrence &)> &posted = {},
+                    int batch = defaultBatch);
 
 private:
     enum class Step { Post, Skip };
+    enum class Outcome { Done, Stale, Failed };
     bool advance(const Occurrence &occurrence, Step step, double amount, QString *failure);
+    // Inside the caller's transaction.
+    Outcome advanceInTransaction(const Occurrence &occurrence, Step step, double amount);
     QList<Occurrence> occurrences(const QDate &from, const QDate &to, bool withConfirm);
 
     DatabaseManager &store;
