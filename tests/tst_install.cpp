@@ -693,6 +693,8 @@ void TestInstall::bashCompletesCommandsOptionsValuesAndFiles_data()
     QTest::newRow("the options of import") << "ledgerly import x --" << optionsOf(QStringLiteral("import"));
     QTest::newRow("the options of backup") << "ledgerly backup x --" << optionsOf(QStringLiteral("backup"));
     QTest::newRow("the options of post-due") << "ledgerly post-due --" << optionsOf(QStringLiteral("post-due"));
+    QTest::newRow("the options of recurring")
+        << "ledgerly recurring add Rent 950 Housing --" << optionsOf(QStringLiteral("recurring"));
     // In a directory holding a.csv, b.qif, c.ofx, d.QFX, e.txt and sub/.
     QTest::newRow("files to import") << "ledgerly import "
                                      << QStringList { QStringLiteral("a.csv"), QStringLiteral("b.qif"),

@@ -323,9 +323,14 @@ struct SearchOptions
 {
     QCommandLineOption category { QStringLiteral("category"), tr("find: entries of this category only."),
                                   QStringLiteral("name") };
-    QCommandLineOption place { QStringLiteral("place"), tr("find: entries whose place holds this text."),
+    // Recurring expenses take these two as well: a place, and a first day.
+    QCommandLineOption place { QStringLiteral("place"),
+                               tr("find, recurring: entries whose place holds this text; the place of a recurring "
+                                  "expense."),
                                QStringLiteral("text") };
-    QCommandLineOption from { QStringLiteral("from"), tr("find: entries of this day or later."),
+    QCommandLineOption from { QStringLiteral("from"),
+                              tr("find, recurring: entries of this day or later; the first day of a recurring "
+                                 "expense."),
                               QStringLiteral("yyyy-MM-dd") };
     QCommandLineOption to { QStringLiteral("to"), tr("find: entries of this day or earlier."),
                             QStringLiteral("yyyy-MM-dd") };
