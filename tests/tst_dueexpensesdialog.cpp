@@ -11,6 +11,7 @@
 #include "widgettest.h"
 
 #include <QHeaderView>
+#include <QProcess>
 #include <QPushButton>
 #include <QTableWidget>
 #include <QtTest>
@@ -113,6 +114,7 @@ private slots:
     void laterLeavesEveryOccurrenceForTheNextStart();
     void aTickedOccurrenceWaitsForAnUntickedEarlierOneOfItsExpense();
     void anAmountThatIsNoAmountIsRefusedAndNothingIsPosted();
+    void whatAnotherProgramPostedMeanwhileIsNotPostedAgain();
 };
 
 void TestDueExpensesDialog::listsEachDueOccurrenceTickedWithAnEditableAmount()
@@ -233,6 +235,31 @@ void TestDueExpensesDialog::anAmountThatIsNoAmountIsRefusedAndNothingIsPosted()
     QCOMPARE(raw.dumpTables(), before);
     QVERIFY(dialog.isVisible());
     click(dialog, "pushButtonLater");
+}
+
+void TestDueExpensesDialog::whatAnotherProgramPostedMeanwhileIsNotPostedAgain()
+{
+    Fixture f;
+    DueExpensesDialog dialog(f.store, f.dueOccurrences());
+    dialog.show();
+    // A timer's post-due runs while the dialog shows: everything due by
+    // 28 Feb, the rent and the three in the dialog.
+    QProcess poster;
+    poster.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+    poster.start(QStringLiteral(LEDGERLY_POST_DUE_PROGRAM), { QStringLiteral("2026-02-28") });
+    QVERIFY(poster.waitForFinished(30000));
+    QCOMPARE(poster.exitCode(), 0);
+    QCOMPARE(f.entries().size(), 5);
+
+    table(dialog)->item(0, 4)->setText(QStringLiteral("93.47"));
+    click(dialog, "pushButtonPostTicked");
+    // Nothing twice, and nothing left to ask about.
+    QCOMPARE(f.entries(),
+             QStringList({ "2026-01-01T00:00:00 Rent 950.00", "2026-01-20T00:00:00 Electricity 80.00",
+                           "2026-02-01T00:00:00 Rent 950.00", "2026-02-10T00:00:00 Water 35.50",
+                           "2026-02-20T00:00:00 Electricity 80.00" }));
+    QCOMPARE(dialog.postedCount(), 0);
+    QVERIFY(!dialog.isVisible());
 }
 
 QTEST_MAIN(TestDueExpensesDialog)
