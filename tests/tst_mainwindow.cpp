@@ -57,6 +57,7 @@
 #include <QTableView>
 #include <QTableWidget>
 #include <QTemporaryDir>
+#include <QTimer>
 #include <QtTest>
 
 int qInitResources_ImageResource();
@@ -132,6 +133,7 @@ private slots:
     void withNothingDueTheStartPostsNothingAndShowsNoStatusBar();
     void dueExpensesPutOffUntilLaterAreAskedAboutAtTheNextStart();
     void postDueNowOnTheOptionsPagePostsWhatCameDueSinceTheStart();
+    void aWindowLeftOpenPostsWhatComesDueAfterMidnight();
     void noBudgetWarningForACategoryWithoutABudget();
 
     void formHasTheDesignedWidgetsAndGeometry_data();
@@ -503,6 +505,53 @@ void TestMainWindow::postDueNowOnTheOptionsPagePostsWhatCameDueSinceTheStart()
     QCOMPARE(table->rowCount(), 1);
     QCOMPARE(table->item(0, 5)->text(), today.addMonths(1).toString(Qt::TextDate));
     QVERIFY2(answerer.errors().isEmpty(), qPrintable(answerer.errors().join('\n')));
+}
+
+void TestMainWindow::aWindowLeftOpenPostsWhatComesDueAfterMidnight()
+{
+    MainWindowFixture f;
+    f.setUpFile();
+    MainWindow &window = f.window();
+    QVERIFY(f.show());
+    QCoreApplication::processEvents();
+    auto *timer = window.findChild<QTimer *>(QStringLiteral("timerRecurringDue"));
+    QVERIFY(timer);
+    QVERIFY(timer->isActive());
+    QVERIFY(timer->isSingleShot());
+    // A minute after the next midnight. The timer runs on the monotonic
+    // clock and midnight is on the wall clock, which may be set meanwhile:
+    // within ten minutes of it is close enough to tell it from any other day.
+    const QDate today = QDate::currentDate();
+    const qint64 untilMidnight = QDateTime::currentDateTime().msecsTo(today.addDays(1).startOfDay());
+    QVERIFY2(qAbs(timer->remainingTime() - (untilMidnight + 60000)) < 600000,
+             qPrintable(QStringLiteral("%1 ms, midnight in %2 ms").arg(timer->remainingTime()).arg(untilMidnight)));
+
+    // Due by then, and midnight comes now.
+    addRecurring(QStringLiteral("Rent"), 950, QStringLiteral("Housing"), today);
+    timer->start(0);
+    QTRY_COMPARE(entryLines(f.home.databasePath()),
+                 QStringList({ today.toString(Qt::ISODate) + QStringLiteral(" Rent 950.00") }));
+    auto *label = window.findChild<QLabel *>(QStringLiteral("labelRecurringPosted"));
+    QVERIFY(label);
+    QCOMPARE(label->text(), QStringLiteral("Posted 1 recurring expense (Rent)"));
+    // And the next midnight after that.
+    QVERIFY(timer->isActive());
+    QVERIFY(timer->remainingTime() > 1000);
+
+    // Under a dialog waiting for an answer, it waits a minute more.
+    addRecurring(QStringLiteral("Phone"), 25, QStringLiteral("Bills"), today);
+    {
+        QDialog waiting;
+        waiting.setModal(true);
+        waiting.show();
+        QTRY_COMPARE(QApplication::activeModalWidget(), &waiting);
+        timer->start(0);
+        QTRY_VERIFY(timer->remainingTime() > 50000 && timer->remainingTime() <= 60000);
+        QCOMPARE(entryLines(f.home.databasePath()).size(), 1);
+    }
+    timer->start(0);
+    QTRY_COMPARE(entryLines(f.home.databasePath()).size(), 2);
+    QCOMPARE(label->text(), QStringLiteral("Posted 1 recurring expense (Phone)"));
 }
 
 void TestMainWindow::noBudgetWarningForACategoryWithoutABudget()

@@ -28,6 +28,7 @@
 #include "settings.h"
 
 #include <QActionGroup>
+#include <QApplication>
 #include <QCloseEvent>
 #include <QDir>
 #include <QGridLayout>
@@ -38,6 +39,9 @@
 #include <QProgressDialog>
 #include <QScreen>
 #include <QStatusBar>
+#include <QTimer>
+
+#include <algorithm>
 
 namespace {
 
@@ -119,6 +123,13 @@ MainWindow::MainWindow(QWidget *parent) : QMainWindow(parent), ui(new Ui::MainWi
         // Once the window is on screen, so that the dialog shows over it.
         QMetaObject::invokeMethod(
             this, [this] { postDueRecurringExpenses(); }, Qt::QueuedConnection);
+        timerRecurringDue = new QTimer(this);
+        timerRecurringDue->setObjectName(QStringLiteral("timerRecurringDue"));
+        timerRecurringDue->setSingleShot(true);
+        // A coarse timer may fire up to 5 % of a day early, before midnight.
+        timerRecurringDue->setTimerType(Qt::PreciseTimer);
+        connect(timerRecurringDue, &QTimer::timeout, this, &MainWindow::reviewRecurringExpenses);
+        scheduleRecurringReview();
     }
 }
 
@@ -532,6 +543,23 @@ bool MainWindow::postDueRecurringExpenses()
     if (dialog.postedCount() > 0)
         IsEntryPresentInDatabase = true;
     return true;
+}
+
+void MainWindow::scheduleRecurringReview()
+{
+    const QDateTime next = QDate::currentDate().addDays(1).startOfDay().addSecs(60);
+    timerRecurringDue->start(int(std::clamp<qint64>(QDateTime::currentDateTime().msecsTo(next), 1000, 90000000)));
+}
+
+void MainWindow::reviewRecurringExpenses()
+{
+    // Not under a dialog or message box that waits for an answer.
+    if (QApplication::activeModalWidget()) {
+        timerRecurringDue->start(60000);
+        return;
+    }
+    postDueRecurringExpenses();
+    scheduleRecurringReview();
 }
 
 void MainWindow::showOptionsPage()

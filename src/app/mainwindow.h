@@ -13,6 +13,7 @@
 
 class DatabaseManager;
 class QLabel;
+class QTimer;
 
 namespace Ui {
 class MainWindow;
@@ -79,6 +80,10 @@ private:
     bool postDueRecurringExpenses();
     // A fresh options page, whose "Post Due Now" posts through the window.
     void showOptionsPage();
+    // A window left open posts what comes due each day too: a minute after
+    // the next midnight, or a minute later while a dialog is open.
+    void scheduleRecurringReview();
+    void reviewRecurringExpenses();
 
     Ui::MainWindow *ui;
     DatabaseManager *dbManager;
@@ -89,4 +94,5 @@ private:
     QSize designedPageSize;
     QLabel *labelBudgetWarning;
     QLabel *labelRecurringPosted = nullptr;
+    QTimer *timerRecurringDue = nullptr;
 };
