@@ -23,16 +23,11 @@ int main(int argc, char *argv[])
     QCoreApplication app(argc, argv);
     QTextStream out(stdout);
     QTemporaryDir home;
-    qputenv("HOME", QFile::encodeName(home.path()));
-    qputenv("XDG_CONFIG_HOME", QFile::encodeName(home.path() + QStringLiteral("/.config")));
-
     const int count = 50000;
-    DatabaseManager store(nullptr);
-    QString error;
-    if (!store.isUsable() || !fillTenYearsOfEntries(DatabaseManager::defaultFileName(), count, &error)) {
-        out << "cannot make the entries: " << error << Qt::endl;
+    const std::unique_ptr<DatabaseManager> made = storeWithTenYears(home, count, out);
+    if (!made)
         return 1;
-    }
+    DatabaseManager &store = *made;
     Budgets budgets(store);
     int budgeted = 0;
     for (const Category *category : owned(store.GetAllCategories())) {

@@ -7,6 +7,7 @@
 // written on a connection of their own, medians of timings and the process's
 // peak memory.
 
+#include "databasemanager.h"
 #include "storageform.h"
 
 #include <QDate>
@@ -17,10 +18,13 @@
 #include <QSqlError>
 #include <QSqlQuery>
 #include <QString>
+#include <QTemporaryDir>
+#include <QTextStream>
 #include <QVariant>
 
 #include <algorithm>
 #include <functional>
+#include <memory>
 #include <vector>
 
 #include <sys/resource.h>
@@ -120,4 +124,20 @@ inline bool fillTenYearsOfEntries(const QString &fileName, int count, QString *e
             return QString();
         },
         error);
+}
+
+// Points HOME and the settings at `home` and opens the store there with
+// `count` entries over ten years; null, with the reason on `out`, when it
+// cannot.
+inline std::unique_ptr<DatabaseManager> storeWithTenYears(const QTemporaryDir &home, int count, QTextStream &out)
+{
+    qputenv("HOME", QFile::encodeName(home.path()));
+    qputenv("XDG_CONFIG_HOME", QFile::encodeName(home.path() + QStringLiteral("/.config")));
+    auto store = std::make_unique<DatabaseManager>(nullptr);
+    QString error;
+    if (!store->isUsable() || !fillTenYearsOfEntries(DatabaseManager::defaultFileName(), count, &error)) {
+        out << "cannot make the entries: " << error << Qt::endl;
+        return nullptr;
+    }
+    return store;
 }

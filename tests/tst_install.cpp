@@ -80,15 +80,15 @@ struct HelpText
     QStringList commands;
     QStringList options; // the long and the short forms
     QMap<QString, QString> valueOf;
-    QMap<QString, QString> commandOf;
+    QMap<QString, QString> commandOf; // "import", or "recurring, post-due"
 };
 
 HelpText parseHelp(const QString &text)
 {
     HelpText help;
     static const QRegularExpression command(QStringLiteral("^  ([a-z][a-z-]*)( |$)"));
-    static const QRegularExpression option(
-        QStringLiteral("^  (?:(-[a-zA-Z0-9]), )?(--[a-zA-Z0-9-]+)(?: <([^>]*)>)? +(?:([a-z][a-z-]*): )?"));
+    static const QRegularExpression option(QStringLiteral(
+        "^  (?:(-[a-zA-Z0-9]), )?(--[a-zA-Z0-9-]+)(?: <([^>]*)>)? +(?:([a-z][a-z-]*(?:, [a-z][a-z-]*)*): )?"));
     enum { Description, Options, Arguments } section = Description;
     const QStringList lines = text.split(QLatin1Char('\n'));
     for (const QString &line : lines) {
@@ -670,7 +670,8 @@ void TestInstall::bashCompletesCommandsOptionsValuesAndFiles_data()
         QStringList offered;
         for (const QString &option : help.options) {
             if (option.startsWith(QLatin1String("--")) &&
-                (!help.commandOf.contains(option) || help.commandOf[option] == command))
+                (!help.commandOf.contains(option) ||
+                 help.commandOf[option].split(QStringLiteral(", ")).contains(command)))
                 offered << option;
         }
         return offered;
@@ -692,6 +693,9 @@ void TestInstall::bashCompletesCommandsOptionsValuesAndFiles_data()
         << "ledgerly import x --date-order=d" << dateOrders.filter(QRegularExpression(QStringLiteral("^d")));
     QTest::newRow("the options of import") << "ledgerly import x --" << optionsOf(QStringLiteral("import"));
     QTest::newRow("the options of backup") << "ledgerly backup x --" << optionsOf(QStringLiteral("backup"));
+    QTest::newRow("the options of post-due") << "ledgerly post-due --" << optionsOf(QStringLiteral("post-due"));
+    QTest::newRow("the options of recurring")
+        << "ledgerly recurring add Rent 950 Housing --" << optionsOf(QStringLiteral("recurring"));
     // In a directory holding a.csv, b.qif, c.ofx, d.QFX, e.txt and sub/.
     QTest::newRow("files to import") << "ledgerly import "
                                      << QStringList { QStringLiteral("a.csv"), QStringLiteral("b.qif"),

@@ -12,6 +12,7 @@
 #include "mainwindow.h"
 #include "rules.h"
 #include "optionswidget.h"
+#include "recurringexpenses.h"
 
 #include "contrast.h"
 #include "dialoganswerer.h"
@@ -57,6 +58,7 @@
 #include <QTableView>
 #include <QTableWidget>
 #include <QTemporaryDir>
+#include <QTimer>
 #include <QtTest>
 
 int qInitResources_ImageResource();
@@ -128,6 +130,11 @@ private slots:
     void cleanup();
 
     void aBudgetWarningShowsWhenAnEntryCrossesAThresholdUntilTheNextPage();
+    void dueRecurringExpensesArePostedAtStartAndTheStatusBarNamesThem();
+    void withNothingDueTheStartPostsNothingAndShowsNoStatusBar();
+    void dueExpensesPutOffUntilLaterAreAskedAboutAtTheNextStart();
+    void postDueNowOnTheOptionsPagePostsWhatCameDueSinceTheStart();
+    void aWindowLeftOpenPostsWhatComesDueAfterMidnight();
     void noBudgetWarningForACategoryWithoutABudget();
 
     void formHasTheDesignedWidgetsAndGeometry_data();
@@ -327,6 +334,227 @@ void TestMainWindow::aBudgetWarningShowsWhenAnEntryCrossesAThresholdUntilTheNext
     f.click("pushButtonHistory");
     QVERIFY(!window.statusBar()->isVisible());
     QCOMPARE(label->text(), QString());
+}
+
+namespace {
+
+// A recurring expense, added through a store of the test's own before the
+// window opens or beside it.
+void addRecurring(const QString &item, double amount, const QString &category, const QDate &first,
+                  PostingMode mode = PostingMode::Auto)
+{
+    DatabaseManager store(nullptr);
+    RecurringExpense expense;
+    expense.item = item;
+    expense.amount = amount;
+    expense.category = category;
+    expense.every = { 1, RecurrenceUnit::Month };
+    expense.first = first;
+    expense.mode = mode;
+    if (RecurringExpenses(store).add(expense) <= 0)
+        qWarning("not added: %s", qPrintable(item));
+}
+
+// "yyyy-MM-dd item price", oldest first, read on a connection of the test's.
+QStringList entryLines(const QString &databasePath)
+{
+    RawDatabase raw(databasePath);
+    QStringList lines;
+    for (const QVariantList &row : raw.rows(QStringLiteral("SELECT substr(TransactDateTime, 1, 10), ItemName, Price "
+                                                           "FROM Entry ORDER BY TransactDateTime, SNo")))
+        lines << QStringLiteral("%1 %2 %3")
+                     .arg(row.at(0).toString(), row.at(1).toString(), QString::number(row.at(2).toDouble(), 'f', 2));
+    return lines;
+}
+
+QString dueTableText(QDialog &dialog, int row, int column)
+{
+    return child<QTableWidget>(dialog, "tableWidgetDueExpenses")->item(row, column)->text();
+}
+
+} // namespace
+
+void TestMainWindow::dueRecurringExpensesArePostedAtStartAndTheStatusBarNamesThem()
+{
+    MainWindowFixture f;
+    f.setUpFile();
+    const QDate today = QDate::currentDate();
+    addRecurring(QStringLiteral("Rent"), 950, QStringLiteral("Housing"), today.addDays(-1));
+    addRecurring(QStringLiteral("Phone"), 25, QStringLiteral("Bills"), today);
+    addRecurring(QStringLiteral("Netflix"), 12.99, QStringLiteral("Streaming"), today);
+    addRecurring(QStringLiteral("Gym"), 30, QStringLiteral("Sport"), today.addDays(1));
+    addRecurring(QStringLiteral("Electricity"), 80, QStringLiteral("Bills"), today, PostingMode::Confirm);
+
+    DialogAnswerer dialogs(QStringLiteral("DueExpensesDialog"));
+    QStringList asked;
+    dialogs.answer([&asked, today](QDialog &dialog) {
+        QCOMPARE(dialog.windowTitle(), QStringLiteral("Due Expenses"));
+        asked << dueTableText(dialog, 0, 1) << dueTableText(dialog, 0, 2) << dueTableText(dialog, 0, 3)
+              << dueTableText(dialog, 0, 4);
+        child<QTableWidget>(dialog, "tableWidgetDueExpenses")->item(0, 4)->setText(QStringLiteral("91.30"));
+        child<QPushButton>(dialog, "pushButtonPostTicked")->click();
+    });
+    MainWindow &window = f.window();
+    QVERIFY(f.show());
+    QTRY_COMPARE(dialogs.answered(), 1);
+    QVERIFY2(dialogs.errors().isEmpty(), qPrintable(dialogs.errors().join('\n')));
+    QCOMPARE(asked, QStringList({ today.toString(Qt::TextDate), "Electricity", "Bills", "80.00" }));
+
+    auto *label = window.findChild<QLabel *>(QStringLiteral("labelRecurringPosted"));
+    QVERIFY(label);
+    QVERIFY(window.statusBar()->isVisible());
+    QCOMPARE(label->text(), QStringLiteral("Posted 3 recurring expenses (Rent, Phone, Netflix)"));
+    const QString day = today.toString(Qt::ISODate);
+    QCOMPARE(entryLines(f.home.databasePath()),
+             QStringList({ today.addDays(-1).toString(Qt::ISODate) + QStringLiteral(" Rent 950.00"),
+                           day + QStringLiteral(" Phone 25.00"), day + QStringLiteral(" Netflix 12.99"),
+                           day + QStringLiteral(" Electricity 91.30") }));
+
+    // The next page takes the message away; History opens on the entries.
+    f.click("pushButtonHistory");
+    QVERIFY(qobject_cast<HistoryWidget *>(f.page()));
+    QVERIFY(!window.statusBar()->isVisible());
+    QCOMPARE(label->text(), QString());
+
+    // The next start has nothing left to post.
+    MainWindow &again = f.restart();
+    QVERIFY(f.show());
+    QCoreApplication::processEvents();
+    QVERIFY(!again.findChild<QLabel *>(QStringLiteral("labelRecurringPosted")));
+    QCOMPARE(entryLines(f.home.databasePath()).size(), 4);
+}
+
+void TestMainWindow::withNothingDueTheStartPostsNothingAndShowsNoStatusBar()
+{
+    MainWindowFixture f;
+    f.setUpFile();
+    addRecurring(QStringLiteral("Gym"), 30, QStringLiteral("Sport"), QDate::currentDate().addDays(1));
+    RawDatabase raw(f.home.databasePath());
+    const QStringList before = raw.dumpTables();
+    DialogAnswerer dialogs(QStringLiteral("DueExpensesDialog"));
+    MainWindow &window = f.window();
+    QVERIFY(f.show());
+    QCoreApplication::processEvents();
+    QCOMPARE(dialogs.answered(), 0);
+    QVERIFY2(dialogs.errors().isEmpty(), qPrintable(dialogs.errors().join('\n')));
+    QVERIFY(!window.findChild<QStatusBar *>() || !window.statusBar()->isVisible());
+    QCOMPARE(raw.dumpTables(), before);
+}
+
+void TestMainWindow::dueExpensesPutOffUntilLaterAreAskedAboutAtTheNextStart()
+{
+    MainWindowFixture f;
+    f.setUpFile();
+    const QDate today = QDate::currentDate();
+    addRecurring(QStringLiteral("Electricity"), 80, QStringLiteral("Bills"), today.addMonths(-1), PostingMode::Confirm);
+    RawDatabase raw(f.home.databasePath());
+    const QStringList before = raw.dumpTables();
+
+    DialogAnswerer dialogs(QStringLiteral("DueExpensesDialog"));
+    int rows = 0;
+    dialogs.answer([&rows](QDialog &dialog) {
+        rows = child<QTableWidget>(dialog, "tableWidgetDueExpenses")->rowCount();
+        child<QPushButton>(dialog, "pushButtonLater")->click();
+    });
+    f.window();
+    QVERIFY(f.show());
+    QTRY_COMPARE(dialogs.answered(), 1);
+    QCOMPARE(rows, 2);
+    QCOMPARE(raw.dumpTables(), before);
+
+    // Asked again, and skipped: no entry, and the next one is next month's.
+    dialogs.answer([&rows](QDialog &dialog) {
+        rows = child<QTableWidget>(dialog, "tableWidgetDueExpenses")->rowCount();
+        child<QPushButton>(dialog, "pushButtonSkipTicked")->click();
+    });
+    f.restart();
+    QVERIFY(f.show());
+    QTRY_COMPARE(dialogs.answered(), 2);
+    QVERIFY2(dialogs.errors().isEmpty(), qPrintable(dialogs.errors().join('\n')));
+    QCOMPARE(rows, 2);
+    QCOMPARE(entryLines(f.home.databasePath()), QStringList());
+    QCOMPARE(raw.scalar(QStringLiteral("SELECT NextDate FROM RecurringExpense")).toString(),
+             today.addMonths(-1).addMonths(2).toString(Qt::ISODate));
+}
+
+void TestMainWindow::postDueNowOnTheOptionsPagePostsWhatCameDueSinceTheStart()
+{
+    MainWindowFixture f;
+    f.setUpFile();
+    MainWindow &window = f.window();
+    QVERIFY(f.show());
+    f.click("pushButtonOptions");
+    auto *page = qobject_cast<OptionsWidget *>(f.page());
+    QVERIFY(page);
+    child<QTabWidget>(*page, "tabWidgetOptionsContainer")->setCurrentIndex(4);
+
+    MessageBoxAnswerer answerer;
+    answerer.answer(QMessageBox::Ok);
+    child<QPushButton>(*page, "pushButtonPostDueNow")->click();
+    QVERIFY(answerer.waitForBoxes(1));
+    QCOMPARE(answerer.texts(), QStringList({ "No recurring expense is due." }));
+
+    // Added while the window runs, due today.
+    const QDate today = QDate::currentDate();
+    addRecurring(QStringLiteral("Rent"), 950, QStringLiteral("Housing"), today);
+    child<QPushButton>(*page, "pushButtonPostDueNow")->click();
+    QCOMPARE(entryLines(f.home.databasePath()),
+             QStringList({ today.toString(Qt::ISODate) + QStringLiteral(" Rent 950.00") }));
+    auto *label = window.findChild<QLabel *>(QStringLiteral("labelRecurringPosted"));
+    QVERIFY(label);
+    QCOMPARE(label->text(), QStringLiteral("Posted 1 recurring expense (Rent)"));
+    // The tab shows the next one.
+    auto *table = child<QTableWidget>(*page, "tableWidgetRecurring");
+    QCOMPARE(table->rowCount(), 1);
+    QCOMPARE(table->item(0, 5)->text(), today.addMonths(1).toString(Qt::TextDate));
+    QVERIFY2(answerer.errors().isEmpty(), qPrintable(answerer.errors().join('\n')));
+}
+
+void TestMainWindow::aWindowLeftOpenPostsWhatComesDueAfterMidnight()
+{
+    MainWindowFixture f;
+    f.setUpFile();
+    MainWindow &window = f.window();
+    QVERIFY(f.show());
+    QCoreApplication::processEvents();
+    auto *timer = window.findChild<QTimer *>(QStringLiteral("timerRecurringDue"));
+    QVERIFY(timer);
+    QVERIFY(timer->isActive());
+    QVERIFY(timer->isSingleShot());
+    // A minute after the next midnight. The timer runs on the monotonic
+    // clock and midnight is on the wall clock, which may be set meanwhile:
+    // within ten minutes of it is close enough to tell it from any other day.
+    const QDate today = QDate::currentDate();
+    const qint64 untilMidnight = QDateTime::currentDateTime().msecsTo(today.addDays(1).startOfDay());
+    QVERIFY2(qAbs(timer->remainingTime() - (untilMidnight + 60000)) < 600000,
+             qPrintable(QStringLiteral("%1 ms, midnight in %2 ms").arg(timer->remainingTime()).arg(untilMidnight)));
+
+    // Due by then, and midnight comes now.
+    addRecurring(QStringLiteral("Rent"), 950, QStringLiteral("Housing"), today);
+    timer->start(0);
+    QTRY_COMPARE(entryLines(f.home.databasePath()),
+                 QStringList({ today.toString(Qt::ISODate) + QStringLiteral(" Rent 950.00") }));
+    auto *label = window.findChild<QLabel *>(QStringLiteral("labelRecurringPosted"));
+    QVERIFY(label);
+    QCOMPARE(label->text(), QStringLiteral("Posted 1 recurring expense (Rent)"));
+    // And the next midnight after that.
+    QVERIFY(timer->isActive());
+    QVERIFY(timer->remainingTime() > 1000);
+
+    // Under a dialog waiting for an answer, it waits a minute more.
+    addRecurring(QStringLiteral("Phone"), 25, QStringLiteral("Bills"), today);
+    {
+        QDialog waiting;
+        waiting.setModal(true);
+        waiting.show();
+        QTRY_COMPARE(QApplication::activeModalWidget(), &waiting);
+        timer->start(0);
+        QTRY_VERIFY(timer->remainingTime() > 50000 && timer->remainingTime() <= 60000);
+        QCOMPARE(entryLines(f.home.databasePath()).size(), 1);
+    }
+    timer->start(0);
+    QTRY_COMPARE(entryLines(f.home.databasePath()).size(), 2);
+    QCOMPARE(label->text(), QStringLiteral("Posted 1 recurring expense (Phone)"));
 }
 
 void TestMainWindow::noBudgetWarningForACategoryWithoutABudget()
@@ -2648,8 +2876,8 @@ void TestMainWindow::noTextOfAnyPageIsCutOffAtTheDefaultSize()
             seen.insert(text);
         }
     });
-    // Home, About, new entry, six history tabs, details, five options tabs.
-    QCOMPARE(pages, 15);
+    // Home, About, new entry, six history tabs, details, six options tabs.
+    QCOMPARE(pages, 16);
     QVERIFY2(answerer.errors().isEmpty(), qPrintable(answerer.errors().join(QLatin1Char('\n'))));
     if (!qEnvironmentVariableIsEmpty("LEDGERLY_GRAB"))
         window.grab().save(qEnvironmentVariable("LEDGERLY_GRAB"));

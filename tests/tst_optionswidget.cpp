@@ -4,6 +4,7 @@
 #include "databasemanager.h"
 #include "mainwindow.h"
 #include "optionswidget.h"
+#include "recurringexpenses.h"
 #include "settings.h"
 #include "storageform.h"
 
@@ -19,6 +20,7 @@
 #include <QComboBox>
 #include <QDialogButtonBox>
 #include <QDateTimeEdit>
+#include <QDialogButtonBox>
 #include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
@@ -43,7 +45,7 @@ namespace {
 
 const QString unsavedText = QStringLiteral("Your changes to the entries could not be saved.");
 
-enum Tab { CategoryTab = 0, ModeTab = 1, EntriesTab = 2, BudgetsTab = 3, RulesTab = 4 };
+enum Tab { CategoryTab = 0, ModeTab = 1, EntriesTab = 2, BudgetsTab = 3, RulesTab = 4, RecurringTab = 5 };
 enum Column { ItemNameColumn = 1, DateColumn = 4, PriceColumn = 5, LocationColumn = 6 };
 
 QStringList items(const QComboBox *box)
@@ -176,6 +178,11 @@ private slots:
     void upAndDownMoveTheSelectedRuleAndTheSelectionFollows();
     void applyShowsTheDryRunCountBeforeItRecategorises();
     void applyWithNothingToDoSaysSoAndAsksNothing();
+    void recurringTabListsEveryExpenseAndTheNextThirtyDaysWithTheirTotal();
+    void addingARecurringExpenseStoresWhatTheDialogSays();
+    void aRecurringExpenseThatCannotBeKeptKeepsTheDialogOpenAndStoresNothing();
+    void editingARecurringExpenseStoresTheChange();
+    void removingARecurringExpenseAsksFirstAndKeepsItsEntries();
     void initTestCase() { WidgetTest::initTestCase(); }
     void cleanup();
 
@@ -329,13 +336,15 @@ void TestOptionsWidget::tabsCaptionsAndButtonsCarryTheirTexts()
 {
     Fixture f;
     OptionsWidget page(&f.store);
-    // The three described tabs, then the budgets' and the rules'.
-    QCOMPARE(tabs(page)->count(), 5);
+    // The three described tabs, then the budgets', the rules' and the
+    // recurring expenses'.
+    QCOMPARE(tabs(page)->count(), 6);
     const QStringList tabNames = { QStringLiteral("tabAddCategory"), QStringLiteral("tabSwitchModes"),
                                    QStringLiteral("tabEditEntries"), QStringLiteral("tabBudgets"),
-                                   QStringLiteral("tabRules") };
+                                   QStringLiteral("tabRules"),       QStringLiteral("tabRecurring") };
     const QStringList titles = { QStringLiteral("Category"), QStringLiteral("Switch Modes"),
-                                 QStringLiteral("Edit Entries"), QStringLiteral("Budgets"), QStringLiteral("Rules") };
+                                 QStringLiteral("Edit Entries"), QStringLiteral("Budgets"),
+                                 QStringLiteral("Rules"),    QStringLiteral("Recurring") };
     for (int i = 0; i < 5; ++i) {
         QCOMPARE(tabs(page)->widget(i)->objectName(), tabNames.at(i));
         QCOMPARE(tabs(page)->tabText(i), titles.at(i));
@@ -1548,7 +1557,7 @@ void TestOptionsWidget::budgetsTabListsEveryCategoryWithItsBudgetAndTheMonthStar
     QVERIFY(f.raw.exec(QStringLiteral("INSERT INTO Budget VALUES ('Food', 400, 'month'), ('Drinks', 12.5, 'week')")));
     OptionsWidget page(&f.store);
     QTabWidget *tabBox = tabs(page);
-    QCOMPARE(tabBox->count(), 5);
+    QCOMPARE(tabBox->count(), 6);
     QCOMPARE(tabBox->tabText(BudgetsTab), QStringLiteral("Budgets"));
     QCOMPARE(budgetTable(page)->rowCount(), 0);
 
@@ -1688,6 +1697,23 @@ QStringList shownRules(const OptionsWidget &page)
     return rows;
 }
 
+QTableWidget *recurringTable(const OptionsWidget &page)
+{
+    return child<QTableWidget>(page, "tableWidgetRecurring");
+}
+
+QList<QStringList> tableRows(const QTableWidget *table)
+{
+    QList<QStringList> rows;
+    for (int row = 0; row < table->rowCount(); ++row) {
+        QStringList cells;
+        for (int column = 0; column < table->columnCount(); ++column)
+            cells << table->item(row, column)->text();
+        rows << cells;
+    }
+    return rows;
+}
+
 QList<QVariantList> storedRules(RawDatabase &raw)
 {
     return raw.rows(
@@ -1710,6 +1736,34 @@ void fillRuleDialog(QDialog &dialog, const QString &text, const QString &in, boo
     child<QComboBox>(dialog, "comboBoxRuleCategory")->setCurrentText(category);
 }
 
+int addRecurring(DatabaseManager &store, const QString &item, double amount, const QString &category,
+                 const Recurrence &every, const QDate &first, int times = 0)
+{
+    RecurringExpense expense;
+    expense.item = item;
+    expense.amount = amount;
+    expense.category = category;
+    expense.every = every;
+    expense.first = first;
+    expense.end.times = times;
+    return RecurringExpenses(store).add(expense);
+}
+
+// Each stored recurring expense, its values as texts and NULL as "NULL".
+QList<QStringList> storedRecurring(RawDatabase &raw)
+{
+    QList<QStringList> rows;
+    for (const QVariantList &row : raw.rows(
+             QStringLiteral("SELECT ItemName, Price, CategoryName, LocationText, EveryCount, EveryUnit, FirstDate, "
+                            "LastDate, Times, Mode, NextDate FROM RecurringExpense ORDER BY SNo"))) {
+        QStringList texts;
+        for (const QVariant &value : row)
+            texts << (value.isNull() ? QStringLiteral("NULL") : value.toString());
+        rows << texts;
+    }
+    return rows;
+}
+
 void pressOk(QDialog &dialog)
 {
     child<QDialogButtonBox>(dialog, "buttonBox")->button(QDialogButtonBox::Ok)->click();
@@ -1722,7 +1776,7 @@ void TestOptionsWidget::rulesTabListsTheRulesInTheOrderTheyAreTried()
     Fixture f;
     addRules(f.raw);
     OptionsWidget page(&f.store);
-    QCOMPARE(tabs(page)->count(), 5);
+    QCOMPARE(tabs(page)->count(), 6);
     QCOMPARE(tabs(page)->tabText(RulesTab), QStringLiteral("Rules"));
     QCOMPARE(tabs(page)->widget(RulesTab)->objectName(), QStringLiteral("tabRules"));
     tabs(page)->setCurrentIndex(RulesTab);
@@ -1923,6 +1977,172 @@ void TestOptionsWidget::applyWithNothingToDoSaysSoAndAsksNothing()
     QCOMPARE(answerer.texts(),
              QStringList({ QStringLiteral("No stored entry in Others matches a rule: nothing to recategorise.") }));
     VERIFY_BOX_SHAPE(answerer.seen().constFirst(), BoxKind::Information);
+}
+
+void TestOptionsWidget::recurringTabListsEveryExpenseAndTheNextThirtyDaysWithTheirTotal()
+{
+    Fixture f;
+    const QDate today = QDate::currentDate();
+    // Weekly from today: today and 7, 14, 21 and 28 days on fall in the 30
+    // days; the rent once, three days on, its next month beyond them.
+    addRecurring(f.store, QStringLiteral("Paper"), 2, QStringLiteral("News"), { 1, RecurrenceUnit::Week }, today);
+    addRecurring(f.store, QStringLiteral("Rent"), 900, QStringLiteral("Housing"), { 1, RecurrenceUnit::Month },
+                 today.addDays(3));
+    const int done = addRecurring(f.store, QStringLiteral("Course"), 50, QStringLiteral("Education"),
+                                  { 1, RecurrenceUnit::Month }, QDate(2020, 1, 1), 1);
+    QCOMPARE(RecurringExpenses(f.store).postDue(QDate(2020, 1, 1), false).posted.size(), 1);
+    QVERIFY(done > 0);
+
+    OptionsWidget page(&f.store);
+    QCOMPARE(tabs(page)->tabText(RecurringTab), QStringLiteral("Recurring"));
+    tabs(page)->setCurrentIndex(RecurringTab);
+    QTableWidget *table = recurringTable(page);
+    QStringList headings;
+    for (int column = 0; column < table->columnCount(); ++column)
+        headings << table->horizontalHeaderItem(column)->text();
+    QCOMPARE(headings, QStringList({ "Item", "Amount", "Category", "Place", "Every", "Next", "End", "Mode" }));
+    QCOMPARE(
+        tableRows(table),
+        QList<QStringList>(
+            { { "Paper", "2.00", "News", "", "1 week", today.toString(Qt::TextDate), "Never", "auto" },
+              { "Rent", "900.00", "Housing", "", "1 month", today.addDays(3).toString(Qt::TextDate), "Never", "auto" },
+              { "Course", "50.00", "Education", "", "1 month", "Finished", "Once", "auto" } }));
+
+    QList<QStringList> coming;
+    for (int days : { 0, 3, 7, 14, 21, 28 }) {
+        const QString day = today.addDays(days).toString(Qt::TextDate);
+        if (days == 3)
+            coming.append({ day, "Rent", "Housing", "900.00" });
+        else
+            coming.append({ day, "Paper", "News", "2.00" });
+    }
+    QCOMPARE(tableRows(child<QTableWidget>(page, "tableWidgetRecurringPreview")), coming);
+    QCOMPARE(child<QLabel>(page, "labelRecurringPreview")->text(), QStringLiteral("The next 30 days"));
+    QCOMPARE(child<QLabel>(page, "labelRecurringPreviewTotal")->text(), QStringLiteral("Total: 910.00"));
+    for (const auto &[name, text] :
+         { std::pair("pushButtonAddRecurring", "Add"), std::pair("pushButtonEditRecurring", "Edit"),
+           std::pair("pushButtonRemoveRecurring", "Remove"), std::pair("pushButtonPostDueNow", "Post Due Now") })
+        QCOMPARE(child<QPushButton>(page, QLatin1String(name))->text(), QLatin1String(text));
+}
+
+void TestOptionsWidget::addingARecurringExpenseStoresWhatTheDialogSays()
+{
+    Fixture f;
+    OptionsWidget page(&f.store);
+    tabs(page)->setCurrentIndex(RecurringTab);
+    DialogAnswerer dialogs(QStringLiteral("RecurringExpenseDialog"));
+    dialogs.answer([](QDialog &dialog) {
+        QCOMPARE(dialog.windowTitle(), QStringLiteral("Add Recurring Expense"));
+        child<QLineEdit>(dialog, "lineEditItem")->setText(QStringLiteral("Electricity"));
+        child<QLineEdit>(dialog, "lineEditAmount")->setText(QStringLiteral("80.25"));
+        child<QComboBox>(dialog, "comboBoxCategory")->setCurrentText(QStringLiteral("Utilities"));
+        child<QLineEdit>(dialog, "lineEditPlace")->setText(QStringLiteral("Power Co"));
+        child<QSpinBox>(dialog, "spinBoxEvery")->setValue(2);
+        auto *unit = child<QComboBox>(dialog, "comboBoxUnit");
+        unit->setCurrentIndex(unit->findText(QStringLiteral("months")));
+        child<QDateEdit>(dialog, "dateEditFirst")->setDate(QDate(2026, 1, 31));
+        auto *end = child<QComboBox>(dialog, "comboBoxEnd");
+        end->setCurrentIndex(end->findText(QStringLiteral("After a number of times")));
+        child<QSpinBox>(dialog, "spinBoxTimes")->setValue(6);
+        child<QCheckBox>(dialog, "checkBoxConfirm")->setChecked(true);
+        pressOk(dialog);
+    });
+    child<QPushButton>(page, "pushButtonAddRecurring")->click();
+    QCOMPARE(dialogs.answered(), 1);
+    QVERIFY2(dialogs.errors().isEmpty(), qPrintable(dialogs.errors().join('\n')));
+
+    QCOMPARE(storedRecurring(f.raw),
+             QList<QStringList>({ { "Electricity", "80.25", "Utilities", "Power Co", "2", "m", "2026-01-31", "NULL",
+                                    "6", "confirm", "2026-01-31" } }));
+    QCOMPARE(f.raw.scalar(QStringLiteral("SELECT count(*) FROM Category WHERE CategoryName = 'Utilities'")).toInt(), 1);
+    QCOMPARE(recurringTable(page)->rowCount(), 1);
+    QCOMPARE(recurringTable(page)->item(0, 6)->text(), QStringLiteral("6 times"));
+    QCOMPARE(recurringTable(page)->item(0, 7)->text(), QStringLiteral("confirm"));
+}
+
+void TestOptionsWidget::aRecurringExpenseThatCannotBeKeptKeepsTheDialogOpenAndStoresNothing()
+{
+    Fixture f;
+    OptionsWidget page(&f.store);
+    tabs(page)->setCurrentIndex(RecurringTab);
+    const QStringList before = f.raw.dumpTables();
+    DialogAnswerer dialogs(QStringLiteral("RecurringExpenseDialog"));
+    MessageBoxAnswerer answerer;
+    dialogs.answer([&answerer](QDialog &dialog) {
+        child<QLineEdit>(dialog, "lineEditAmount")->setText(QStringLiteral("12"));
+        child<QComboBox>(dialog, "comboBoxCategory")->setCurrentText(QStringLiteral("Bills"));
+        answerer.answer(QMessageBox::Ok);
+        pressOk(dialog);
+        QVERIFY(answerer.waitForBoxes(1));
+        QVERIFY(dialog.isVisible());
+        child<QDialogButtonBox>(dialog, "buttonBox")->button(QDialogButtonBox::Cancel)->click();
+    });
+    child<QPushButton>(page, "pushButtonAddRecurring")->click();
+    QCOMPARE(dialogs.answered(), 1);
+    QVERIFY2(dialogs.errors().isEmpty(), qPrintable(dialogs.errors().join('\n')));
+    QCOMPARE(answerer.texts(), QStringList({ "A recurring expense needs an item." }));
+    QCOMPARE(f.raw.dumpTables(), before);
+    QCOMPARE(recurringTable(page)->rowCount(), 0);
+}
+
+void TestOptionsWidget::editingARecurringExpenseStoresTheChange()
+{
+    Fixture f;
+    addRecurring(f.store, QStringLiteral("Gym"), 30, QStringLiteral("Sport"), { 1, RecurrenceUnit::Month },
+                 QDate(2026, 1, 15));
+    addRecurring(f.store, QStringLiteral("Rent"), 900, QStringLiteral("Housing"), { 1, RecurrenceUnit::Month },
+                 QDate(2026, 1, 1));
+    OptionsWidget page(&f.store);
+    tabs(page)->setCurrentIndex(RecurringTab);
+    // Listed by next day: the rent first.
+    recurringTable(page)->selectRow(0);
+    DialogAnswerer dialogs(QStringLiteral("RecurringExpenseDialog"));
+    dialogs.answer([](QDialog &dialog) {
+        QCOMPARE(dialog.windowTitle(), QStringLiteral("Edit Recurring Expense"));
+        QCOMPARE(child<QLineEdit>(dialog, "lineEditItem")->text(), QStringLiteral("Rent"));
+        QCOMPARE(child<QLineEdit>(dialog, "lineEditAmount")->text(), QStringLiteral("900.00"));
+        child<QLineEdit>(dialog, "lineEditAmount")->setText(QStringLiteral("950"));
+        auto *end = child<QComboBox>(dialog, "comboBoxEnd");
+        end->setCurrentIndex(end->findText(QStringLiteral("On a last day")));
+        child<QDateEdit>(dialog, "dateEditUntil")->setDate(QDate(2026, 12, 1));
+        pressOk(dialog);
+    });
+    child<QPushButton>(page, "pushButtonEditRecurring")->click();
+    QCOMPARE(dialogs.answered(), 1);
+    QVERIFY2(dialogs.errors().isEmpty(), qPrintable(dialogs.errors().join('\n')));
+    QCOMPARE(
+        storedRecurring(f.raw),
+        QList<QStringList>(
+            { { "Gym", "30", "Sport", "", "1", "m", "2026-01-15", "NULL", "NULL", "auto", "2026-01-15" },
+              { "Rent", "950", "Housing", "", "1", "m", "2026-01-01", "2026-12-01", "NULL", "auto", "2026-01-01" } }));
+    QCOMPARE(recurringTable(page)->item(0, 1)->text(), QStringLiteral("950.00"));
+}
+
+void TestOptionsWidget::removingARecurringExpenseAsksFirstAndKeepsItsEntries()
+{
+    Fixture f;
+    addRecurring(f.store, QStringLiteral("Gym"), 30, QStringLiteral("Sport"), { 1, RecurrenceUnit::Month },
+                 QDate(2026, 1, 15));
+    QCOMPARE(RecurringExpenses(f.store).postDue(QDate(2026, 2, 15), false).posted.size(), 2);
+    OptionsWidget page(&f.store);
+    tabs(page)->setCurrentIndex(RecurringTab);
+    recurringTable(page)->selectRow(0);
+    MessageBoxAnswerer answerer;
+    answerer.answer(QMessageBox::Cancel);
+    child<QPushButton>(page, "pushButtonRemoveRecurring")->click();
+    QVERIFY(answerer.waitForBoxes(1));
+    QCOMPARE(f.raw.scalar(QStringLiteral("SELECT count(*) FROM RecurringExpense")).toInt(), 1);
+
+    recurringTable(page)->selectRow(0);
+    answerer.answer(QMessageBox::Yes);
+    child<QPushButton>(page, "pushButtonRemoveRecurring")->click();
+    QVERIFY(answerer.waitForBoxes(2));
+    QCOMPARE(answerer.texts().last(),
+             QStringLiteral("Remove the recurring expense Gym? The entries it has posted stay."));
+    QVERIFY2(answerer.errors().isEmpty(), qPrintable(answerer.errors().join('\n')));
+    QCOMPARE(f.raw.scalar(QStringLiteral("SELECT count(*) FROM RecurringExpense")).toInt(), 0);
+    QCOMPARE(f.raw.scalar(QStringLiteral("SELECT count(*) FROM Entry WHERE ItemName = 'Gym'")).toInt(), 2);
+    QCOMPARE(recurringTable(page)->rowCount(), 0);
 }
 
 QTEST_MAIN(TestOptionsWidget)

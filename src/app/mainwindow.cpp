@@ -11,6 +11,7 @@
 #include "csvformat.h"
 #include "databasemanager.h"
 #include "csvmappingdialog.h"
+#include "dueexpensesdialog.h"
 #include "entryexport.h"
 #include "entryimport.h"
 #include "filechooser.h"
@@ -25,9 +26,11 @@
 #include "optionswidget.h"
 #include "pagegrowth.h"
 #include "qifformat.h"
+#include "recurringexpenses.h"
 #include "settings.h"
 
 #include <QActionGroup>
+#include <QApplication>
 #include <QCloseEvent>
 #include <QDir>
 #include <QGridLayout>
@@ -38,6 +41,9 @@
 #include <QProgressDialog>
 #include <QScreen>
 #include <QStatusBar>
+#include <QTimer>
+
+#include <algorithm>
 
 namespace {
 
@@ -115,6 +121,17 @@ MainWindow::MainWindow(QWidget *parent) : QMainWindow(parent), ui(new Ui::MainWi
         QMetaObject::invokeMethod(this, &MainWindow::reportUnusableDatabase, Qt::QueuedConnection);
     } else if (!dbManager->writeProblem().isEmpty()) {
         QMetaObject::invokeMethod(this, &MainWindow::reportUnwritableDatabase, Qt::QueuedConnection);
+    } else {
+        // Once the window is on screen, so that the dialog shows over it.
+        QMetaObject::invokeMethod(
+            this, [this] { postDueRecurringExpenses(); }, Qt::QueuedConnection);
+        timerRecurringDue = new QTimer(this);
+        timerRecurringDue->setObjectName(QStringLiteral("timerRecurringDue"));
+        timerRecurringDue->setSingleShot(true);
+        // A coarse timer may fire up to 5 % of a day early, before midnight.
+        timerRecurringDue->setTimerType(Qt::PreciseTimer);
+        connect(timerRecurringDue, &QTimer::timeout, this, &MainWindow::reviewRecurringExpenses);
+        scheduleRecurringReview();
     }
 }
 
@@ -405,7 +422,7 @@ void MainWindow::rebuildDataPageAfterImport()
         showHistoryPage();
     } else if (auto *options = qobject_cast<OptionsWidget *>(page)) {
         if (!options->hasUnsavedEntryChanges())
-            showDataPage(new OptionsWidget(QPointer<DatabaseManager>(dbManager), this));
+            showOptionsPage();
     }
 }
 
@@ -489,15 +506,91 @@ void MainWindow::showBudgetWarning(const QString &message, BudgetLevel level)
 
 void MainWindow::clearBudgetWarning()
 {
-    if (!labelBudgetWarning)
+    if (!labelBudgetWarning && !labelRecurringPosted)
         return;
-    labelBudgetWarning->clear();
+    for (QLabel *label : { labelBudgetWarning, labelRecurringPosted }) {
+        if (label)
+            label->clear();
+    }
     statusBar()->hide();
+}
+
+bool MainWindow::postDueRecurringExpenses()
+{
+    RecurringExpenses recurring(*dbManager);
+    const QDate today = QDate::currentDate();
+    if (recurring.due(today, true).isEmpty())
+        return false;
+    const RecurringExpenses::Posting posting = recurring.postDue(today, false);
+    if (!posting.posted.isEmpty()) {
+        IsEntryPresentInDatabase = true;
+        // Each name once, in the order they were posted.
+        QStringList names;
+        for (const Occurrence &occurrence : posting.posted) {
+            if (!names.contains(occurrence.item))
+                names << occurrence.item;
+        }
+        const int count = int(posting.posted.size());
+        const QString message = count == 1
+            ? tr("Posted 1 recurring expense (%1)").arg(names.join(QStringLiteral(", ")))
+            : tr("Posted %1 recurring expenses (%2)").arg(QString::number(count), names.join(QStringLiteral(", ")));
+        if (!labelRecurringPosted) {
+            labelRecurringPosted = new QLabel(this);
+            labelRecurringPosted->setObjectName(QStringLiteral("labelRecurringPosted"));
+            labelRecurringPosted->setTextFormat(Qt::PlainText);
+            statusBar()->addWidget(labelRecurringPosted, 1);
+        }
+        labelRecurringPosted->setText(message);
+        statusBar()->show();
+    }
+    if (!posting.failure.isEmpty()) {
+        Notice::warn(tr("Not every recurring expense that came due could be posted: %1\n\n"
+                        "Ledgerly tries again at its next start.")
+                         .arg(posting.failure));
+        return true;
+    }
+    const QList<Occurrence> asking = recurring.due(today, true);
+    if (asking.isEmpty())
+        return true;
+    DueExpensesDialog dialog(*dbManager, asking);
+    dialog.exec();
+    if (dialog.postedCount() > 0)
+        IsEntryPresentInDatabase = true;
+    return true;
+}
+
+void MainWindow::scheduleRecurringReview()
+{
+    const QDateTime next = QDate::currentDate().addDays(1).startOfDay().addSecs(60);
+    timerRecurringDue->start(int(std::clamp<qint64>(QDateTime::currentDateTime().msecsTo(next), 1000, 90000000)));
+}
+
+void MainWindow::reviewRecurringExpenses()
+{
+    // Not under a dialog or message box that waits for an answer.
+    if (QApplication::activeModalWidget()) {
+        timerRecurringDue->start(60000);
+        return;
+    }
+    postDueRecurringExpenses();
+    scheduleRecurringReview();
+}
+
+void MainWindow::showOptionsPage()
+{
+    auto *page = new OptionsWidget(QPointer<DatabaseManager>(dbManager), this);
+    connect(page, &OptionsWidget::postDueRequested, this, [this, page = QPointer<OptionsWidget>(page)] {
+        if (!postDueRecurringExpenses())
+            Notice::inform(tr("No recurring expense is due."));
+        if (page)
+            page->ShowRecurringDetails();
+    });
+    showDataPage(page);
 }
 
 void MainWindow::on_pushButtonOptions_clicked()
 {
-    showDataPage(new OptionsWidget(QPointer<DatabaseManager>(dbManager), this));
+    showOptionsPage();
 }
 
 void MainWindow::on_pushButtonHistory_clicked()

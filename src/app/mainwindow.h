@@ -13,6 +13,7 @@
 
 class DatabaseManager;
 class QLabel;
+class QTimer;
 
 namespace Ui {
 class MainWindow;
@@ -72,6 +73,17 @@ private:
     // Shows a budget's warning in the status bar until the next page opens.
     void showBudgetWarning(const QString &message, BudgetLevel level);
     void clearBudgetWarning();
+    // Posts what the recurring expenses have due today: those that post
+    // themselves at once, told in the status bar; those that ask first in
+    // the Due Expenses dialog. With nothing due it costs one query.
+    // Whether anything was due.
+    bool postDueRecurringExpenses();
+    // A fresh options page, whose "Post Due Now" posts through the window.
+    void showOptionsPage();
+    // A window left open posts what comes due each day too: a minute after
+    // the next midnight, or a minute later while a dialog is open.
+    void scheduleRecurringReview();
+    void reviewRecurringExpenses();
 
     Ui::MainWindow *ui;
     DatabaseManager *dbManager;
@@ -81,4 +93,6 @@ private:
     QSize designedHostSize;
     QSize designedPageSize;
     QLabel *labelBudgetWarning;
+    QLabel *labelRecurringPosted = nullptr;
+    QTimer *timerRecurringDue = nullptr;
 };

@@ -15,6 +15,7 @@
 #include "ofxformat.h"
 #include "qifformat.h"
 #include "rulecommands.h"
+#include "recurringcommands.h"
 #include "settings.h"
 #include "textencoding.h"
 
@@ -345,9 +346,14 @@ struct SearchOptions
 {
     QCommandLineOption category { QStringLiteral("category"), tr("find: entries of this category only."),
                                   QStringLiteral("name") };
-    QCommandLineOption place { QStringLiteral("place"), tr("find: entries whose place holds this text."),
+    // Recurring expenses take these two as well: a place, and a first day.
+    QCommandLineOption place { QStringLiteral("place"),
+                               tr("find, recurring: entries whose place holds this text; the place of a recurring "
+                                  "expense."),
                                QStringLiteral("text") };
-    QCommandLineOption from { QStringLiteral("from"), tr("find: entries of this day or later."),
+    QCommandLineOption from { QStringLiteral("from"),
+                              tr("find, recurring: entries of this day or later; the first day of a recurring "
+                                 "expense."),
                               QStringLiteral("yyyy-MM-dd") };
     QCommandLineOption to { QStringLiteral("to"), tr("find: entries of this day or earlier."),
                             QStringLiteral("yyyy-MM-dd") };
@@ -466,11 +472,22 @@ int CommandLine::run(const QStringList &arguments)
            "  rules apply [--dry-run]\n"
            "                Gives every entry in Others the category of its first matching rule.\n"
            "                Imports do the same for each entry without a category or in Others.\n"
+           "  recurring     Lists the recurring expenses, the soonest first: ID, item, amount, category,\n"
+           "                every, next day, mode and how many are left.\n"
+           "  recurring add ITEM AMOUNT CATEGORY --every N(d|w|m|y) --from yyyy-MM-dd\n"
+           "                [--until yyyy-MM-dd | --times N] [--place TEXT] [--confirm]\n"
+           "                Adds an expense that repeats every N days, weeks, months or years, from a first\n"
+           "                day to a last one or for N times; with --confirm it is asked about first.\n"
+           "  recurring remove ID\n"
+           "                Removes a recurring expense; the entries it posted stay.\n"
+           "  post-due [--until yyyy-MM-dd] [--all]\n"
+           "                Posts every occurrence due on or before the day (today without --until), oldest\n"
+           "                first; those that ask first only with --all. For a timer or a cron job.\n"
            "\n"
            "Exit status: 0 when done, 1 when the data or a file is refused, 2 for a usage error.")
             .arg(DatabaseManager::defaultFileName()));
     parser.addPositionalArgument(QStringLiteral("command"),
-                                 tr("export, import, backup, find, imports, profiles, budget or rules"),
+                                 tr("export, import, backup, find, imports, profiles, budget, rules, recurring or post-due"),
                                  QStringLiteral("[command FILE]"));
     const QCommandLineOption help = parser.addHelpOption();
     const QCommandLineOption version = parser.addVersionOption();
@@ -524,6 +541,9 @@ int CommandLine::run(const QStringList &arguments)
     parser.addOption(ruleIn);
     parser.addOption(ruleRegex);
     parser.addOption(ruleDryRun);
+    const QList<QCommandLineOption> recurringOptions = RecurringCommands::options();
+    for (const QCommandLineOption &option : recurringOptions)
+        parser.addOption(option);
 
     // parse() rather than process(): process() ends the program itself, with
     // its own exit status, where a usage error here exits with UsageError.
@@ -539,6 +559,10 @@ int CommandLine::run(const QStringList &arguments)
         return budget(arguments.mid(2), out, err, usageError);
     if (arguments.size() > 1 && arguments.at(1) == QLatin1String("rules"))
         return RuleCommands::run(arguments.mid(2), out, err, usageError);
+    if (arguments.size() > 1 && arguments.at(1) == QLatin1String("recurring"))
+        return RecurringCommands::recurring(arguments.mid(2), out, err, usageError);
+    if (arguments.size() > 1 && arguments.at(1) == QLatin1String("post-due"))
+        return RecurringCommands::postDue(arguments.mid(2), out, err, usageError);
     if (!parser.parse(arguments))
         return usageError(parser.errorText());
     // Without a window there are no Qt-specific options to add to the help.
@@ -564,6 +588,10 @@ int CommandLine::run(const QStringList &arguments)
             if (parser.isSet(option))
                 return usageError(tr("--%1 goes with import only.").arg(option.names().constFirst()));
         }
+    }
+    for (const QCommandLineOption &option : recurringOptions) {
+        if (parser.isSet(option))
+            return usageError(tr("--%1 goes with recurring or post-due only.").arg(option.names().constFirst()));
     }
     if (command == QLatin1String("find")) {
         const QString import = QStringLiteral("import");

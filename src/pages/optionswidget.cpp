@@ -11,6 +11,8 @@
 #include "notice.h"
 #include "ruledialog.h"
 #include "rules.h"
+#include "recurringexpensedialog.h"
+#include "recurringexpenses.h"
 #include "settings.h"
 
 #include <QAction>
@@ -123,6 +125,7 @@ OptionsWidget::OptionsWidget(QPointer<DatabaseManager> dbManager, QWidget *paren
     // without entries twice, as it always has.
     setUpBudgetsTab();
     setUpRulesTab();
+    setUpRecurringTab();
     ui->tabWidgetOptionsContainer->setCurrentIndex(0);
     AddEmptyCategoriesToComboBox();
     ShowSwitchModeDetails();
@@ -151,6 +154,9 @@ void OptionsWidget::on_tabWidgetOptionsContainer_currentChanged(int index)
         break;
     case 4:
         ShowRulesDetails();
+        break;
+    case 5:
+        ShowRecurringDetails();
         break;
     default:
         break;
@@ -514,6 +520,35 @@ QString whereText(Rule::Field in)
     return OptionsWidget::tr("Item or place");
 }
 
+enum RecurringColumn {
+    RecurringItemColumn,
+    RecurringAmountColumn,
+    RecurringCategoryColumn,
+    RecurringPlaceColumn,
+    RecurringEveryColumn,
+    RecurringNextColumn,
+    RecurringEndColumn,
+    RecurringModeColumn,
+};
+
+// A read-only table of the tab, dressed as the entry table is.
+QTableWidget *recurringTable(QWidget *tab, const QTableView *model, const QRect &geometry, const QStringList &headers,
+                             const char *name, const QString &accessibleName)
+{
+    auto *table = new QTableWidget(0, int(headers.size()), tab);
+    table->setObjectName(QLatin1String(name));
+    table->setGeometry(geometry);
+    table->setStyleSheet(model->styleSheet());
+    table->setHorizontalHeaderLabels(headers);
+    table->horizontalHeader()->setSectionResizeMode(QHeaderView::Stretch);
+    table->verticalHeader()->hide();
+    table->setEditTriggers(QAbstractItemView::NoEditTriggers);
+    table->setSelectionBehavior(QAbstractItemView::SelectRows);
+    table->setSelectionMode(QAbstractItemView::SingleSelection);
+    table->setAccessibleName(accessibleName);
+    return table;
+}
+
 } // namespace
 
 void OptionsWidget::setUpRulesTab()
@@ -710,4 +745,160 @@ void OptionsWidget::applyRules()
         return;
     }
     Notice::inform(*done == 1 ? tr("Recategorised 1 entry") : tr("Recategorised %1 entries").arg(*done));
+}
+
+void OptionsWidget::setUpRecurringTab()
+{
+    auto *tab = new QWidget();
+    tab->setObjectName(QStringLiteral("tabRecurring"));
+    tableWidgetRecurring = recurringTable(
+        tab, ui->tableViewEditEntries, QRect(70, 20, 701, 250),
+        { tr("Item"), tr("Amount"), tr("Category"), tr("Place"), tr("Every"), tr("Next"), tr("End"), tr("Mode") },
+        "tableWidgetRecurring", tr("Recurring expenses"));
+    connect(tableWidgetRecurring, &QTableWidget::itemDoubleClicked, this, &OptionsWidget::editRecurringExpense);
+
+    const QList<std::tuple<QString, const char *, void (OptionsWidget::*)()>> buttons = {
+        { tr("Add"), "pushButtonAddRecurring", &OptionsWidget::addRecurringExpense },
+        { tr("Edit"), "pushButtonEditRecurring", &OptionsWidget::editRecurringExpense },
+        { tr("Remove"), "pushButtonRemoveRecurring", &OptionsWidget::removeRecurringExpense },
+        { tr("Post Due Now"), "pushButtonPostDueNow", &OptionsWidget::postDueRequested },
+    };
+    int x = 70;
+    for (const auto &[text, name, slot] : buttons) {
+        auto *button = new QPushButton(text, tab);
+        button->setObjectName(QLatin1String(name));
+        button->setGeometry(x, 280, 161, 45);
+        button->setStyleSheet(ui->pushButtonSaveChanges->styleSheet());
+        button->setFont(ui->pushButtonSaveChanges->font());
+        connect(button, &QPushButton::clicked, this, slot);
+        x += 180;
+    }
+
+    auto *coming = new QLabel(tr("The next 30 days"), tab);
+    coming->setObjectName(QStringLiteral("labelRecurringPreview"));
+    coming->setGeometry(70, 335, 701, 35);
+    coming->setStyleSheet(ui->labelCurrentModeName->styleSheet());
+    coming->setPalette(ui->labelCurrentModeName->palette());
+    coming->setFont(ui->labelCurrentModeName->font());
+    tableWidgetRecurringPreview = recurringTable(tab, ui->tableViewEditEntries, QRect(70, 375, 701, 220),
+                                                 { tr("Date"), tr("Item"), tr("Category"), tr("Amount") },
+                                                 "tableWidgetRecurringPreview", coming->text());
+    labelRecurringPreviewTotal = new QLabel(tab);
+    labelRecurringPreviewTotal->setObjectName(QStringLiteral("labelRecurringPreviewTotal"));
+    labelRecurringPreviewTotal->setGeometry(70, 605, 701, 35);
+    labelRecurringPreviewTotal->setStyleSheet(ui->labelCurrentModeName->styleSheet());
+    labelRecurringPreviewTotal->setPalette(ui->labelCurrentModeName->palette());
+    labelRecurringPreviewTotal->setFont(ui->labelCurrentModeName->font());
+
+    ui->tabWidgetOptionsContainer->addTab(tab, tr("Recurring"));
+}
+
+void OptionsWidget::ShowRecurringDetails()
+{
+    tableWidgetRecurring->setRowCount(0);
+    tableWidgetRecurringPreview->setRowCount(0);
+    labelRecurringPreviewTotal->clear();
+    if (!dbManager)
+        return;
+    RecurringExpenses recurring(*dbManager);
+    const QList<RecurringExpense> expenses = recurring.all();
+    tableWidgetRecurring->setRowCount(int(expenses.size()));
+    for (int row = 0; row < expenses.size(); ++row) {
+        const RecurringExpense &expense = expenses.at(row);
+        QString end = tr("Never");
+        if (expense.end.until.isValid())
+            end = expense.end.until.toString(Qt::TextDate);
+        else if (expense.end.times > 0)
+            end = expense.end.times == 1 ? tr("Once") : tr("%1 times").arg(expense.end.times);
+        const QStringList cells = { expense.item,
+                                    Budgets::money(expense.amount),
+                                    expense.category,
+                                    expense.place,
+                                    RecurrenceDates::told(expense.every),
+                                    expense.isFinished() ? tr("Finished") : expense.next.toString(Qt::TextDate),
+                                    end,
+                                    RecurringExpenses::modeName(expense.mode) };
+        for (int column = 0; column < cells.size(); ++column) {
+            auto *item = new QTableWidgetItem(cells.at(column));
+            item->setData(Qt::UserRole, expense.id);
+            tableWidgetRecurring->setItem(row, column, item);
+        }
+    }
+
+    const QDate today = QDate::currentDate();
+    const QList<Occurrence> coming = recurring.between(today, today.addDays(29));
+    tableWidgetRecurringPreview->setRowCount(int(coming.size()));
+    double total = 0;
+    for (int row = 0; row < coming.size(); ++row) {
+        const Occurrence &occurrence = coming.at(row);
+        const QStringList cells = { occurrence.date.toString(Qt::TextDate), occurrence.item, occurrence.category,
+                                    Budgets::money(occurrence.amount) };
+        for (int column = 0; column < cells.size(); ++column)
+            tableWidgetRecurringPreview->setItem(row, column, new QTableWidgetItem(cells.at(column)));
+        total += occurrence.amount;
+    }
+    labelRecurringPreviewTotal->setText(tr("Total: %1").arg(Budgets::money(total)));
+}
+
+std::optional<RecurringExpense> OptionsWidget::selectedRecurringExpense() const
+{
+    const QList<QTableWidgetItem *> selected = tableWidgetRecurring->selectedItems();
+    if (!dbManager || selected.isEmpty())
+        return std::nullopt;
+    return RecurringExpenses(*dbManager).of(selected.constFirst()->data(Qt::UserRole).toInt());
+}
+
+namespace {
+
+QStringList categoryNames(DatabaseManager &store)
+{
+    QStringList names;
+    for (const Category *category : owned(store.GetAllCategories()))
+        names << category->CategoryName;
+    return names;
+}
+
+} // namespace
+
+void OptionsWidget::addRecurringExpense()
+{
+    RecurringExpense fresh;
+    fresh.first = QDate::currentDate();
+    storeFromDialog(fresh);
+}
+
+void OptionsWidget::editRecurringExpense()
+{
+    if (const std::optional<RecurringExpense> expense = selectedRecurringExpense())
+        storeFromDialog(*expense);
+}
+
+void OptionsWidget::storeFromDialog(const RecurringExpense &expense)
+{
+    if (!dbManager)
+        return;
+    RecurringExpenseDialog dialog(expense, categoryNames(*dbManager));
+    if (dialog.exec() != QDialog::Accepted)
+        return;
+    RecurringExpenses recurring(*dbManager);
+    QString failure;
+    const bool stored = expense.id > 0 ? recurring.update(dialog.expense(), &failure)
+                                       : recurring.add(dialog.expense(), &failure) > 0;
+    if (!stored)
+        Notice::warn(tr("The recurring expense could not be stored: %1").arg(failure));
+    ShowRecurringDetails();
+}
+
+void OptionsWidget::removeRecurringExpense()
+{
+    const std::optional<RecurringExpense> expense = selectedRecurringExpense();
+    if (!expense)
+        return;
+    if (!Notice::confirmDestructive(
+            tr("Remove the recurring expense %1? The entries it has posted stay.").arg(expense->item), tr("Remove")) ||
+        !dbManager)
+        return;
+    if (!RecurringExpenses(*dbManager).remove(expense->id))
+        Notice::warn(tr("The recurring expense %1 could not be removed.").arg(expense->item));
+    ShowRecurringDetails();
 }

@@ -3,6 +3,8 @@
 
 #pragma once
 
+#include "recurringexpenses.h"
+
 #include <QHash>
 #include <QList>
 #include <QPointer>
@@ -11,8 +13,11 @@
 #include <QStringList>
 #include <QWidget>
 
+#include <optional>
+
 class DatabaseManager;
 class QPushButton;
+class QLabel;
 class QSpinBox;
 class QSqlTableModel;
 class QTableWidget;
@@ -38,6 +43,13 @@ public:
 
     // Whether the entries table holds edits or deletions not yet saved.
     bool hasUnsavedEntryChanges() const;
+    // Lists the recurring expenses and what comes in the next 30 days again
+    // (after something was posted).
+    void ShowRecurringDetails();
+
+signals:
+    // "Post Due Now": the window posts what is due, as it does at its start.
+    void postDueRequested();
 
 private slots:
     void on_pushButtonChangeMode_clicked();
@@ -73,6 +85,17 @@ private:
     void selectRule(int position);
     void enableRuleButtons();
     QStringList categoryNames();
+    // The "Recurring" tab: every recurring expense with Add, Edit, Remove
+    // and "Post Due Now", and below it the next 30 days' occurrences.
+    void setUpRecurringTab();
+    void addRecurringExpense();
+    void editRecurringExpense();
+    void removeRecurringExpense();
+    // Adds (an expense without an id) or changes an expense through the
+    // dialog.
+    void storeFromDialog(const RecurringExpense &expense);
+    // The expense of the selected row, as stored.
+    std::optional<RecurringExpense> selectedRecurringExpense() const;
 
     Ui::OptionsWidget *ui;
     QPointer<DatabaseManager> dbManager;
@@ -91,4 +114,7 @@ private:
     QPushButton *pushButtonRemoveRule;
     QPushButton *pushButtonRuleUp;
     QPushButton *pushButtonRuleDown;
+    QTableWidget *tableWidgetRecurring;
+    QTableWidget *tableWidgetRecurringPreview;
+    QLabel *labelRecurringPreviewTotal;
 };

@@ -114,6 +114,22 @@ const QList<Migration> &Migrations::all()
                            "SearchIn text NOT NULL DEFAULT 'both' CHECK (SearchIn IN ('item', 'place', 'both')), "
                            "How text NOT NULL DEFAULT 'contains' CHECK (How IN ('contains', 'regex')), "
                            "CategoryName text NOT NULL CHECK (CategoryName <> ''))") } },
+        // Rent, bills and subscriptions that post themselves. NextIndex is
+        // the number of occurrences already posted or skipped, and NextDate
+        // that occurrence's day (NULL once none is left), kept with it so
+        // that finding what is due is one look in the index. SNo counts up,
+        // so the number of a removed one is never given again.
+        { 8,
+          QCoreApplication::translate("DatabaseManager", "the recurring expenses"),
+          { QStringLiteral("CREATE TABLE RecurringExpense (SNo integer PRIMARY KEY AUTOINCREMENT NOT NULL, "
+                           "ItemName text NOT NULL, Price real NOT NULL CHECK (Price > 0 AND Price <= 9999999.99), "
+                           "CategoryName text NOT NULL, LocationText text NOT NULL DEFAULT '', "
+                           "EveryCount integer NOT NULL CHECK (EveryCount BETWEEN 1 AND 99), "
+                           "EveryUnit text NOT NULL CHECK (EveryUnit IN ('d', 'w', 'm', 'y')), "
+                           "FirstDate text NOT NULL, LastDate text, Times integer CHECK (Times IS NULL OR Times > 0), "
+                           "Mode text NOT NULL DEFAULT 'auto' CHECK (Mode IN ('auto', 'confirm')), "
+                           "NextIndex integer NOT NULL DEFAULT 0, NextDate text)"),
+            QStringLiteral("CREATE INDEX RecurringExpenseNextDate ON RecurringExpense (NextDate)") } },
     };
     return steps;
 }
