@@ -6,9 +6,14 @@
 // (category, total and entries tabs), the date-wise tab over the whole ten
 // years by day, and every later tab switch, each followed by the repaint the
 // user waits for; and the peak resident memory once the page is built and
-// after each tab's first visit. Each size runs three times, each run in a
+// after each tab's first visit, each with the heap in use at that moment
+// (what the allocator has handed out and not yet been given back: the peak
+// less what the allocator keeps). Each size runs three times, each run in a
 // child process of its own so that the peaks do not mix, and the median of
-// each figure is printed.
+// each figure is printed. Each run also reads every entry with the plain
+// SQLite C API, the floor the page's build and the ten-year Daily are
+// compared with: a ratio measured in the same process is steadier than a
+// time on a busy machine.
 //
 //   --sizes 10000,50000   only these sizes
 //   --runs N              N runs per size instead of three
@@ -31,6 +36,7 @@
 #include <QDateEdit>
 #include <QDir>
 #include <QElapsedTimer>
+#include <QFile>
 #include <QMap>
 #include <QProcess>
 #include <QRandomGenerator>
@@ -51,8 +57,13 @@
 #include <iterator>
 #include <memory>
 
+#include <malloc.h>
 #include <sys/resource.h>
 #include <unistd.h>
+
+#ifdef LEDGERLY_HAVE_SQLITE3
+#include <sqlite3.h>
+#endif
 
 namespace {
 
@@ -99,6 +110,60 @@ double peakMb()
     return double(peakResidentKb()) / 1024.0;
 }
 
+// The heap in use now: the allocator's blocks in use, its own arena and the
+// large blocks it maps one by one.
+double heapInUseMb()
+{
+    const struct mallinfo2 info = mallinfo2();
+    return double(info.uordblks + info.hblkhd) / (1024.0 * 1024.0);
+}
+
+// A peak and the heap in use at the same moment, under `key` and
+// "heap-" `key`.
+void reportPeak(const QString &key)
+{
+    report(key, peakMb());
+    report(QStringLiteral("heap-") + key, heapInUseMb());
+}
+
+// The time to read every column of every entry, newest first, with the
+// plain SQLite C API (the median of three reads); 0 without SQLite's own
+// headers.
+double plainReadMs(const QString &fileName)
+{
+#ifdef LEDGERLY_HAVE_SQLITE3
+    sqlite3 *db = nullptr;
+    if (sqlite3_open_v2(QFile::encodeName(fileName).constData(), &db, SQLITE_OPEN_READONLY, nullptr) != SQLITE_OK) {
+        sqlite3_close(db);
+        return 0;
+    }
+    // Every value is looked at, so that the read cannot be skipped.
+    long long checksum = 0;
+    const double ms = medianMs(3, [db, &checksum] {
+        sqlite3_stmt *statement = nullptr;
+        const char sql[] = "select SNo,ItemName,CategoryName,CategoryID,TransactDateTime,Price,LocationText,"
+                           "EnableGeoLoc,GeoLocID,GeoLocLongit,GeoLocLatit,ItemID from Entry order by "
+                           "TransactDateTime desc";
+        if (sqlite3_prepare_v2(db, sql, -1, &statement, nullptr) != SQLITE_OK)
+            return;
+        while (sqlite3_step(statement) == SQLITE_ROW) {
+            for (int c = 0; c < sqlite3_column_count(statement); ++c) {
+                if (sqlite3_column_type(statement, c) == SQLITE_TEXT)
+                    checksum += sqlite3_column_bytes(statement, c);
+                else
+                    checksum += sqlite3_column_int64(statement, c);
+            }
+        }
+        sqlite3_finalize(statement);
+    });
+    sqlite3_close(db);
+    return checksum == -1 ? 0 : ms;
+#else
+    Q_UNUSED(fileName)
+    return 0;
+#endif
+}
+
 const char *const tabNames[] = { "Category Wise", "Date Wise", "Total", "Entries" };
 
 int runOne(int count)
@@ -117,11 +182,12 @@ int runOne(int count)
         out << "cannot fill the database: " << error << "\n";
         return 1;
     }
-    report(QStringLiteral("peak-before"), peakMb());
+    report(QStringLiteral("plain-read"), plainReadMs(DatabaseManager::defaultFileName()));
+    reportPeak(QStringLiteral("peak-before"));
 
     std::unique_ptr<HistoryWidget> page;
     report(QStringLiteral("build"), buildShownPage(store, &page));
-    report(QStringLiteral("peak-build"), peakMb());
+    reportPeak(QStringLiteral("peak-build"));
 
     auto *tabs = page->findChild<QTabWidget *>(QStringLiteral("tabWidgetHistoryContainer"));
     auto *start = page->findChild<QDateEdit *>(QStringLiteral("dateEditDateWiseStartDate"));
@@ -134,7 +200,7 @@ int runOne(int count)
     // range to the first day of the ten years, then picks the tab.
     report(QStringLiteral("daily"), timedWithRepaint(page.get(), [&] { start->setDate(QDate(2016, 1, 1)); }));
     report(QStringLiteral("datewise-selected"), timedWithRepaint(page.get(), [&] { tabs->setCurrentIndex(1); }));
-    report(QStringLiteral("peak-tab1"), peakMb());
+    reportPeak(QStringLiteral("peak-tab1"));
     report(QStringLiteral("rows-datewise"), datewise->rowCount());
     report(QStringLiteral("weekly"), timedWithRepaint(page.get(), [&] { period->setCurrentIndex(1); }));
     report(QStringLiteral("monthly"), timedWithRepaint(page.get(), [&] { period->setCurrentIndex(2); }));
@@ -149,12 +215,12 @@ int runOne(int count)
                timedWithRepaint(page.get(), [&] { tabs->setCurrentIndex(index); }));
         if (!visited[index]) {
             visited[index] = true;
-            report(QStringLiteral("peak-tab%1").arg(index), peakMb());
+            reportPeak(QStringLiteral("peak-tab%1").arg(index));
         }
     }
     report(QStringLiteral("rows-all"), all->rowCount());
     page.reset();
-    report(QStringLiteral("peak"), peakMb());
+    reportPeak(QStringLiteral("peak"));
     out.flush();
     return 0;
 }
@@ -198,9 +264,19 @@ bool runSize(int count, int runs)
                .arg(ms(QStringLiteral("rows-all")))
                .arg(ms(QStringLiteral("rows-datewise")))
                .arg(runs);
-    out << "  build page (category, total, entries) ... " << ms(QStringLiteral("build")) << " ms\n";
+    const double plain = median(QStringLiteral("plain-read"));
+    // A figure and its ratio to the plain read of every entry.
+    const auto timesPlain = [&](const QString &key) {
+        return plain > 0 ? QStringLiteral("%1 ms (%2 x the plain read)")
+                               .arg(ms(key))
+                               .arg(median(key) / plain, 0, 'f', 1)
+                         : ms(key) + QStringLiteral(" ms");
+    };
+    out << "  plain SQLite read of every entry ........ " << (plain > 0 ? ms(QStringLiteral("plain-read")) : "n/a")
+        << " ms\n";
+    out << "  build page (category, total, entries) ... " << timesPlain(QStringLiteral("build")) << "\n";
     out << "  date-wise tab selected (ten years) ...... " << ms(QStringLiteral("datewise-selected")) << " ms\n";
-    out << "  date-wise, ten years, Daily ............. " << ms(QStringLiteral("daily")) << " ms (again "
+    out << "  date-wise, ten years, Daily ............. " << timesPlain(QStringLiteral("daily")) << " (again "
         << ms(QStringLiteral("daily-again")) << " ms)\n";
     out << "  date-wise, ten years, Weekly / Monthly .. " << ms(QStringLiteral("weekly")) << " / "
         << ms(QStringLiteral("monthly")) << " ms\n";
@@ -221,11 +297,15 @@ bool runSize(int count, int runs)
     out << "  later tab switches (ms) ................. " << switches.join(QStringLiteral(", ")) << "\n";
     out << "  worst later tab switch .................. " << QString::number(worst, 'f', 0) << " ms (" << worstName
         << ")\n";
-    out << "  peak resident memory (MB) ............... before the page " << ms(QStringLiteral("peak-before"))
-        << ", built " << ms(QStringLiteral("peak-build"));
+    // Each peak with the heap in use at the same moment, in parentheses.
+    const auto peak = [&](const QString &key) {
+        return QStringLiteral("%1 (heap %2)").arg(ms(key), ms(QStringLiteral("heap-") + key));
+    };
+    out << "  peak resident memory (MB) ............... before the page " << peak(QStringLiteral("peak-before"))
+        << ", built " << peak(QStringLiteral("peak-build"));
     for (int index : { 1, 2, 3, 0 })
-        out << ", " << tabNames[index] << " " << ms(QStringLiteral("peak-tab%1").arg(index));
-    out << ", end " << ms(QStringLiteral("peak")) << "\n";
+        out << ", " << tabNames[index] << " " << peak(QStringLiteral("peak-tab%1").arg(index));
+    out << ", end " << peak(QStringLiteral("peak")) << "\n";
     out.flush();
     return true;
 }
