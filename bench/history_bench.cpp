@@ -267,10 +267,9 @@ bool runSize(int count, int runs)
     const double plain = median(QStringLiteral("plain-read"));
     // A figure and its ratio to the plain read of every entry.
     const auto timesPlain = [&](const QString &key) {
-        return plain > 0 ? QStringLiteral("%1 ms (%2 x the plain read)")
-                               .arg(ms(key))
-                               .arg(median(key) / plain, 0, 'f', 1)
-                         : ms(key) + QStringLiteral(" ms");
+        return plain > 0
+            ? QStringLiteral("%1 ms (%2 x the plain read)").arg(ms(key)).arg(median(key) / plain, 0, 'f', 1)
+            : ms(key) + QStringLiteral(" ms");
     };
     out << "  plain SQLite read of every entry ........ " << (plain > 0 ? ms(QStringLiteral("plain-read")) : "n/a")
         << " ms\n";

@@ -10,6 +10,7 @@
 #include <QDateTime>
 #include <QString>
 
+#include <functional>
 #include <optional>
 
 class SqliteReader;
@@ -56,12 +57,19 @@ public:
     // Records allocated for the caller; an empty list when reading fails or
     // stops before the last row.
     QList<Entry *> list(const EntryFilter &filter);
+    // Hands each row of the same list to `visit`, in order, as a record
+    // that lives for the call only: for callers that condense a long list
+    // as it is read rather than hold it. False when reading failed or
+    // stopped before the last row; the rows visited until then were read.
+    bool visit(const EntryFilter &filter, const std::function<void(const Entry &)> &visit);
     int count(const EntryFilter &filter);
 
     // The column list of an entry row, as every entry reader expects it.
     static const QString &columns();
 
 private:
+    // The statement of a list, its bindings added to *bindings.
+    static QString statement(const EntryFilter &filter, Bindings *bindings);
     static QString where(const EntryFilter &filter, Bindings *bindings);
 
     Statements &statements;
