@@ -3,6 +3,7 @@
 
 #include "entrytablerows.h"
 
+#include "sampleentries.h"
 #include "widgettest.h"
 
 #include <QColor>
@@ -16,13 +17,7 @@ namespace {
 
 Entry entry(const QString &item, const QString &category, float price, const QDateTime &when, const QString &place)
 {
-    Entry made;
-    made.ItemName = item;
-    made.CategoryName = category;
-    made.Price = price;
-    made.TransactDateTime = when;
-    made.LocationText = place;
-    return made;
+    return makeEntry(when, item, category, price, place);
 }
 
 // A table with the six columns of an entry table and nothing else.
