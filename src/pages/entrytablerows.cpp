@@ -25,7 +25,7 @@ QHash<const QTableWidget *, const EntryTableRows *> &rowsOfTables()
 
 // Where the cells of the entry tables live: blocks of equal slots handed out
 // and taken back without the allocator's own bookkeeping. The allocator
-// would round each cell up and add a header, a sixth more per cell over
+// would round each cell up and add a header, a quarter more per cell over
 // hundreds of thousands of cells; a freed slot goes to the next cell made,
 // and the blocks go back once no cell is left. Cells are made and freed on
 // the GUI thread only.
