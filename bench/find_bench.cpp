@@ -113,11 +113,14 @@ int main(int argc, char *argv[])
     };
     SearchFilter text;
     text.text = QStringLiteral("item 12");
+    // The statement the store runs: the trigram index narrows, instr()
+    // decides.
     const QString textCondition = QStringLiteral(
-        " where SNo in (select SNo from EntrySearch where instr(Item, ?1) > 0 or instr(Category, ?1) > 0 or "
-        "instr(Place, ?1) > 0)");
+        " where SNo in (select SNo from EntrySearch where SNo in (select rowid from EntrySearchIndex where "
+        "EntrySearchIndex match ?2) and (instr(Item, ?1) > 0 or instr(Category, ?1) > 0 or instr(Place, ?1) > 0))");
     const QString order = QStringLiteral(" order by TransactDateTime desc, SNo desc");
-    timeFind(QStringLiteral("text \"item 12\""), text, columns + textCondition + order, { text.text });
+    const QStringList texts = { text.text, EntryQuery::trigramQuery({ text.text }) };
+    timeFind(QStringLiteral("text \"item 12\""), text, columns + textCondition + order, texts);
 
     SearchFilter combined = text;
     combined.from = QDate(2024, 1, 1);
@@ -129,18 +132,19 @@ int main(int argc, char *argv[])
                  QStringLiteral(" and TransactDateTime >= '2024-01-01' and TransactDateTime < '2025-01-01' and "
                                 "cast(round(Price * 100) as integer) between 2000 and 8000") +
                  order,
-             { text.text });
+             texts);
     timeFind(QStringLiteral("everything (store only)"), SearchFilter(), columns + order, {});
 
-    // The Find page: built with an empty filter (the search and the table
-    // filled), then one key typed until its results are shown.
+    // The Find page: built with an empty filter (the number and total of
+    // every entry shown, and the table filled with its first page, as the
+    // user sees it), then one key typed until its results are shown.
     {
         int found = 0;
         const double ms = medianMs(5, [&] {
             FindWidget page(&store, nullptr);
             found = page.findChild<QLabel *>(QStringLiteral("labelSummary"))->text().section(u' ', 0, 0).toInt();
         });
-        row(QStringLiteral("Find page: everything, table filled"), ms, -1, found);
+        row(QStringLiteral("Find page: everything, table shown"), ms, -1, found);
         FindWidget page(&store, nullptr);
         page.show();
         auto *field = page.findChild<QLineEdit *>(QStringLiteral("lineEditText"));

@@ -5,8 +5,10 @@
 # Draws docs/screenshots/ anew: Ledgerly on an X server of its own (Xvfb),
 # over a fresh home holding a year of invented entries, with each page opened
 # in turn and the window saved as a PNG. Run it again whenever a page
-# changes, and commit the pictures; the README and the AppStream metadata
-# show history.png, new-entry.png and options.png.
+# changes, and commit the pictures. Every page is taken in the Classic look
+# (docs/screenshots/) and in the Light and Dark looks (light/ and dark/
+# below it); the README shows the history page in all three and the others
+# in Classic, and the AppStream metadata adds the dark history page.
 #
 #   BUILD_DIR   build directory (default: build)
 set -euo pipefail
@@ -43,9 +45,12 @@ mkdir -p "$out"
 # A screen larger than the window, at the 96 dots per inch that Qt's
 # offscreen platform (the tests') assumes, so the window has the same size
 # on both.
-run QT_QPA_PLATFORM=xcb xvfb-run --auto-servernum \
-    --server-args="-screen 0 1280x1024x24 -dpi 96 -nolisten tcp" \
-    "$build_dir/ledgerly_screenshots" "$out"
-
-optipng -quiet -o2 -strip all "$out"/*.png
-ls -l "$out"
+for look in classic light dark; do
+    dir="$out"
+    [ "$look" = classic ] || dir="$out/$look"
+    run QT_QPA_PLATFORM=xcb xvfb-run --auto-servernum \
+        --server-args="-screen 0 1280x1024x24 -dpi 96 -nolisten tcp" \
+        "$build_dir/ledgerly_screenshots" --look "$look" "$dir"
+    optipng -quiet -o2 -strip all "$dir"/*.png
+    ls -l "$dir"
+done

@@ -6,11 +6,12 @@
 // runs it on an X server of its own over a home filled by
 // ledgerly_sample_year; it works on any Qt platform that can grab a window.
 //
-//   ledgerly_screenshots DIRECTORY [PAGE...]
+//   ledgerly_screenshots [--look classic|light|dark] DIRECTORY [PAGE...]
 //
 // writes DIRECTORY/PAGE.png for every page named, or for all of them:
 // home, new-entry, history, history-dates, history-total, history-entries,
-// entry-details, history-places, options, options-entries.
+// entry-details, history-places, options, options-entries. The look is
+// picked in the View menu first, as a user would (Classic without --look).
 //
 // The pictures do not depend on the day they are taken or on the network:
 // the new-entry page is filled in with a purchase on the sample's last day,
@@ -30,6 +31,7 @@
 #include <QDateEdit>
 #include <QDeadlineTimer>
 #include <QDir>
+#include <QHash>
 #include <QImageWriter>
 #include <QLineEdit>
 #include <QMessageBox>
@@ -316,8 +318,17 @@ int main(int argc, char *argv[])
 
     QTextStream err(stderr);
     QStringList arguments = QCoreApplication::arguments().mid(1);
-    if (arguments.isEmpty()) {
-        err << "usage: ledgerly_screenshots DIRECTORY [PAGE...]" << Qt::endl;
+    // The View menu's action of each look the pictures are taken in.
+    const QHash<QString, QString> lookActions = { { QStringLiteral("classic"), QStringLiteral("actionLookClassic") },
+                                                  { QStringLiteral("light"), QStringLiteral("actionLookLight") },
+                                                  { QStringLiteral("dark"), QStringLiteral("actionLookDark") } };
+    QString lookAction = lookActions.value(QStringLiteral("classic"));
+    if (arguments.size() >= 2 && arguments.constFirst() == QLatin1String("--look")) {
+        arguments.removeFirst();
+        lookAction = lookActions.value(arguments.takeFirst());
+    }
+    if (arguments.isEmpty() || lookAction.isEmpty()) {
+        err << "usage: ledgerly_screenshots [--look classic|light|dark] DIRECTORY [PAGE...]" << Qt::endl;
         return 2;
     }
     const QString directory = QDir(arguments.takeFirst()).absolutePath();
@@ -348,6 +359,9 @@ int main(int argc, char *argv[])
             err << "the window never showed" << Qt::endl;
             return 1;
         }
+        // The pick is kept in the (scratch) home's settings, as a user's
+        // would be; each run picks its look again.
+        window.findChild<QAction *>(lookAction)->trigger();
         Photographer photographer(window, directory);
         for (const QString &page : std::as_const(arguments)) {
             if (!photographer.take(page)) {

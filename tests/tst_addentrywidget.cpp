@@ -1088,9 +1088,9 @@ void TestAddEntryWidget::aFullDiskRefusesTheEntryChangesNothingAndAddWorksOnceTh
     QCOMPARE(beans.at(0).at(2).toFloat(), 12.5f);
     QCOMPARE(beans.at(0).at(3).toString(), QStringLiteral("Corner shop"));
     QCOMPARE(beans.at(0).at(4).toString(), QStringLiteral("true"));
-    // The entry, its item, its place, the place table's first number and
-    // the entry's search row.
-    QCOMPARE(raw.dumpTables().size(), full.size() + 5);
+    // The entry, its item, its place, the place table's first number, and
+    // the entry's search row and spending row.
+    QCOMPARE(raw.dumpTables().size(), full.size() + 6);
 }
 
 void TestAddEntryWidget::aLockedFileIsReportedWithinTheBusyTimeoutAndAddWorksOnceReleased()

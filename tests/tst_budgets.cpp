@@ -3,10 +3,12 @@
 
 #include "budgets.h"
 #include "databasemanager.h"
+#include "migrations.h"
 
 #include "rawdatabase.h"
 #include "temphome.h"
 
+#include <QRegularExpression>
 #include <QTest>
 
 #include <cmath>
@@ -28,6 +30,8 @@ private slots:
     void budgetsAreListedByCategoryName();
     void spentCountsTheFirstAndLastDayAndNothingOutside();
     void standingsSumEachCategoryInItsOwnPeriod();
+    void spentFollowsEntriesAddedChangedAndRemovedByAnyWriter();
+    void entriesOfAFileFromBeforeTheSpendingTableAreCounted();
     void applyingSetsAndRemovesInOneTransaction();
     void anApplyThatFailsChangesNothing();
     void theUsedShareIsRoundedHalvesUp_data();
@@ -150,6 +154,83 @@ void TestBudgets::spentCountsTheFirstAndLastDayAndNothingOutside()
     Budgets budgets(*store);
     QCOMPARE(budgets.spent(QStringLiteral("Food"), span), 12.5);
     QCOMPARE(budgets.spent(QStringLiteral("Nothing"), span), 0.0);
+}
+
+void TestBudgets::spentFollowsEntriesAddedChangedAndRemovedByAnyWriter()
+{
+    const DateSpan november { QDate(2026, 11, 1), QDate(2026, 11, 30) };
+    Budgets budgets(*store);
+    // Through the store, as the new-entry page adds.
+    Entry added;
+    added.ItemName = QStringLiteral("Bread");
+    added.CategoryName = QStringLiteral("Food");
+    added.TransactDateTime = QDateTime(QDate(2026, 11, 3), QTime(9, 0));
+    added.Price = 4.5f;
+    added.LocationText = QStringLiteral("Bakery");
+    QVERIFY(store->AddEntry(&added));
+    // Through another connection, as another program writes.
+    const int cheese = entry(QStringLiteral("Food"), QDate(2026, 11, 4), 7.25);
+    const int soap = entry(QStringLiteral("Household"), QDate(2026, 11, 5), 3);
+    QCOMPARE(budgets.spent(QStringLiteral("Food"), november), 4.5 + 7.25);
+
+    RawDatabase raw(home->databasePath());
+    // A price changed, a category changed, a date moved out of the month.
+    QVERIFY(raw.exec(QStringLiteral("UPDATE Entry SET Price = 8.75 WHERE SNo = %1").arg(cheese)));
+    QCOMPARE(budgets.spent(QStringLiteral("Food"), november), 4.5 + 8.75);
+    QVERIFY(raw.exec(QStringLiteral("UPDATE Entry SET CategoryName = 'Food' WHERE SNo = %1").arg(soap)));
+    QCOMPARE(budgets.spent(QStringLiteral("Food"), november), 4.5 + 8.75 + 3);
+    QCOMPARE(budgets.spent(QStringLiteral("Household"), november), 0.0);
+    QVERIFY(raw.exec(QStringLiteral("UPDATE Entry SET TransactDateTime = '2026-12-01 00:00:00' WHERE SNo = %1")
+                         .arg(cheese)));
+    QCOMPARE(budgets.spent(QStringLiteral("Food"), november), 4.5 + 3);
+    QCOMPARE(budgets.spent(QStringLiteral("Food"), { QDate(2026, 12, 1), QDate(2026, 12, 31) }), 8.75);
+    // Removed.
+    QVERIFY(raw.exec(QStringLiteral("DELETE FROM Entry WHERE SNo = %1").arg(soap)));
+    QCOMPARE(budgets.spent(QStringLiteral("Food"), november), 4.5);
+    // Every entry has its one row beside it, and nothing else is there.
+    QCOMPARE(raw.scalar(QStringLiteral("SELECT count(*) FROM EntrySpending")).toInt(), 2);
+    QCOMPARE(raw.scalar(QStringLiteral("SELECT count(*) FROM Entry e JOIN EntrySpending s ON s.SNo = e.SNo AND "
+                                       "s.CategoryName = e.CategoryName AND s.TransactDateTime = e.TransactDateTime "
+                                       "AND s.Price = e.Price"))
+                 .toInt(),
+             2);
+}
+
+void TestBudgets::entriesOfAFileFromBeforeTheSpendingTableAreCounted()
+{
+    entry(QStringLiteral("Food"), QDate(2026, 11, 2), 6);
+    store.reset();
+    {
+        // The file as the Ledgerly before the spending table left it: that
+        // step and every later one undone (their objects dropped, the
+        // version set back), and an entry written since.
+        RawDatabase raw(home->databasePath());
+        int spendingStep = 0;
+        for (const Migration &step : Migrations::all()) {
+            for (const QString &statement : step.statements) {
+                if (statement.startsWith(QLatin1String("CREATE TABLE EntrySpending ")))
+                    spendingStep = step.version;
+            }
+        }
+        QVERIFY(spendingStep > 0);
+        const QRegularExpression created(QStringLiteral("^CREATE (?:VIRTUAL )?(TABLE|TRIGGER|INDEX) (\\w+)"));
+        for (const Migration &step : Migrations::all()) {
+            if (step.version < spendingStep)
+                continue;
+            for (const QString &statement : step.statements) {
+                const QRegularExpressionMatch match = created.match(statement);
+                if (match.hasMatch())
+                    QVERIFY(raw.exec(QStringLiteral("DROP %1 IF EXISTS %2").arg(match.captured(1), match.captured(2))));
+            }
+        }
+        QVERIFY(raw.exec(QStringLiteral("PRAGMA user_version = %1").arg(spendingStep - 1)));
+        QVERIFY(raw.insertEntry(QStringLiteral("Cheese"), QStringLiteral("Food"),
+                                QDateTime(QDate(2026, 11, 3), QTime(12, 0)), 4.25)
+                > 0);
+    }
+    store = std::make_unique<DatabaseManager>(nullptr);
+    QVERIFY(store->isUsable());
+    QCOMPARE(Budgets(*store).spent(QStringLiteral("Food"), { QDate(2026, 11, 1), QDate(2026, 11, 30) }), 6 + 4.25);
 }
 
 void TestBudgets::standingsSumEachCategoryInItsOwnPeriod()

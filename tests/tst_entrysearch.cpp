@@ -2,6 +2,7 @@
 // Copyright 2026 The Ledgerly developers
 
 #include "databasemanager.h"
+#include "entryquery.h"
 #include "entrysearch.h"
 #include "migrations.h"
 
@@ -59,6 +60,11 @@ private slots:
     void editsThroughTheEntryTableModelAreFoundByTheirNewTexts();
     void entriesWrittenByAnotherConnectionAreFoundAndDeletedOnesAreNot();
     void foldingDropsAccentsAndCase();
+    void theIndexIsAskedForEveryRunOfThreeCharacters();
+    void textsShorterThanThreeCharactersAreFoundToo();
+    void theIndexHoldsTheFoldedTextsAndForgetsChangedAndDeletedOnes();
+    void aRowTheIndexWronglyNamesIsNotFound();
+    void quotesAndOperatorWordsInTheTextAreMatchedAsText();
 
 private:
     void add(const QString &item, const QString &category, const QDateTime &when, float price,
@@ -349,6 +355,101 @@ void tst_EntrySearch::foldingDropsAccentsAndCase()
     QCOMPARE(EntrySearch::fold(QStringLiteral("Cafe\u0301")), QStringLiteral("cafe"));
     QCOMPARE(EntrySearch::fold(QStringLiteral("Ærø Ñandú")), QStringLiteral("ærø nandu"));
     QCOMPARE(EntrySearch::fold(QString()), QString());
+}
+
+void tst_EntrySearch::theIndexIsAskedForEveryRunOfThreeCharacters()
+{
+    QCOMPARE(EntryQuery::trigramQuery({ QStringLiteral("cafe") }), QStringLiteral("\"caf\" AND \"afe\""));
+    // Both texts' runs, each once; a double quote is doubled inside its
+    // quotes, as the full-text query language asks.
+    QCOMPARE(EntryQuery::trigramQuery({ QStringLiteral("aaaa"), QStringLiteral("a\"b") }),
+             QStringLiteral("\"aaa\" AND \"a\"\"b\""));
+    // Characters, not UTF-16 units: one run of three for a text of an
+    // emoji and two letters.
+    QCOMPARE(EntryQuery::trigramQuery({ QStringLiteral("\U0001F34Eab") }), QStringLiteral("\"\U0001F34Eab\""));
+    QCOMPARE(EntryQuery::trigramQuery({ QStringLiteral("ab"), QString() }), QString());
+}
+
+void tst_EntrySearch::textsShorterThanThreeCharactersAreFoundToo()
+{
+    add(QStringLiteral("Tea"), QStringLiteral("Drinks"), at(2026, 3, 1), 2.5f, QStringLiteral("Kiosk"));
+    add(QStringLiteral("Bread"), QStringLiteral("Groceries"), at(2026, 3, 2), 2.0f, QStringLiteral("Bakery"));
+    EntrySearch search(*store);
+    // "ea" is in Tea and Bread, "é" folds to the e of both.
+    QCOMPARE(itemsOf(search.find(withText(QStringLiteral("EA")))),
+             QStringList({ QStringLiteral("Bread"), QStringLiteral("Tea") }));
+    QCOMPARE(itemsOf(search.find(withText(QStringLiteral("sK")))), QStringList { QStringLiteral("Tea") });
+    SearchFilter filter;
+    filter.place = QStringLiteral("ba");
+    QCOMPARE(itemsOf(search.find(filter)), QStringList { QStringLiteral("Bread") });
+}
+
+void tst_EntrySearch::theIndexHoldsTheFoldedTextsAndForgetsChangedAndDeletedOnes()
+{
+    add(QStringLiteral("Café"), QStringLiteral("Drinks"), at(2026, 3, 1), 3.5f, QStringLiteral("Corner"));
+    add(QStringLiteral("Bread"), QStringLiteral("Groceries"), at(2026, 3, 2), 2.0f, QStringLiteral("Bakery"));
+    EntrySearch search(*store);
+    QVERIFY(search.bringTextsUpToDate());
+    RawDatabase raw(home->databasePath());
+    const auto indexed = [&raw](const QString &run) {
+        QStringList rows;
+        for (const QVariantList &row :
+             raw.rows(QStringLiteral("select rowid from EntrySearchIndex where EntrySearchIndex match '\"%1\"' "
+                                     "order by rowid")
+                          .arg(run)))
+            rows << row.at(0).toString();
+        return rows;
+    };
+    // The folded texts, not the stored ones: "cafe", not "Café".
+    QCOMPARE(indexed(QStringLiteral("afe")), QStringList { QStringLiteral("1") });
+    QCOMPARE(indexed(QStringLiteral("Caf")), QStringList());
+    QCOMPARE(indexed(QStringLiteral("bak")), QStringList { QStringLiteral("2") });
+
+    QVERIFY(raw.exec(QStringLiteral("update Entry set ItemName = 'Tea' where SNo = 1")));
+    QVERIFY(search.bringTextsUpToDate());
+    QCOMPARE(indexed(QStringLiteral("afe")), QStringList());
+    QCOMPARE(indexed(QStringLiteral("tea")), QStringList { QStringLiteral("1") });
+    // The place and category of the changed entry are indexed again.
+    QCOMPARE(indexed(QStringLiteral("orn")), QStringList { QStringLiteral("1") });
+
+    QVERIFY(raw.exec(QStringLiteral("delete from Entry where SNo = 2")));
+    QCOMPARE(indexed(QStringLiteral("bak")), QStringList());
+    QCOMPARE(raw.scalar(QStringLiteral("select count(*) from EntrySearch")).toInt(), 1);
+}
+
+void tst_EntrySearch::aRowTheIndexWronglyNamesIsNotFound()
+{
+    add(QStringLiteral("Tea"), QStringLiteral("Drinks"), at(2026, 3, 1), 2.5f, QStringLiteral("Kiosk"));
+    add(QStringLiteral("Water"), QStringLiteral("Drinks"), at(2026, 3, 2), 1.0f, QStringLiteral("Kiosk"));
+    EntrySearch search(*store);
+    QVERIFY(search.bringTextsUpToDate());
+    {
+        // An index that says the water's row holds "coffee" (as one left
+        // behind by a writer that bypassed the triggers might): the
+        // search checks the texts themselves.
+        RawDatabase raw(home->databasePath());
+        QVERIFY(raw.exec(QStringLiteral("insert into EntrySearchIndex (rowid, Item, Category, Place) values (2, "
+                                        "'coffee', '', '')")));
+    }
+    QCOMPARE(search.find(withText(QStringLiteral("coffee"))).count, 0);
+    QCOMPARE(itemsOf(search.find(withText(QStringLiteral("water")))), QStringList { QStringLiteral("Water") });
+}
+
+void tst_EntrySearch::quotesAndOperatorWordsInTheTextAreMatchedAsText()
+{
+    add(QStringLiteral("The \"Best\" Tea"), QStringLiteral("Drinks"), at(2026, 3, 1), 2.5f, QStringLiteral("Kiosk"));
+    add(QStringLiteral("Salt AND pepper"), QStringLiteral("Groceries"), at(2026, 3, 2), 1.0f, QStringLiteral("Shop"));
+    add(QStringLiteral("Pepper"), QStringLiteral("Groceries"), at(2026, 3, 3), 1.5f, QStringLiteral("Shop"));
+    EntrySearch search(*store);
+    QCOMPARE(itemsOf(search.find(withText(QStringLiteral("\"best\"")))), QStringList { QStringLiteral("The \"Best\" Tea") });
+    QCOMPARE(itemsOf(search.find(withText(QStringLiteral("t and p")))), QStringList { QStringLiteral("Salt AND pepper") });
+    // Words and signs the full-text query language would read as its own
+    // are texts to find like any other.
+    add(QStringLiteral("Star*fruit NEAR(market) ^x"), QStringLiteral("Fruit"), at(2026, 3, 4), 2.0f,
+        QStringLiteral("Shop"));
+    QCOMPARE(itemsOf(search.find(withText(QStringLiteral("r*f")))), QStringList { QStringLiteral("Star*fruit NEAR(market) ^x") });
+    QCOMPARE(itemsOf(search.find(withText(QStringLiteral("near(")))), QStringList { QStringLiteral("Star*fruit NEAR(market) ^x") });
+    QCOMPARE(itemsOf(search.find(withText(QStringLiteral(") ^x")))), QStringList { QStringLiteral("Star*fruit NEAR(market) ^x") });
 }
 
 QTEST_GUILESS_MAIN(tst_EntrySearch)

@@ -54,6 +54,22 @@ void addEntries(MainWindowFixture &f)
     raw.insertEntry(QStringLiteral("Tea"), QStringLiteral("Drinks"), at(2026, 2, 7), 1.5, QStringLiteral("Kiosk"));
 }
 
+// 1200 entries an hour apart from 1 January 2020, "Thing 0" the oldest;
+// entry i costs ((7 i) mod 1200) + 1, so the prices are 1 to 1200 each once
+// (7 and 1200 share no factor) and total 1200 * 1201 / 2 = 720600.
+constexpr int manyEntries = 1200;
+void addManyEntries(MainWindowFixture &f)
+{
+    RawDatabase raw(f.setUpFile());
+    QVERIFY(raw.exec(QStringLiteral("BEGIN")));
+    const QDateTime first(QDate(2020, 1, 1), QTime(0, 0));
+    for (int i = 0; i < manyEntries; ++i)
+        QVERIFY(raw.insertEntry(QStringLiteral("Thing %1").arg(i), QStringLiteral("Others"), first.addSecs(3600 * i),
+                                (7 * i) % manyEntries + 1, QStringLiteral("Shop"))
+                > 0);
+    QVERIFY(raw.exec(QStringLiteral("COMMIT")));
+}
+
 FindWidget *openFind(MainWindowFixture &f)
 {
     child<QAction>(f.window(), "actionFind")->trigger();
@@ -105,6 +121,10 @@ private slots:
     void openingARowShowsThatEntryAfterAnotherWriterAddedRows();
     void exportWritesExactlyTheResults();
     void theFilterComesBackOnReopeningAndClearEmptiesIt();
+    void manyResultsShowTheirCountAndTotalAtOnceAndTheirRowsAPageAtATime();
+    void sortingManyResultsByAColumnSortsThemAll();
+    void exportWritesEveryResultAlsoThoseNotShownYet();
+    void entriesRemovedWhileScrollingEndTheResultsWithoutAGap();
 };
 
 void TestFindWidget::goFindOpensAFreshPageWithCtrlF()
@@ -320,6 +340,102 @@ void TestFindWidget::theFilterComesBackOnReopeningAndClearEmptiesIt()
     QCOMPARE(child<QLineEdit>(*page, "lineEditPlace")->text(), QString());
     QCOMPARE(child<QDateEdit>(*page, "dateEditFrom")->text().trimmed(), QString());
     QCOMPARE(table(page)->model()->rowCount(), 10);
+}
+
+void TestFindWidget::manyResultsShowTheirCountAndTotalAtOnceAndTheirRowsAPageAtATime()
+{
+    MainWindowFixture f;
+    addManyEntries(f);
+    QVERIFY(f.show());
+    FindWidget *page = openFind(f);
+    QTRY_COMPARE(summary(page), QStringLiteral("1200 entries, total 720600.00"));
+    // A page of rows, the newest first; the table offers more.
+    QAbstractItemModel *model = table(page)->model();
+    QCOMPARE(model->rowCount(), 500);
+    QCOMPARE(model->index(0, 1).data().toString(), QStringLiteral("Thing 1199"));
+    QCOMPARE(model->index(499, 1).data().toString(), QStringLiteral("Thing 700"));
+    QVERIFY(model->canFetchMore(QModelIndex()));
+
+    // Scrolled to its end, the table reads the next page, and the next.
+    table(page)->scrollToBottom();
+    QTRY_COMPARE(model->rowCount(), 1000);
+    table(page)->scrollToBottom();
+    QTRY_COMPARE(model->rowCount(), manyEntries);
+    QVERIFY(!model->canFetchMore(QModelIndex()));
+    QStringList expected;
+    for (int i = manyEntries - 1; i >= 0; --i)
+        expected << QStringLiteral("Thing %1").arg(i);
+    QCOMPARE(column(page, 1), expected);
+    QCOMPARE(summary(page), QStringLiteral("1200 entries, total 720600.00"));
+}
+
+void TestFindWidget::sortingManyResultsByAColumnSortsThemAll()
+{
+    MainWindowFixture f;
+    addManyEntries(f);
+    QVERIFY(f.show());
+    FindWidget *page = openFind(f);
+    QTRY_COMPARE(table(page)->model()->rowCount(), 500);
+    table(page)->sortByColumn(3, Qt::AscendingOrder);
+    // Every price from 1 to 1200, not only those of the first page.
+    QStringList ascending;
+    for (int price = 1; price <= manyEntries; ++price)
+        ascending << QString::number(price);
+    QCOMPARE(column(page, 3), ascending);
+    // A new search keeps the column's order over all of its results.
+    child<QLineEdit>(*page, "lineEditText")->setText(QStringLiteral("thing 1"));
+    // "Thing 1", "Thing 10" to "Thing 19", "Thing 100" to "Thing 199" and
+    // "Thing 1000" to "Thing 1199": 1 + 10 + 100 + 200 = 311 entries.
+    QTRY_COMPARE(summary(page).section(u' ', 0, 0), QStringLiteral("311"));
+    QCOMPARE(table(page)->model()->rowCount(), 311);
+    const QStringList prices = column(page, 3);
+    for (int row = 1; row < prices.size(); ++row)
+        QVERIFY2(prices.at(row - 1).toDouble() < prices.at(row).toDouble(), qPrintable(prices.at(row)));
+}
+
+void TestFindWidget::exportWritesEveryResultAlsoThoseNotShownYet()
+{
+    MainWindowFixture f;
+    addManyEntries(f);
+    QVERIFY(f.show());
+    FindWidget *page = openFind(f);
+    QTRY_COMPARE(table(page)->model()->rowCount(), 500);
+
+    const QString file = f.home.filePath(QStringLiteral("everything.csv"));
+    FileDialogAnswerer dialogs;
+    MessageBoxAnswerer boxes;
+    dialogs.choose(file);
+    boxes.answer(QMessageBox::Ok);
+    child<QPushButton>(*page, "pushButtonExport")->click();
+    QCOMPARE(dialogs.errors(), QStringList());
+    QCOMPARE(boxes.texts(), QStringList { QStringLiteral("Exported 1200 entries to %1.").arg(file) });
+    const QList<QByteArray> lines = readFile(file).split('\n');
+    // The header, 1200 lines and the empty text after the last line end.
+    QCOMPARE(lines.size(), 1 + manyEntries + 1);
+    QVERIFY(lines.at(1).startsWith("2020-02-19T23:00:00,Thing 1199,"));
+    QVERIFY(lines.at(manyEntries).startsWith("2020-01-01T00:00:00,Thing 0,"));
+}
+
+void TestFindWidget::entriesRemovedWhileScrollingEndTheResultsWithoutAGap()
+{
+    MainWindowFixture f;
+    addManyEntries(f);
+    QVERIFY(f.show());
+    FindWidget *page = openFind(f);
+    QAbstractItemModel *model = table(page)->model();
+    QTRY_COMPARE(model->rowCount(), 500);
+    {
+        // Another program removes the 1000 oldest entries: the 200 left
+        // are all among the rows shown.
+        RawDatabase raw(f.home.databasePath());
+        QVERIFY(raw.exec(QStringLiteral("DELETE FROM Entry WHERE TransactDateTime < '2020-02-11T16:00:00'")));
+        QCOMPARE(raw.scalar(QStringLiteral("SELECT count(*) FROM Entry")).toInt(), 200);
+    }
+    table(page)->scrollToBottom();
+    QCoreApplication::processEvents();
+    QTRY_VERIFY(!model->canFetchMore(QModelIndex()));
+    QCOMPARE(model->rowCount(), 500);
+    QCOMPARE(model->index(499, 1).data().toString(), QStringLiteral("Thing 700"));
 }
 
 QTEST_MAIN(TestFindWidget)

@@ -303,12 +303,13 @@ void TestInstall::theMetainfoDescribesThisRelease()
     QVERIFY(descriptionParagraphs >= 1);
     QCOMPARE(releaseVersion, version);
     QCOMPARE(contentRating, QStringLiteral("oars-1.1"));
-    // The history page, the new-entry page and the options page, from
-    // docs/screenshots/ as published.
-    QCOMPARE(screenshots.size(), 3);
-    const QStringList files = { QStringLiteral("/history.png"), QStringLiteral("/new-entry.png"),
-                                QStringLiteral("/options.png") };
-    for (int i = 0; i < 3; ++i) {
+    // The history page, the new-entry page and the options page, and the
+    // history page in the Dark look, from docs/screenshots/ as published.
+    const QStringList files = { QStringLiteral("/screenshots/history.png"), QStringLiteral("/screenshots/new-entry.png"),
+                                QStringLiteral("/screenshots/options.png"),
+                                QStringLiteral("/screenshots/dark/history.png") };
+    QCOMPARE(screenshots.size(), files.size());
+    for (int i = 0; i < files.size(); ++i) {
         QVERIFY2(screenshots[i].startsWith(QLatin1String("https://")), qPrintable(screenshots[i]));
         QVERIFY2(screenshots[i].endsWith(files[i]), qPrintable(screenshots[i]));
     }

@@ -5,18 +5,60 @@
 
 #include "format.h"
 
-FindResultsModel::FindResultsModel(QObject *parent) : QAbstractTableModel(parent), results(QList<Entry *>()) { }
+#include <algorithm>
 
-void FindResultsModel::setEntries(OwnedList<Entry> entries)
+FindResultsModel::FindResultsModel(QObject *parent) : QAbstractTableModel(parent) { }
+
+FindResultsModel::~FindResultsModel()
+{
+    qDeleteAll(results);
+}
+
+void FindResultsModel::setResults(int count, Fetch fetchPage)
 {
     beginResetModel();
-    results = std::move(entries);
+    qDeleteAll(results);
+    results.clear();
+    found = std::max(count, 0);
+    fetch = std::move(fetchPage);
     endResetModel();
+    read(pageSize);
+}
+
+void FindResultsModel::read(int limit)
+{
+    const int wanted = std::min(limit, found - int(results.size()));
+    if (wanted <= 0 || !fetch)
+        return;
+    QList<Entry *> page = fetch(int(results.size()), wanted).release();
+    if (page.size() < wanted)
+        found = int(results.size() + page.size());
+    if (page.isEmpty())
+        return;
+    beginInsertRows(QModelIndex(), int(results.size()), int(results.size() + page.size()) - 1);
+    results.append(page);
+    endInsertRows();
+}
+
+void FindResultsModel::fetchAll()
+{
+    read(found - int(results.size()));
+}
+
+bool FindResultsModel::canFetchMore(const QModelIndex &parent) const
+{
+    return !parent.isValid() && results.size() < found;
+}
+
+void FindResultsModel::fetchMore(const QModelIndex &parent)
+{
+    if (!parent.isValid())
+        read(pageSize);
 }
 
 int FindResultsModel::rowCount(const QModelIndex &parent) const
 {
-    return parent.isValid() ? 0 : int(results.list().size());
+    return parent.isValid() ? 0 : int(results.size());
 }
 
 int FindResultsModel::columnCount(const QModelIndex &parent) const
@@ -26,9 +68,9 @@ int FindResultsModel::columnCount(const QModelIndex &parent) const
 
 QVariant FindResultsModel::data(const QModelIndex &index, int role) const
 {
-    if (!index.isValid() || index.row() >= results.list().size())
+    if (!index.isValid() || index.row() >= results.size())
         return QVariant();
-    const Entry &entry = *results.list().at(index.row());
+    const Entry &entry = *results.at(index.row());
     if (role == SNoRole)
         return entry.SNo;
     if (role != Qt::DisplayRole && role != SortRole)

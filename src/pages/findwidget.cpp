@@ -75,6 +75,10 @@ FindWidget::FindWidget(QPointer<DatabaseManager> dbManager, QWidget *parent)
     ui->tableViewResults->horizontalHeader()->setStretchLastSection(true);
     ui->tableViewResults->verticalHeader()->hide();
     connect(ui->tableViewResults, &QAbstractItemView::activated, this, &FindWidget::showEntry);
+    connect(ui->tableViewResults->horizontalHeader(), &QHeaderView::sortIndicatorChanged, this, [this](int section) {
+        if (section >= 0)
+            results->fetchAll();
+    });
 
     searchTimer.setSingleShot(true);
     searchTimer.setInterval(40);
@@ -140,9 +144,18 @@ void FindWidget::search()
     if (!dbManager)
         return;
     const SearchFilter current = filter();
-    EntrySearch::Result found = EntrySearch(*dbManager).find(current);
-    ui->labelSummary->setText(EntrySearch::summary(found));
-    results->setEntries(std::move(found.entries));
+    // The number and total first, then the entries a page at a time as the
+    // table shows them: the first page at once, the rest as it scrolls.
+    const EntrySearch::Totals totals = EntrySearch(*dbManager).totals(current);
+    ui->labelSummary->setText(EntrySearch::summary(totals));
+    searched = current;
+    results->setResults(totals.count, [store = dbManager, current](int offset, int limit) {
+        return store ? EntrySearch(*store).page(current, offset, limit) : owned(QList<Entry *>());
+    });
+    // Sorted by a column, the table needs every entry to put the right ones
+    // first.
+    if (ui->tableViewResults->horizontalHeader()->sortIndicatorSection() >= 0)
+        results->fetchAll();
     Settings().setFindFilter(current);
 }
 
@@ -179,7 +192,11 @@ void FindWidget::on_pushButtonExport_clicked()
                             QDir::home().filePath(QStringLiteral("ledgerly-results.csv")));
     if (fileName.isEmpty())
         return;
-    const EntryExport::Outcome outcome = EntryExport::write(results->entries(), fileName);
+    // Every entry the search finds, also those the table has not read yet.
+    if (!dbManager)
+        return;
+    const EntrySearch::Result found = EntrySearch(*dbManager).find(searched);
+    const EntryExport::Outcome outcome = EntryExport::write(found.entries.list(), fileName);
     if (!outcome.written) {
         Notice::warn(tr("Nothing was exported: %1.").arg(outcome.failure));
         return;

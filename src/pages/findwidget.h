@@ -50,6 +50,8 @@ private:
     QPointer<DatabaseManager> dbManager;
     FindResultsModel *results;
     QSortFilterProxyModel *sorted;
+    // The filter of the results shown.
+    SearchFilter searched;
     // Keys typed in a burst make one search, shortly after the last.
     QTimer searchTimer;
 };

@@ -152,7 +152,8 @@ double Budgets::spent(const QString &category, const DateSpan &span)
     bindings.append({ QStringLiteral(":name"), category });
     std::optional<QSqlQuery> query;
     if (!store.statementRunner().run(query,
-                                     QStringLiteral("SELECT TOTAL(Price) FROM Entry WHERE CategoryName = :name AND ")
+                                     QStringLiteral("SELECT TOTAL(Price) FROM EntrySpending WHERE CategoryName = "
+                                                    ":name AND ")
                                          + QLatin1String(spanCondition),
                                      bindings)
         || !query->next())
@@ -178,7 +179,8 @@ QList<BudgetStanding> Budgets::standings(const QDate &day, int monthStart)
     std::optional<QSqlQuery> query;
     if (!store.statementRunner().run(
             query,
-            QStringLiteral("SELECT CategoryName, substr(TransactDateTime, 1, 10), TOTAL(Price) FROM Entry WHERE ")
+            QStringLiteral("SELECT CategoryName, substr(TransactDateTime, 1, 10), TOTAL(Price) FROM EntrySpending "
+                           "WHERE ")
                 + QLatin1String(spanCondition)
                 + QStringLiteral(" AND CategoryName IN (SELECT CategoryName FROM Budget) "
                                  "GROUP BY CategoryName, substr(TransactDateTime, 1, 10)"),

@@ -834,6 +834,11 @@ bool DatabaseManager::visitEntries(const EntryFilter &filter, const std::functio
     return entries->visit(filter, visit);
 }
 
+bool DatabaseManager::entryTotals(const EntryFilter &filter, int *count, double *total)
+{
+    return entries->totals(filter, count, total);
+}
+
 QList<Entry *> DatabaseManager::GetAllEntriesOrderByPrice()
 {
     return entries->list(EntryFilter().cheapestFirst());

@@ -136,6 +136,8 @@ public:
     // the call only (see EntryQuery::visit): for a page that keeps a compact
     // form of ten years of entries rather than the records themselves.
     bool visitEntries(const EntryFilter &filter, const std::function<void(const Entry &)> &visit);
+    // The number of entries a filter takes and the sum of their prices.
+    bool entryTotals(const EntryFilter &filter, int *count, double *total);
 
     // Other lists
     QList<Category *> GetAllCategories();

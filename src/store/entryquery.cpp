@@ -7,7 +7,10 @@
 #include "storageform.h"
 
 #include <QHash>
+#include <QSqlQuery>
 #include <QStringList>
+
+#include <algorithm>
 
 namespace {
 
@@ -94,6 +97,25 @@ const QString &EntryQuery::columns()
     return text;
 }
 
+QString EntryQuery::trigramQuery(const QStringList &texts)
+{
+    // Each run a quoted string (a double quote in it doubled), all of them
+    // required: "caf" AND "afe". Shorter texts have no run and add none,
+    // so a search for them reads every row.
+    QStringList runs;
+    for (const QString &text : texts) {
+        const QList<uint> characters = text.toUcs4();
+        for (qsizetype i = 0; i + 3 <= characters.size(); ++i) {
+            QString run = QString::fromUcs4(reinterpret_cast<const char32_t *>(characters.constData() + i), 3);
+            run.replace(QLatin1Char('"'), QStringLiteral("\"\""));
+            run = QLatin1Char('"') + run + QLatin1Char('"');
+            if (!runs.contains(run))
+                runs.append(run);
+        }
+    }
+    return runs.join(QStringLiteral(" AND "));
+}
+
 QString EntryQuery::where(const EntryFilter &filter, Bindings *bindings)
 {
     QStringList conditions;
@@ -127,6 +149,15 @@ QString EntryQuery::where(const EntryFilter &filter, Bindings *bindings)
         if (!filter.foldedPlace.isEmpty()) {
             matches << QStringLiteral("instr(Place, :place) > 0");
             bindings->append({ QStringLiteral(":place"), filter.foldedPlace });
+        }
+        // Texts of three characters or more also go to the trigram index,
+        // which names the few rows holding every run of three of them;
+        // instr() then keeps those that hold the text itself.
+        const QString runs = trigramQuery({ filter.foldedText, filter.foldedPlace });
+        if (!runs.isEmpty()) {
+            matches.prepend(QStringLiteral("SNo in (select rowid from EntrySearchIndex where EntrySearchIndex match "
+                                           ":runs)"));
+            bindings->append({ QStringLiteral(":runs"), runs });
         }
         conditions << QStringLiteral("SNo in (select SNo from EntrySearch where %1)")
                           .arg(matches.join(QStringLiteral(" and ")));
@@ -171,7 +202,13 @@ QString EntryQuery::statement(const EntryFilter &filter, Bindings *bindings)
         order = QStringLiteral(" order by TransactDateTime desc, SNo desc");
         break;
     }
-    return columns() + where(filter, bindings) + order;
+    QString text = columns() + where(filter, bindings) + order;
+    if (filter.limit > 0) {
+        text += QStringLiteral(" limit :limit offset :offset");
+        bindings->append({ QStringLiteral(":limit"), filter.limit });
+        bindings->append({ QStringLiteral(":offset"), std::max(filter.offset, 0) });
+    }
+    return text;
 }
 
 QList<Entry *> EntryQuery::list(const EntryFilter &filter)
@@ -214,4 +251,17 @@ int EntryQuery::count(const EntryFilter &filter)
     const QString condition = where(filter, &bindings);
     return statements.count(QStringLiteral("SELECT COUNT(ItemName) FROM Entry") + condition + QLatin1Char(';'),
                             bindings);
+}
+
+bool EntryQuery::totals(const EntryFilter &filter, int *count, double *total)
+{
+    Bindings bindings;
+    const QString condition = where(filter, &bindings);
+    std::optional<QSqlQuery> query;
+    if (!statements.run(query, QStringLiteral("SELECT COUNT(ItemName), TOTAL(Price) FROM Entry") + condition, bindings)
+        || !query->next())
+        return false;
+    *count = query->value(0).toInt();
+    *total = query->value(1).toDouble();
+    return true;
 }

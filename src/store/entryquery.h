@@ -9,6 +9,7 @@
 #include <QDate>
 #include <QDateTime>
 #include <QString>
+#include <QStringList>
 
 #include <functional>
 #include <optional>
@@ -39,6 +40,11 @@ struct EntryFilter
     std::optional<qint64> minimumCents;
     std::optional<qint64> maximumCents;
 
+    // A window of the list: `limit` entries (all when 0) after the first
+    // `offset` of them, in the list's order.
+    int limit = 0;
+    int offset = 0;
+
     static EntryFilter ofCategory(const QString &name);
     EntryFilter &at(const QDateTime &when);
     EntryFilter &between(const QDateTime &from, const QDateTime &to);
@@ -63,9 +69,17 @@ public:
     // stopped before the last row; the rows visited until then were read.
     bool visit(const EntryFilter &filter, const std::function<void(const Entry &)> &visit);
     int count(const EntryFilter &filter);
+    // How many entries the filter takes (its window aside) and the sum of
+    // their prices; false when the file cannot be read.
+    bool totals(const EntryFilter &filter, int *count, double *total);
 
     // The column list of an entry row, as every entry reader expects it.
     static const QString &columns();
+
+    // What the search texts' trigram index is asked for the folded texts
+    // given: every run of three characters of each, quoted, all required
+    // ("caf" AND "afe" for "cafe"); empty when no text has three.
+    static QString trigramQuery(const QStringList &texts);
 
 private:
     // The statement of a list, its bindings added to *bindings.

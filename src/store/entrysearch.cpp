@@ -41,10 +41,15 @@ QString EntrySearch::fold(const QString &text)
 
 QString EntrySearch::summary(const Result &result)
 {
-    const QString total = QString::number(result.total, 'f', 2);
-    return result.count == 1
+    return summary(Totals{ result.count, result.total });
+}
+
+QString EntrySearch::summary(const Totals &totals)
+{
+    const QString total = QString::number(totals.total, 'f', 2);
+    return totals.count == 1
         ? QCoreApplication::translate("EntrySearch", "1 entry, total %1").arg(total)
-        : QCoreApplication::translate("EntrySearch", "%1 entries, total %2").arg(QString::number(result.count), total);
+        : QCoreApplication::translate("EntrySearch", "%1 entries, total %2").arg(QString::number(totals.count), total);
 }
 
 qint64 EntrySearch::cents(double amount)
@@ -55,52 +60,53 @@ qint64 EntrySearch::cents(double amount)
 bool EntrySearch::bringTextsUpToDate()
 {
     Statements &statements = store.statementRunner();
-    struct Pending
-    {
-        qint64 sno;
-        QString item;
-        QString category;
-        QString place;
-    };
-    QList<Pending> pending;
+    // Entries repeat a few hundred names: each distinct text of the pending
+    // rows is folded once.
+    QHash<QString, QString> folded;
     {
         std::optional<QSqlQuery> query;
-        if (!statements.run(query, QStringLiteral("select s.SNo, e.ItemName, e.CategoryName, e.LocationText from "
+        if (!statements.run(query, QStringLiteral("select e.ItemName, e.CategoryName, e.LocationText from "
                                                   "EntrySearch s join Entry e on e.SNo = s.SNo where s.Item is null")))
             return false;
-        while (query->next())
-            pending.append({ query->value(0).toLongLong(), query->value(1).toString(), query->value(2).toString(),
-                             query->value(3).toString() });
+        while (query->next()) {
+            for (int column = 0; column < 3; ++column) {
+                const QString text = query->value(column).toString();
+                if (!folded.contains(text))
+                    folded.insert(text, fold(text));
+            }
+        }
     }
-    if (pending.isEmpty())
+    if (folded.isEmpty())
         return true;
 
-    // Entries repeat a few hundred names: each is folded once.
-    QHash<QString, QString> folded;
-    const auto foldOnce = [&folded](const QString &text) {
-        auto found = folded.constFind(text);
-        if (found == folded.constEnd())
-            found = folded.insert(text, fold(text));
-        return *found;
-    };
+    // The pending rows take their folded texts in one statement, from a
+    // table of this connection's own: the index's triggers then run within
+    // that one statement, and the full-text index gathers every row before
+    // it writes, where a statement per row would make it write a segment
+    // for each.
     return store.runInTransaction(DatabaseManager::WriteKind::Edits, [&] {
-        bool written = true;
-        for (const Pending &row : pending) {
-            written = statements.execute(
-                QStringLiteral("UPDATE EntrySearch SET Item = :item, Category = :category, Place = :place WHERE "
-                               "SNo = :sno"),
-                { { QStringLiteral(":item"), foldOnce(row.item) },
-                  { QStringLiteral(":category"), foldOnce(row.category) },
-                  { QStringLiteral(":place"), foldOnce(row.place) },
-                  { QStringLiteral(":sno"), row.sno } });
-            if (!written)
-                break;
+        if (!statements.execute(QStringLiteral("CREATE TEMP TABLE IF NOT EXISTS SearchFolding (Text text PRIMARY KEY "
+                                               "NOT NULL, Folded text NOT NULL)"))
+            || !statements.execute(QStringLiteral("DELETE FROM temp.SearchFolding")))
+            return false;
+        for (auto text = folded.cbegin(); text != folded.cend(); ++text) {
+            if (!statements.execute(QStringLiteral("INSERT INTO temp.SearchFolding (Text, Folded) VALUES (:text, "
+                                                   ":folded)"),
+                                    { { QStringLiteral(":text"), text.key() },
+                                      { QStringLiteral(":folded"), text.value() } }))
+                return false;
         }
-        return written;
+        // A missing text (NULL) folds as the empty one, as it reads.
+        return statements.execute(QStringLiteral(
+                   "UPDATE EntrySearch SET Item = i.Folded, Category = c.Folded, Place = p.Folded FROM Entry e, "
+                   "temp.SearchFolding i, temp.SearchFolding c, temp.SearchFolding p WHERE EntrySearch.Item IS NULL "
+                   "AND e.SNo = EntrySearch.SNo AND i.Text = coalesce(e.ItemName, '') AND c.Text = "
+                   "coalesce(e.CategoryName, '') AND p.Text = coalesce(e.LocationText, '')"))
+            && statements.execute(QStringLiteral("DELETE FROM temp.SearchFolding"));
     });
 }
 
-EntrySearch::Result EntrySearch::find(const SearchFilter &filter)
+EntryFilter EntrySearch::query(const SearchFilter &filter)
 {
     EntryFilter query;
     query.order = EntryFilter::Order::NewestFirstLastAddedFirst;
@@ -115,10 +121,30 @@ EntrySearch::Result EntrySearch::find(const SearchFilter &filter)
         query.maximumCents = cents(*filter.maximum);
     if (!query.foldedText.isEmpty() || !query.foldedPlace.isEmpty())
         bringTextsUpToDate();
+    return query;
+}
 
-    Result result{ owned(store.entryList(query)), 0, 0 };
+EntrySearch::Result EntrySearch::find(const SearchFilter &filter)
+{
+    Result result{ owned(store.entryList(query(filter))), 0, 0 };
     result.count = int(result.entries.list().size());
     for (const Entry *entry : result.entries.list())
         result.total += double(entry->Price);
     return result;
+}
+
+EntrySearch::Totals EntrySearch::totals(const SearchFilter &filter)
+{
+    Totals totals;
+    if (!store.entryTotals(query(filter), &totals.count, &totals.total))
+        return Totals();
+    return totals;
+}
+
+OwnedList<Entry> EntrySearch::page(const SearchFilter &filter, int offset, int limit)
+{
+    EntryFilter window = query(filter);
+    window.offset = offset;
+    window.limit = limit;
+    return owned(limit > 0 ? store.entryList(window) : QList<Entry *>());
 }

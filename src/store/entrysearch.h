@@ -3,6 +3,7 @@
 
 #pragma once
 
+#include "entryquery.h"
 #include "records.h"
 
 #include <QDate>
@@ -50,6 +51,18 @@ public:
     };
     Result find(const SearchFilter &filter);
 
+    // How many entries the filter finds and their total, without reading
+    // them: a page shows these before its rows.
+    struct Totals
+    {
+        int count = 0;
+        double total = 0;
+    };
+    Totals totals(const SearchFilter &filter);
+    // `limit` of the entries the filter finds, after the first `offset`, in
+    // the order of find().
+    OwnedList<Entry> page(const SearchFilter &filter, int offset, int limit);
+
     // Folds the search texts of the entries added or changed since the last
     // search. False when the file takes no writes (a search then misses
     // the texts of those entries).
@@ -58,6 +71,7 @@ public:
     // "3 entries, total 61.25", "1 entry, total 3.50": the total with two
     // decimals and a point.
     static QString summary(const Result &result);
+    static QString summary(const Totals &totals);
 
     // A text as searches compare it: decomposed, without its combining
     // marks (accents), case-folded.
@@ -66,5 +80,9 @@ public:
     static qint64 cents(double amount);
 
 private:
+    // The store's filter for a search, with the search texts brought up to
+    // date when it has texts.
+    EntryFilter query(const SearchFilter &filter);
+
     DatabaseManager &store;
 };

@@ -46,7 +46,7 @@ public:
     // (when given) holds SQLite's reason when it fails.
     bool runText(const QString &statement, QString *failure = nullptr);
     // Runs a bound statement whose rows nobody reads.
-    bool execute(const QString &statement, const Bindings &bindings);
+    bool execute(const QString &statement, const Bindings &bindings = {});
     // Column 0 of the first row, or 0 / an empty string.
     bool runCount(const QString &statement, const Bindings &bindings, int *count);
     int count(const QString &statement, const Bindings &bindings = {});

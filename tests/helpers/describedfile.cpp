@@ -54,12 +54,28 @@ QStringList migrationObjectNames(const QString &type)
 {
     const QRegularExpression create(QStringLiteral("^CREATE (?:UNIQUE )?%1 (?:IF NOT EXISTS )?(\\w+)").arg(type),
                                     QRegularExpression::CaseInsensitiveOption);
+    // A full-text table is a table of sqlite_master, and SQLite keeps its
+    // index in tables beside it: always _data, _idx and _config, _docsize
+    // unless columnsize=0, _content unless content='' or a table's.
+    const QRegularExpression virtualTable(
+        QStringLiteral("^CREATE VIRTUAL TABLE (\\w+) USING fts5\\((.*)\\)$"), QRegularExpression::CaseInsensitiveOption);
     QStringList names;
     for (const Migration &step : Migrations::all()) {
         for (const QString &statement : step.statements) {
             const QRegularExpressionMatch match = create.match(statement);
             if (match.hasMatch())
                 names << match.captured(1);
+            const QRegularExpressionMatch fullText = virtualTable.match(statement);
+            if (fullText.hasMatch() && type.compare(QLatin1String("table"), Qt::CaseInsensitive) == 0) {
+                const QString name = fullText.captured(1);
+                const QString options = fullText.captured(2);
+                names << name << name + QStringLiteral("_data") << name + QStringLiteral("_idx")
+                      << name + QStringLiteral("_config");
+                if (!options.contains(QLatin1String("columnsize=0")))
+                    names << name + QStringLiteral("_docsize");
+                if (!options.contains(QLatin1String("content=")))
+                    names << name + QStringLiteral("_content");
+            }
         }
     }
     names.sort();

@@ -84,10 +84,14 @@ QStringList RawDatabase::dumpTables()
 {
     QStringList dump;
     const QList<QVariantList> tables =
-        rows(QStringLiteral("SELECT name FROM sqlite_master WHERE type = 'table' ORDER BY name"));
+        rows(QStringLiteral("SELECT name, sql FROM sqlite_master WHERE type = 'table' ORDER BY name"));
     for (const QVariantList &table : tables) {
         const QString name = table.at(0).toString();
-        for (const QVariantList &row : rows(QStringLiteral("SELECT * FROM \"%1\" ORDER BY rowid").arg(name))) {
+        // A table without rowids gives its rows in the order of its key.
+        const QString order = table.at(1).toString().contains(QLatin1String("WITHOUT ROWID"), Qt::CaseInsensitive)
+            ? QString()
+            : QStringLiteral(" ORDER BY rowid");
+        for (const QVariantList &row : rows(QStringLiteral("SELECT * FROM \"%1\"%2").arg(name, order))) {
             QStringList cells;
             for (const QVariant &cell : row)
                 cells.append(cell.isNull() ? QStringLiteral("NULL") : cell.toString());
