@@ -6,9 +6,15 @@
 // (category, total and entries tabs), the date-wise tab over the whole ten
 // years by day, and every later tab switch, each followed by the repaint the
 // user waits for; and the peak resident memory once the page is built and
-// after each tab's first visit. Each size runs three times, each run in a
+// after each tab's first visit, each with the heap in use at that moment
+// (what the allocator has handed out and not yet been given back: the peak
+// less what the allocator keeps). Each size runs three times, each run in a
 // child process of its own so that the peaks do not mix, and the median of
-// each figure is printed.
+// each figure is printed. Each run also reads every entry with the plain
+// SQLite C API, the floor the page's build and the ten-year Daily are
+// compared with: a ratio measured in the same process is steadier than a
+// time on a busy machine, and the processor time of the GUI thread, printed
+// beside each, steadier still.
 //
 //   --sizes 10000,50000   only these sizes
 //   --runs N              N runs per size instead of three
@@ -31,6 +37,7 @@
 #include <QDateEdit>
 #include <QDir>
 #include <QElapsedTimer>
+#include <QFile>
 #include <QMap>
 #include <QProcess>
 #include <QRandomGenerator>
@@ -51,8 +58,14 @@
 #include <iterator>
 #include <memory>
 
+#include <malloc.h>
+#include <time.h>
 #include <sys/resource.h>
 #include <unistd.h>
+
+#ifdef LEDGERLY_HAVE_SQLITE3
+#include <sqlite3.h>
+#endif
 
 namespace {
 
@@ -63,14 +76,28 @@ double msSince(const QElapsedTimer &timer)
     return double(timer.nsecsElapsed()) / 1e6;
 }
 
+// The processor time the calling thread has used, in milliseconds: unlike
+// the time on the clock, it hardly moves with what else the machine runs.
+double threadCpuMs()
+{
+    timespec now {};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
+    return double(now.tv_sec) * 1e3 + double(now.tv_nsec) / 1e6;
+}
+
+// The processor time of the page's (the GUI thread's) last timed work.
+double lastCpuMs = 0;
+
 // Work, then the events and repaint it caused, as the user waits for them.
 template<typename Work> double timedWithRepaint(QWidget *page, Work work)
 {
     QElapsedTimer timer;
     timer.start();
+    const double cpuStart = threadCpuMs();
     work();
     page->repaint();
     QCoreApplication::processEvents();
+    lastCpuMs = threadCpuMs() - cpuStart;
     return msSince(timer);
 }
 
@@ -80,10 +107,12 @@ double buildShownPage(DatabaseManager &store, std::unique_ptr<HistoryWidget> *pa
 {
     QElapsedTimer timer;
     timer.start();
+    const double cpuStart = threadCpuMs();
     *page = std::make_unique<HistoryWidget>(QPointer<DatabaseManager>(&store), nullptr);
     (*page)->show();
     (*page)->repaint();
     QCoreApplication::processEvents();
+    lastCpuMs = threadCpuMs() - cpuStart;
     return msSince(timer);
 }
 
@@ -97,6 +126,65 @@ void report(const QString &key, double value)
 double peakMb()
 {
     return double(peakResidentKb()) / 1024.0;
+}
+
+// The heap in use now: the allocator's blocks in use, its own arena and the
+// large blocks it maps one by one.
+double heapInUseMb()
+{
+    const struct mallinfo2 info = mallinfo2();
+    return double(info.uordblks + info.hblkhd) / (1024.0 * 1024.0);
+}
+
+// A peak and the heap in use at the same moment, under `key` and
+// "heap-" `key`.
+void reportPeak(const QString &key)
+{
+    report(key, peakMb());
+    report(QStringLiteral("heap-") + key, heapInUseMb());
+}
+
+// The time to read every column of every entry, newest first, with the
+// plain SQLite C API (the median of three reads); 0 without SQLite's own
+// headers.
+double plainReadMs(const QString &fileName)
+{
+#ifdef LEDGERLY_HAVE_SQLITE3
+    sqlite3 *db = nullptr;
+    if (sqlite3_open_v2(QFile::encodeName(fileName).constData(), &db, SQLITE_OPEN_READONLY, nullptr) != SQLITE_OK) {
+        sqlite3_close(db);
+        return 0;
+    }
+    // Every value is looked at, so that the read cannot be skipped.
+    long long checksum = 0;
+    std::vector<double> cpu;
+    const double ms = medianMs(3, [db, &checksum, &cpu] {
+        const double cpuStart = threadCpuMs();
+        sqlite3_stmt *statement = nullptr;
+        const char sql[] = "select SNo,ItemName,CategoryName,CategoryID,TransactDateTime,Price,LocationText,"
+                           "EnableGeoLoc,GeoLocID,GeoLocLongit,GeoLocLatit,ItemID from Entry order by "
+                           "TransactDateTime desc";
+        if (sqlite3_prepare_v2(db, sql, -1, &statement, nullptr) != SQLITE_OK)
+            return;
+        while (sqlite3_step(statement) == SQLITE_ROW) {
+            for (int c = 0; c < sqlite3_column_count(statement); ++c) {
+                if (sqlite3_column_type(statement, c) == SQLITE_TEXT)
+                    checksum += sqlite3_column_bytes(statement, c);
+                else
+                    checksum += sqlite3_column_int64(statement, c);
+            }
+        }
+        sqlite3_finalize(statement);
+        cpu.push_back(threadCpuMs() - cpuStart);
+    });
+    sqlite3_close(db);
+    std::sort(cpu.begin(), cpu.end());
+    lastCpuMs = cpu.at(cpu.size() / 2);
+    return checksum == -1 ? 0 : ms;
+#else
+    Q_UNUSED(fileName)
+    return 0;
+#endif
 }
 
 const char *const tabNames[] = { "Category Wise", "Date Wise", "Total", "Entries" };
@@ -117,11 +205,14 @@ int runOne(int count)
         out << "cannot fill the database: " << error << "\n";
         return 1;
     }
-    report(QStringLiteral("peak-before"), peakMb());
+    report(QStringLiteral("plain-read"), plainReadMs(DatabaseManager::defaultFileName()));
+    report(QStringLiteral("cpu-plain-read"), lastCpuMs);
+    reportPeak(QStringLiteral("peak-before"));
 
     std::unique_ptr<HistoryWidget> page;
     report(QStringLiteral("build"), buildShownPage(store, &page));
-    report(QStringLiteral("peak-build"), peakMb());
+    report(QStringLiteral("cpu-build"), lastCpuMs);
+    reportPeak(QStringLiteral("peak-build"));
 
     auto *tabs = page->findChild<QTabWidget *>(QStringLiteral("tabWidgetHistoryContainer"));
     auto *start = page->findChild<QDateEdit *>(QStringLiteral("dateEditDateWiseStartDate"));
@@ -133,8 +224,9 @@ int runOne(int count)
     // entry here (that would be a message box); the user first widens the
     // range to the first day of the ten years, then picks the tab.
     report(QStringLiteral("daily"), timedWithRepaint(page.get(), [&] { start->setDate(QDate(2016, 1, 1)); }));
+    report(QStringLiteral("cpu-daily"), lastCpuMs);
     report(QStringLiteral("datewise-selected"), timedWithRepaint(page.get(), [&] { tabs->setCurrentIndex(1); }));
-    report(QStringLiteral("peak-tab1"), peakMb());
+    reportPeak(QStringLiteral("peak-tab1"));
     report(QStringLiteral("rows-datewise"), datewise->rowCount());
     report(QStringLiteral("weekly"), timedWithRepaint(page.get(), [&] { period->setCurrentIndex(1); }));
     report(QStringLiteral("monthly"), timedWithRepaint(page.get(), [&] { period->setCurrentIndex(2); }));
@@ -149,12 +241,12 @@ int runOne(int count)
                timedWithRepaint(page.get(), [&] { tabs->setCurrentIndex(index); }));
         if (!visited[index]) {
             visited[index] = true;
-            report(QStringLiteral("peak-tab%1").arg(index), peakMb());
+            reportPeak(QStringLiteral("peak-tab%1").arg(index));
         }
     }
     report(QStringLiteral("rows-all"), all->rowCount());
     page.reset();
-    report(QStringLiteral("peak"), peakMb());
+    reportPeak(QStringLiteral("peak"));
     out.flush();
     return 0;
 }
@@ -198,9 +290,28 @@ bool runSize(int count, int runs)
                .arg(ms(QStringLiteral("rows-all")))
                .arg(ms(QStringLiteral("rows-datewise")))
                .arg(runs);
-    out << "  build page (category, total, entries) ... " << ms(QStringLiteral("build")) << " ms\n";
+    const double plain = median(QStringLiteral("plain-read"));
+    const double plainCpu = median(QStringLiteral("cpu-plain-read"));
+    // A figure and its ratio to the plain read of every entry, on the clock
+    // and in the GUI thread's processor time.
+    const auto timesPlain = [&](const QString &key) {
+        if (plain <= 0)
+            return ms(key) + QStringLiteral(" ms");
+        const QString cpuKey = QStringLiteral("cpu-") + key;
+        return QStringLiteral("%1 ms (%2 x the plain read; processor %3 ms, %4 x)")
+            .arg(ms(key))
+            .arg(median(key) / plain, 0, 'f', 1)
+            .arg(ms(cpuKey))
+            .arg(plainCpu > 0 ? median(cpuKey) / plainCpu : 0.0, 0, 'f', 1);
+    };
+    out << "  plain SQLite read of every entry ........ "
+        << (plain > 0 ? QStringLiteral("%1 ms (processor %2 ms)")
+                            .arg(ms(QStringLiteral("plain-read")), ms(QStringLiteral("cpu-plain-read")))
+                      : QStringLiteral("n/a"))
+        << "\n";
+    out << "  build page (category, total, entries) ... " << timesPlain(QStringLiteral("build")) << "\n";
     out << "  date-wise tab selected (ten years) ...... " << ms(QStringLiteral("datewise-selected")) << " ms\n";
-    out << "  date-wise, ten years, Daily ............. " << ms(QStringLiteral("daily")) << " ms (again "
+    out << "  date-wise, ten years, Daily ............. " << timesPlain(QStringLiteral("daily")) << " (again "
         << ms(QStringLiteral("daily-again")) << " ms)\n";
     out << "  date-wise, ten years, Weekly / Monthly .. " << ms(QStringLiteral("weekly")) << " / "
         << ms(QStringLiteral("monthly")) << " ms\n";
@@ -221,11 +332,15 @@ bool runSize(int count, int runs)
     out << "  later tab switches (ms) ................. " << switches.join(QStringLiteral(", ")) << "\n";
     out << "  worst later tab switch .................. " << QString::number(worst, 'f', 0) << " ms (" << worstName
         << ")\n";
-    out << "  peak resident memory (MB) ............... before the page " << ms(QStringLiteral("peak-before"))
-        << ", built " << ms(QStringLiteral("peak-build"));
+    // Each peak with the heap in use at the same moment, in parentheses.
+    const auto peak = [&](const QString &key) {
+        return QStringLiteral("%1 (heap %2)").arg(ms(key), ms(QStringLiteral("heap-") + key));
+    };
+    out << "  peak resident memory (MB) ............... before the page " << peak(QStringLiteral("peak-before"))
+        << ", built " << peak(QStringLiteral("peak-build"));
     for (int index : { 1, 2, 3, 0 })
-        out << ", " << tabNames[index] << " " << ms(QStringLiteral("peak-tab%1").arg(index));
-    out << ", end " << ms(QStringLiteral("peak")) << "\n";
+        out << ", " << tabNames[index] << " " << peak(QStringLiteral("peak-tab%1").arg(index));
+    out << ", end " << peak(QStringLiteral("peak")) << "\n";
     out.flush();
     return true;
 }

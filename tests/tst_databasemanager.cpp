@@ -4,6 +4,7 @@
 #include "databasemanager.h"
 #include "migrations.h"
 #include "describedfile.h"
+#include "entryquery.h"
 #include "migrations.h"
 #include "rawdatabase.h"
 #include "sampleentries.h"
@@ -207,6 +208,7 @@ private slots:
     void aDateThatDiffersOnlyInTimeOfDayFindsNoEntry();
     void entryListsFilterAndSort_data();
     void entryListsFilterAndSort();
+    void visitingEntriesHandsOverTheListsRowsFieldForFieldInOrder();
     void countsFollowTheirFilters_data();
     void countsFollowTheirFilters();
     void dateBoundsAreTheOldestAndNewestStoredDates();
@@ -1953,6 +1955,48 @@ bool damageLastLeafOf(const QString &fileName, const QString &table)
 
 } // namespace
 
+void tst_DatabaseManager::visitingEntriesHandsOverTheListsRowsFieldForFieldInOrder()
+{
+    auto store = startStore();
+    addSampleEntries(*store);
+    const QString drinks = QStringLiteral("Drinks");
+    const QDateTime from = at(2026, 2, 1);
+    const QDateTime to = at(2026, 3, 31);
+
+    const QList<std::pair<EntryFilter, QStringList>> cases = {
+        { EntryFilter(), { "Juice", "Cake", "Tea", "Coffee", "Bread" } },
+        { EntryFilter().between(from, to), { "Juice", "Cake", "Tea" } },
+        { EntryFilter::ofCategory(drinks).between(from, to), { "Juice", "Tea" } },
+    };
+    for (const auto &[filter, items] : cases) {
+        const auto list = owned(store->entryList(filter));
+        QCOMPARE(itemNames(list), items);
+        QList<Entry> visited;
+        QVERIFY(store->visitEntries(filter, [&](const Entry &entry) { visited.append(entry); }));
+        QCOMPARE(visited.size(), list.size());
+        for (int i = 0; i < visited.size(); ++i) {
+            const Entry &seen = visited.at(i);
+            const Entry *listed = list.list().at(i);
+            QCOMPARE(seen.SNo, listed->SNo);
+            QCOMPARE(seen.ItemName, listed->ItemName);
+            QCOMPARE(seen.CategoryName, listed->CategoryName);
+            QCOMPARE(seen.CategoryID, listed->CategoryID);
+            QCOMPARE(seen.TransactDateTime, listed->TransactDateTime);
+            QCOMPARE(seen.Price, listed->Price);
+            QCOMPARE(seen.LocationText, listed->LocationText);
+            QCOMPARE(seen.EnableGeoLoc, listed->EnableGeoLoc);
+            QCOMPARE(seen.GeoLocID, listed->GeoLocID);
+            QCOMPARE(seen.GeoLocLongit, listed->GeoLocLongit);
+            QCOMPARE(seen.GeoLocLatit, listed->GeoLocLatit);
+            QCOMPARE(seen.ItemID, listed->ItemID);
+        }
+    }
+    // No row, nothing handed over, and the read itself went well.
+    int calls = 0;
+    QVERIFY(store->visitEntries(EntryFilter::ofCategory(QStringLiteral("Nothing")), [&](const Entry &) { ++calls; }));
+    QCOMPARE(calls, 0);
+}
+
 void tst_DatabaseManager::aListCutShortByADamagedFileIsEmpty()
 {
     {
@@ -1992,6 +2036,11 @@ void tst_DatabaseManager::aListCutShortByADamagedFileIsEmpty()
     QCOMPARE(owned(store->GetAllEntries()).size(), 0);
     QCOMPARE(owned(store->GetAllEntriesOrderByPrice()).size(), 0);
     QCOMPARE(owned(store->GetAllEntriesOfCategory(QStringLiteral("Food"))).size(), 0);
+    // A visit of the rows says it stopped short, after the rows before the
+    // damage.
+    int visited = 0;
+    QVERIFY(!store->visitEntries(EntryFilter(), [&](const Entry &) { ++visited; }));
+    QVERIFY2(visited < 2000, qPrintable(QString::number(visited)));
     QCOMPARE(store->GetListOfAllDistinctCategoriesOfAllEntries(), QList<QString>());
     QCOMPARE(store->GetAllDistinctDatesOfEntriesOfCategory(QStringLiteral("Food")), QList<QDateTime>());
     // The lists of the tables left whole still read.

@@ -62,6 +62,8 @@ private slots:
     void dayTotalsFollowRunsSoARepeatedDayStartsANewTotal();
     void noEntriesGiveNoDayTotals();
     void categoryTotalsKeepTheOrderInWhichCategoriesAreFirstMet();
+    void totalsTakenOneEntryAtATimeAreThoseOfTheWholeList();
+    void totalsOfNoEntryAreEmpty();
 
     void dailyBucketsCoverEveryDayOfTheRange_data();
     void dailyBucketsCoverEveryDayOfTheRange();
@@ -153,8 +155,8 @@ void TestHistoryBuckets::categoryFiguresFromOneReadEqualThoseOfEachCategorysOwnL
     QList<int> days;
     QList<float> totals;
     float globalTotal = 0;
-    HistoryBuckets::appendCategoryFigures(usedCategories, owned(store.GetSpendingPerCategory()).list(), &days,
-                                          &totals, &globalTotal);
+    HistoryBuckets::appendCategoryFigures(usedCategories, owned(store.GetSpendingPerCategory()).list(), &days, &totals,
+                                          &globalTotal);
 
     QCOMPARE(days, daysEach);
     QCOMPARE(totals.size(), totalsEach.size());
@@ -195,6 +197,47 @@ void TestHistoryBuckets::noEntriesGiveNoDayTotals()
     QVERIFY(HistoryBuckets::dayTotals({}).isEmpty());
     QVERIFY(HistoryBuckets::categoryTotals({}).isEmpty());
     QCOMPARE(HistoryBuckets::sumOfPrices({}), 0.0f);
+}
+
+void TestHistoryBuckets::totalsTakenOneEntryAtATimeAreThoseOfTheWholeList()
+{
+    EntryFixture fixture;
+    fixture.add("Travel", at(2024, 3, 9, 18), 100.0f);
+    fixture.add("Food", at(2024, 3, 9, 8), 0.1f);
+    fixture.add("Fuel", at(2024, 3, 8), 16777216.0f);
+    fixture.add("Food", at(2024, 3, 8), 0.2f);
+    fixture.add("Fuel", at(2024, 3, 9), 1.0f);
+
+    HistoryBuckets::PeriodTotals totals;
+    for (const Entry *entry : fixture.entries())
+        totals.add(*entry);
+
+    // Added in list order, in single precision: 2^24 + 0.2 + 1 stays 2^24.
+    float sum = 0;
+    for (float price : { 100.0f, 0.1f, 16777216.0f, 0.2f, 1.0f })
+        sum += price;
+    QCOMPARE(totals.sumOfPrices(), sum);
+    // Runs of one day, a day met again starting a run of its own.
+    const QList<DayTotal> days = { { QDate(2024, 3, 9), 100.0f + 0.1f },
+                                   { QDate(2024, 3, 8), 16777216.0f + 0.2f },
+                                   { QDate(2024, 3, 9), 1.0f } };
+    QCOMPARE(totals.dayTotals(), days);
+    const QList<LabelledTotal> categories = { { "Travel", 100.0f },
+                                              { "Food", 0.1f + 0.2f },
+                                              { "Fuel", 16777216.0f + 1.0f } };
+    QCOMPARE(totals.categoryTotals(), categories);
+    // The list's own figures are these very numbers.
+    QCOMPARE(HistoryBuckets::sumOfPrices(fixture.entries()), totals.sumOfPrices());
+    QCOMPARE(HistoryBuckets::dayTotals(fixture.entries()), totals.dayTotals());
+    QCOMPARE(HistoryBuckets::categoryTotals(fixture.entries()), totals.categoryTotals());
+}
+
+void TestHistoryBuckets::totalsOfNoEntryAreEmpty()
+{
+    const HistoryBuckets::PeriodTotals totals;
+    QCOMPARE(totals.sumOfPrices(), 0.0f);
+    QVERIFY(totals.dayTotals().isEmpty());
+    QVERIFY(totals.categoryTotals().isEmpty());
 }
 
 void TestHistoryBuckets::categoryTotalsKeepTheOrderInWhichCategoriesAreFirstMet()

@@ -37,12 +37,21 @@ private:
 
 namespace HistoryBuckets {
 
+namespace {
+
+PeriodTotals totalsOf(const QList<Entry *> &entries)
+{
+    PeriodTotals totals;
+    for (const Entry *entry : entries)
+        totals.add(*entry);
+    return totals;
+}
+
+} // namespace
+
 float sumOfPrices(const QList<Entry *> &entries)
 {
-    float sum = 0;
-    for (const Entry *entry : entries)
-        sum += entry->Price;
-    return sum;
+    return totalsOf(entries).sumOfPrices();
 }
 
 void appendCategoryFigures(const QList<QString> &names, const QList<CategorySpending *> &spending,
@@ -63,38 +72,42 @@ void appendCategoryFigures(const QList<QString> &names, const QList<CategorySpen
 
 QList<DayTotal> dayTotals(const QList<Entry *> &entries)
 {
-    QList<DayTotal> days;
-    if (entries.isEmpty())
-        return days;
-
-    QDate key = entries.first()->TransactDateTime.date();
-    float sum = 0;
-    for (const Entry *entry : entries) {
-        const QDate day = entry->TransactDateTime.date();
-        if (day != key) {
-            days.append({ key, sum });
-            key = day;
-            sum = 0;
-        }
-        sum += entry->Price;
-    }
-    days.append({ key, sum });
-    return days;
+    return totalsOf(entries).dayTotals();
 }
 
 QList<LabelledTotal> categoryTotals(const QList<Entry *> &entries)
 {
-    QList<LabelledTotal> categories;
-    QHash<QString, qsizetype> indexOf;
-    for (const Entry *entry : entries) {
-        auto found = indexOf.constFind(entry->CategoryName);
-        if (found == indexOf.constEnd()) {
-            found = indexOf.insert(entry->CategoryName, categories.size());
-            categories.append({ entry->CategoryName, 0 });
-        }
-        categories[*found].total += entry->Price;
+    return totalsOf(entries).categoryTotals();
+}
+
+void PeriodTotals::add(const Entry &entry)
+{
+    sum += entry.Price;
+
+    const QDate day = entry.TransactDateTime.date();
+    if (!anyEntry) {
+        openDay = { day, 0 };
+        anyEntry = true;
+    } else if (day != openDay.day) {
+        closedDays.append(openDay);
+        openDay = { day, 0 };
     }
-    return categories;
+    openDay.total += entry.Price;
+
+    auto found = indexOfCategory.constFind(entry.CategoryName);
+    if (found == indexOfCategory.constEnd()) {
+        found = indexOfCategory.insert(entry.CategoryName, categories.size());
+        categories.append({ entry.CategoryName, 0 });
+    }
+    categories[*found].total += entry.Price;
+}
+
+QList<DayTotal> PeriodTotals::dayTotals() const
+{
+    QList<DayTotal> days = closedDays;
+    if (anyEntry)
+        days.append(openDay);
+    return days;
 }
 
 QList<LabelledTotal> dailyBuckets(const QDate &start, const QDate &end, const QList<DayTotal> &days)

@@ -5,6 +5,7 @@
 
 #include <QDate>
 #include <QDateTime>
+#include <QHash>
 #include <QList>
 #include <QString>
 
@@ -68,6 +69,27 @@ QList<DayTotal> dayTotals(const QList<Entry *> &entries);
 
 // One total per category, in the order the categories are first met.
 QList<LabelledTotal> categoryTotals(const QList<Entry *> &entries);
+
+// The three figures above taken one entry at a time, as a list is read,
+// for callers that do not keep the list: the very same sums, added in the
+// same order.
+class PeriodTotals
+{
+public:
+    void add(const Entry &entry);
+
+    float sumOfPrices() const { return sum; }
+    QList<DayTotal> dayTotals() const;
+    const QList<LabelledTotal> &categoryTotals() const { return categories; }
+
+private:
+    float sum = 0;
+    QList<DayTotal> closedDays;
+    DayTotal openDay {};
+    bool anyEntry = false;
+    QList<LabelledTotal> categories;
+    QHash<QString, qsizetype> indexOfCategory;
+};
 
 // Graph buckets from start to end, both included. A day's value is the
 // first day total of that day, or 0; a daily bucket is labelled with the

@@ -7,6 +7,8 @@
 #include "budgetlevelcolours.h"
 #include "databasemanager.h"
 #include "entrydetailswidget.h"
+#include "entryquery.h"
+#include "entrytablerows.h"
 #include "format.h"
 #include "fulltexttooltipdelegate.h"
 #include "historybuckets.h"
@@ -74,73 +76,6 @@ enum Period { Daily = 0, Weekly = 1, Monthly = 2 };
 
 // The columns of the places table.
 enum PlaceColumn { PlaceName = 0, PlaceEntries = 1, PlaceTotal = 2, PlaceAverage = 3, PlaceLastVisit = 4 };
-
-// One cell of an entry table. It keeps the entry's value and writes the text
-// when the view asks for it: the view asks only for the rows on screen (and a
-// sample when fitting columns), while a table of years of entries would
-// otherwise format and hold several hundred thousand texts up front. The text
-// and the red come through the item's data, so text() and foreground() read
-// as if they had been set.
-class EntryCell : public QTableWidgetItem
-{
-public:
-    QVariant data(int role) const override
-    {
-        QVariant stored = QTableWidgetItem::data(role);
-        if (stored.isValid())
-            return stored;
-        if (role == Qt::DisplayRole || role == Qt::EditRole)
-            return cellText();
-        if (role == Qt::ForegroundRole)
-            return QBrush(QColor(0xff, 0x00, 0x00));
-        return stored;
-    }
-
-protected:
-    EntryCell() { setFlags(flags() & ~Qt::ItemIsEditable); }
-    EntryCell(const EntryCell &) = default;
-
-    virtual QString cellText() const = 0;
-};
-
-template<typename Value, QString (*Text)(const Value &)> class EntryValueCell final : public EntryCell
-{
-public:
-    explicit EntryValueCell(const Value &value) : value(value) { }
-
-    QTableWidgetItem *clone() const override { return new EntryValueCell(*this); }
-
-protected:
-    QString cellText() const override { return Text(value); }
-
-private:
-    Value value;
-};
-
-QString rowNumberText(const int &rowNumber)
-{
-    return QString::number(rowNumber);
-}
-
-QString plainText(const QString &text)
-{
-    return text;
-}
-
-QString priceText(const float &price)
-{
-    return Format::number(double(price));
-}
-
-QString dateTimeText(const QDateTime &dateTime)
-{
-    return Format::dateTime(dateTime);
-}
-
-using RowNumberCell = EntryValueCell<int, rowNumberText>;
-using TextCell = EntryValueCell<QString, plainText>;
-using PriceCell = EntryValueCell<float, priceText>;
-using DateTimeCell = EntryValueCell<QDateTime, dateTimeText>;
 
 // A cell of the places table: red text like the entry tables, sorted by the
 // value it shows (a number, a date-time, a place text), not by that text.
@@ -399,10 +334,12 @@ void HistoryWidget::ShowCategoryWiseDetails()
 
     const bool listsAll = HistoryBuckets::categoryListsAllEntries(dates);
     const DateTimeRange window = listsAll ? DateTimeRange() : HistoryBuckets::categoryRecentWindow(dates);
-    auto entries = owned(listsAll ? dbManager->GetAllEntriesOfCategory(name)
-                                  : dbManager->GetAllEntriesOfCategoryBetweenDates(name, window.from, window.to));
+    HistoryBuckets::PeriodTotals totals;
+    EntryTableRows::Rows rows = readRows(listsAll ? EntryFilter::ofCategory(name)
+                                                  : EntryFilter::ofCategory(name).between(window.from, window.to),
+                                         &totals);
 
-    const QList<DayTotal> days = HistoryBuckets::dayTotals(entries.list());
+    const QList<DayTotal> days = totals.dayTotals();
     for (const DayTotal &day : days)
         graph->append(ZRLineGraphData(Format::date(day.day), Format::number(day.total)));
     graph->setSortY(true);
@@ -410,7 +347,7 @@ void HistoryWidget::ShowCategoryWiseDetails()
     graph->setProperty(savedAsProperty, graphFile);
     ui->scrollAreaCategoryLineChart->setWidget(graph);
 
-    fillEntryTable(ui->tableWidgetCategoryRecentEntries, std::move(entries),
+    fillEntryTable(ui->tableWidgetCategoryRecentEntries, std::move(rows),
                    listsAll ? ColumnFit::BeforeRefill : ColumnFit::AfterHeaders);
     categoryTabShownFor = key;
 }
@@ -443,19 +380,23 @@ void HistoryWidget::ShowDateWiseDetails()
         return;
     }
     ui->tableWidgetDattewiseTabEntries->setRowCount(0);
-    auto entries = owned(dbManager->GetAllEntriesBetweenDates(start, end));
-    if (entries.isEmpty()) {
+    EntryTableRows::of(ui->tableWidgetDattewiseTabEntries)->clear();
+    // The table and the graphs take their figures from one reading, as it
+    // goes: the entries themselves are not kept.
+    HistoryBuckets::PeriodTotals totals;
+    EntryTableRows::Rows rows = readRows(EntryFilter().between(start, end), &totals);
+    if (rows.isEmpty()) {
         // Only if another program took the rows away (or the file failed)
         // in between; the table is then already empty.
         Notice::inform(tr("No Entries between the given dates"));
         return;
     }
 
-    const QList<DayTotal> days = HistoryBuckets::dayTotals(entries.list());
-    const float periodTotal = HistoryBuckets::sumOfPrices(entries.list());
+    const QList<DayTotal> days = totals.dayTotals();
+    const float periodTotal = totals.sumOfPrices();
     ui->labelDatewiseTabTotal->setText(
         tr("<font color=#ff2411> Total Spending in the period= %1 </font>").arg(Format::number(periodTotal)));
-    const QList<LabelledTotal> categories = HistoryBuckets::categoryTotals(entries.list());
+    const QList<LabelledTotal> &categories = totals.categoryTotals();
 
     QList<LabelledTotal> buckets;
     switch (period) {
@@ -487,7 +428,7 @@ void HistoryWidget::ShowDateWiseDetails()
         ui->scrollAreaDateWisePieChart->setWidget(pie);
     }
 
-    fillEntryTable(ui->tableWidgetDattewiseTabEntries, std::move(entries));
+    fillEntryTable(ui->tableWidgetDattewiseTabEntries, std::move(rows));
     dateWiseTabShownFor = key;
 }
 
@@ -513,7 +454,7 @@ void HistoryWidget::ShowTotalDetails()
     // Anchored at the oldest entry, under the caption "Recent Entries": that
     // is the page's long-standing choice.
     const DateTimeRange window = HistoryBuckets::totalTabWindow(first, last);
-    fillEntryTable(ui->tableWidgetTotalTabEntries, owned(dbManager->GetAllEntriesBetweenDates(window.from, window.to)));
+    fillEntryTable(ui->tableWidgetTotalTabEntries, readRows(EntryFilter().between(window.from, window.to)));
     totalTabShownFor = key;
 }
 
@@ -522,7 +463,7 @@ void HistoryWidget::ShowAllEntryDetails()
     const QString key = tabKey(QString());
     if (isShowing(&entriesTabShownFor, key))
         return;
-    fillEntryTable(ui->tableWidgetAllEntries, owned(dbManager->GetAllEntries()));
+    fillEntryTable(ui->tableWidgetAllEntries, readRows(EntryFilter()));
     entriesTabShownFor = key;
 }
 
@@ -599,7 +540,24 @@ void HistoryWidget::showPlaceOnMap(int row)
         placesMap->centreOn(place->text());
 }
 
-void HistoryWidget::fillEntryTable(QTableWidget *table, OwnedList<Entry> entries, ColumnFit fit)
+EntryTableRows::Rows HistoryWidget::readRows(const EntryFilter &filter, HistoryBuckets::PeriodTotals *totals) const
+{
+    EntryTableRows::Rows rows;
+    const bool read = dbManager->visitEntries(filter, [&](const Entry &entry) {
+        rows.append(entry);
+        if (totals)
+            totals->add(entry);
+    });
+    // A list that failed part way is no list, as the store's lists are.
+    if (!read) {
+        rows.clear();
+        if (totals)
+            *totals = HistoryBuckets::PeriodTotals();
+    }
+    return rows;
+}
+
+void HistoryWidget::fillEntryTable(QTableWidget *table, EntryTableRows::Rows rows, ColumnFit fit)
 {
     // The sections are stretched right after every fit, which sets their
     // widths anew; the fit only needs to measure what is on screen, not a
@@ -612,7 +570,7 @@ void HistoryWidget::fillEntryTable(QTableWidget *table, OwnedList<Entry> entries
         table->resizeColumnsToContents();
 
     table->setColumnCount(6);
-    table->setRowCount(int(entries.size()));
+    table->setRowCount(rows.size());
     table->setHorizontalHeaderLabels(
         { tr("No."), tr("Item Name"), tr("Category"), tr("Price"), tr("Date"), tr("Location Text") });
     if (fitColumns && fit == ColumnFit::AfterHeaders)
@@ -620,33 +578,8 @@ void HistoryWidget::fillEntryTable(QTableWidget *table, OwnedList<Entry> entries
     keepHeadingsWhole(table);
 
     // Items, not a label per cell: label cells cost a widget each and do not
-    // survive years of entries. Each setItem() would announce its own change
-    // to the view, a fifth of the time of a refill of ten years; the model
-    // stays quiet while it is filled and announces the whole table once.
-    // That is sound only while sorting is off: then setItem() does no more
-    // than keep the item and announce it, while a sorting table would move
-    // each row into place and tell its views through the very signals held
-    // back here. These tables keep the store's order and never sort.
-    Q_ASSERT(!table->isSortingEnabled());
-    QAbstractItemModel *model = table->model();
-    // Each entry goes as soon as its row holds what it shows (the cells share
-    // its texts), so that a long list and its table are not both held whole.
-    const QList<Entry *> rows = entries.release();
-    {
-        const QSignalBlocker quiet(model);
-        for (int row = 0; row < rows.size(); ++row) {
-            const Entry *entry = rows.at(row);
-            table->setItem(row, 0, new RowNumberCell(row + 1));
-            table->setItem(row, 1, new TextCell(entry->ItemName));
-            table->setItem(row, 2, new TextCell(entry->CategoryName));
-            table->setItem(row, 3, new PriceCell(entry->Price));
-            table->setItem(row, 4, new DateTimeCell(entry->TransactDateTime));
-            table->setItem(row, 5, new TextCell(entry->LocationText));
-            delete entry;
-        }
-    }
-    if (!rows.isEmpty())
-        emit model->dataChanged(model->index(0, 0), model->index(int(rows.size()) - 1, 5));
+    // survive years of entries.
+    EntryTableRows::of(table)->show(std::move(rows));
 }
 
 void HistoryWidget::on_tableWidgetAllEntries_cellClicked(int row, int column)
@@ -728,8 +661,8 @@ void HistoryWidget::on_tabWidgetHistoryContainer_currentChanged(int index)
 void HistoryWidget::ShowBudgetsDetails()
 {
     const QDate today = QDate::currentDate();
-    shownBudgets = dbManager ? Budgets(*dbManager).standings(today, Settings().budgetMonthStart())
-                             : QList<BudgetStanding>();
+    shownBudgets =
+        dbManager ? Budgets(*dbManager).standings(today, Settings().budgetMonthStart()) : QList<BudgetStanding>();
     QTableWidget *table = ui->tableWidgetBudgets;
     ui->tableWidgetBudgetEntries->clear();
     ui->tableWidgetBudgetEntries->setRowCount(0);

@@ -12,7 +12,10 @@
 #include <QWidget>
 
 #include "budgets.h"
+#include "entrytablerows.h"
+#include "historybuckets.h"
 
+struct EntryFilter;
 class PlacesMap;
 class QDate;
 class QTableWidget;
@@ -72,9 +75,12 @@ private:
     void showPlaceOnMap(int row);
 
     static void fillPlacesTable(QTableWidget *table, const QList<PlaceSpending *> &places);
-    // Fills an entry table from a list, in list order, and frees the
-    // entries as their rows are made.
-    static void fillEntryTable(QTableWidget *table, OwnedList<Entry> entries, ColumnFit fit = ColumnFit::AfterHeaders);
+    // The rows of an entry table, read from the store without keeping its
+    // records; each entry also goes into *totals when given. No rows, and
+    // no totals, when reading fails.
+    EntryTableRows::Rows readRows(const EntryFilter &filter, HistoryBuckets::PeriodTotals *totals = nullptr) const;
+    // Fills an entry table with rows, in their order.
+    static void fillEntryTable(QTableWidget *table, EntryTableRows::Rows rows, ColumnFit fit = ColumnFit::AfterHeaders);
 
     // What a tab was last computed from: the store's contents and the tab's
     // own inputs. A tab whose key is unchanged would show again exactly what

@@ -829,6 +829,11 @@ QList<Entry *> DatabaseManager::entryList(const EntryFilter &filter)
     return entries->list(filter);
 }
 
+bool DatabaseManager::visitEntries(const EntryFilter &filter, const std::function<void(const Entry &)> &visit)
+{
+    return entries->visit(filter, visit);
+}
+
 bool DatabaseManager::entryTotals(const EntryFilter &filter, int *count, double *total)
 {
     return entries->totals(filter, count, total);

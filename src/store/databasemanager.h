@@ -132,6 +132,10 @@ public:
     // Any list the one entry query makes, for the store's own classes
     // (see EntrySearch).
     QList<Entry *> entryList(const EntryFilter &filter);
+    // The same list handed over one row at a time, each record living for
+    // the call only (see EntryQuery::visit): for a page that keeps a compact
+    // form of ten years of entries rather than the records themselves.
+    bool visitEntries(const EntryFilter &filter, const std::function<void(const Entry &)> &visit);
     // The number of entries a filter takes and the sum of their prices.
     bool entryTotals(const EntryFilter &filter, int *count, double *total);
 

@@ -38,24 +38,23 @@ private:
     QHash<QString, QString> texts;
 };
 
-// Reads one entry row from anything that answers value(column) as Qt's
-// SQLite driver would: a QSqlQuery, or a SqliteRow.
-template<typename Row> Entry *readEntry(const Row &row, TextPool &texts)
+// Reads one entry row into *entry from anything that answers value(column)
+// as Qt's SQLite driver would: a QSqlQuery, or a SqliteRow. Each text goes
+// through `share`.
+template<typename Row, typename Share> void readEntry(const Row &row, Entry *entry, Share share)
 {
-    auto *entry = new Entry;
     entry->SNo = row.value(0).toInt();
-    entry->ItemName = texts.shared(row.value(1).toString());
-    entry->CategoryName = texts.shared(row.value(2).toString());
+    entry->ItemName = share(row.value(1).toString());
+    entry->CategoryName = share(row.value(2).toString());
     entry->CategoryID = row.value(3).toInt();
     entry->TransactDateTime = StorageForm::readDateTime(row.value(4));
     entry->Price = row.value(5).toFloat();
-    entry->LocationText = texts.shared(row.value(6).toString());
+    entry->LocationText = share(row.value(6).toString());
     entry->EnableGeoLoc = row.value(7).toBool();
     entry->GeoLocID = row.value(8).toInt();
     entry->GeoLocLongit = row.value(9).toFloat();
     entry->GeoLocLatit = row.value(10).toFloat();
     entry->ItemID = row.value(11).toInt();
-    return entry;
 }
 
 } // namespace
@@ -187,9 +186,8 @@ QString EntryQuery::where(const EntryFilter &filter, Bindings *bindings)
     return conditions.isEmpty() ? QString() : QStringLiteral(" where ") + conditions.join(QStringLiteral(" and "));
 }
 
-QList<Entry *> EntryQuery::list(const EntryFilter &filter)
+QString EntryQuery::statement(const EntryFilter &filter, Bindings *bindings)
 {
-    Bindings bindings;
     // The described lists sort by date-time or by price only: rows that tie
     // keep the order of the table, as they always have.
     QString order;
@@ -204,21 +202,47 @@ QList<Entry *> EntryQuery::list(const EntryFilter &filter)
         order = QStringLiteral(" order by TransactDateTime desc, SNo desc");
         break;
     }
-    QString statement = columns() + where(filter, &bindings) + order;
+    QString text = columns() + where(filter, bindings) + order;
     if (filter.limit > 0) {
-        statement += QStringLiteral(" limit :limit offset :offset");
-        bindings.append({ QStringLiteral(":limit"), filter.limit });
-        bindings.append({ QStringLiteral(":offset"), std::max(filter.offset, 0) });
+        text += QStringLiteral(" limit :limit offset :offset");
+        bindings->append({ QStringLiteral(":limit"), filter.limit });
+        bindings->append({ QStringLiteral(":offset"), std::max(filter.offset, 0) });
     }
+    return text;
+}
+
+QList<Entry *> EntryQuery::list(const EntryFilter &filter)
+{
+    Bindings bindings;
+    const QString text = statement(filter, &bindings);
     // The list grows with the rows it gets: a count of the table first
     // would decide nothing.
     QList<Entry *> records;
     TextPool texts;
-    if (!reader.readRows(statement, bindings, [&](const auto &row) { records.append(readEntry(row, texts)); })) {
+    const auto share = [&texts](const QString &text) { return texts.shared(text); };
+    if (!reader.readRows(text, bindings, [&](const auto &row) {
+            auto *entry = new Entry;
+            readEntry(row, entry, share);
+            records.append(entry);
+        })) {
         qDeleteAll(records);
         records.clear();
     }
     return records;
+}
+
+bool EntryQuery::visit(const EntryFilter &filter, const std::function<void(const Entry &)> &visit)
+{
+    Bindings bindings;
+    const QString text = statement(filter, &bindings);
+    // One record, read over for each row: nothing is kept, so the texts are
+    // not pooled either.
+    Entry entry;
+    const auto asRead = [](const QString &text) { return text; };
+    return reader.readRows(text, bindings, [&](const auto &row) {
+        readEntry(row, &entry, asRead);
+        visit(std::as_const(entry));
+    });
 }
 
 int EntryQuery::count(const EntryFilter &filter)

@@ -11,6 +11,7 @@
 #include <QString>
 #include <QStringList>
 
+#include <functional>
 #include <optional>
 
 class SqliteReader;
@@ -62,6 +63,11 @@ public:
     // Records allocated for the caller; an empty list when reading fails or
     // stops before the last row.
     QList<Entry *> list(const EntryFilter &filter);
+    // Hands each row of the same list to `visit`, in order, as a record
+    // that lives for the call only: for callers that condense a long list
+    // as it is read rather than hold it. False when reading failed or
+    // stopped before the last row; the rows visited until then were read.
+    bool visit(const EntryFilter &filter, const std::function<void(const Entry &)> &visit);
     int count(const EntryFilter &filter);
     // How many entries the filter takes (its window aside) and the sum of
     // their prices; false when the file cannot be read.
@@ -76,6 +82,8 @@ public:
     static QString trigramQuery(const QStringList &texts);
 
 private:
+    // The statement of a list, its bindings added to *bindings.
+    static QString statement(const EntryFilter &filter, Bindings *bindings);
     static QString where(const EntryFilter &filter, Bindings *bindings);
 
     Statements &statements;
