@@ -848,18 +848,6 @@ std::optional<RecurringExpense> OptionsWidget::selectedRecurringExpense() const
     return RecurringExpenses(*dbManager).of(selected.constFirst()->data(Qt::UserRole).toInt());
 }
 
-namespace {
-
-QStringList categoryNames(DatabaseManager &store)
-{
-    QStringList names;
-    for (const Category *category : owned(store.GetAllCategories()))
-        names << category->CategoryName;
-    return names;
-}
-
-} // namespace
-
 void OptionsWidget::addRecurringExpense()
 {
     RecurringExpense fresh;
@@ -877,7 +865,7 @@ void OptionsWidget::storeFromDialog(const RecurringExpense &expense)
 {
     if (!dbManager)
         return;
-    RecurringExpenseDialog dialog(expense, categoryNames(*dbManager));
+    RecurringExpenseDialog dialog(expense, categoryNames());
     if (dialog.exec() != QDialog::Accepted)
         return;
     RecurringExpenses recurring(*dbManager);
