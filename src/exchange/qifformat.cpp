@@ -110,7 +110,11 @@ bool ordersOpen(const WrittenDate &date)
     return date.valid && !date.yearFirst;
 }
 
-QDate dateOf(const WrittenDate &written, QifFormat::DateOrder order)
+// Two-digit years by the window around `thisYear`, which a reader asks the
+// clock for once per file: asked per date, the clock was most of the cost of
+// reading a large file, and a file read across New Year could have had
+// dates in two windows.
+QDate dateOf(const WrittenDate &written, QifFormat::DateOrder order, int thisYear)
 {
     if (!written.valid)
         return QDate();
@@ -118,12 +122,12 @@ QDate dateOf(const WrittenDate &written, QifFormat::DateOrder order)
         return QDate(written.first, written.second, written.third);
     if (order == QifFormat::DateOrder::YearFirst && written.firstDigits == 2 && !written.apostropheYear &&
         written.thirdDigits <= 2)
-        return QDate(QifFormat::twoDigitYear(written.first), written.second, written.third);
+        return QDate(QifFormat::twoDigitYear(written.first, thisYear), written.second, written.third);
     int year = written.third;
     if (written.apostropheYear && written.thirdDigits <= 2)
         year += 2000;
     else if (written.thirdDigits <= 2)
-        year = QifFormat::twoDigitYear(written.third);
+        year = QifFormat::twoDigitYear(written.third, thisYear);
     if (order == QifFormat::DateOrder::DayFirst)
         return QDate(year, written.second, written.first);
     return QDate(year, written.first, written.second);
@@ -454,6 +458,7 @@ EntryFileContents QifFormat::read(QByteArrayView bytes, std::optional<DateOrder>
                                   std::optional<TextEncoding::Kind> encoding)
 {
     EntryFileContents contents;
+    const int thisYear = QDate::currentDate().year();
     const TextEncoding::Kind kind = encoding ? *encoding : TextEncoding::detect(bytes);
     contents.encoding = TextEncoding::name(kind);
     const QString text = TextEncoding::decode(bytes, kind);
@@ -491,8 +496,8 @@ EntryFileContents QifFormat::read(QByteArrayView bytes, std::optional<DateOrder>
             date.first != date.second) {
             contents.openDate = r.date;
             contents.openDateLine = r.dateLine;
-            contents.openDateMonthFirst = dateOf(date, DateOrder::MonthFirst);
-            contents.openDateDayFirst = dateOf(date, DateOrder::DayFirst);
+            contents.openDateMonthFirst = dateOf(date, DateOrder::MonthFirst, thisYear);
+            contents.openDateDayFirst = dateOf(date, DateOrder::DayFirst, thisYear);
         }
     }
     if (!order && dayFirstLine > 0 && monthFirstLine > 0) {
@@ -537,7 +542,7 @@ EntryFileContents QifFormat::read(QByteArrayView bytes, std::optional<DateOrder>
         // countries' form and slashes the month-first ones'.
         const DateOrder dateOrder =
             fileOrder ? *fileOrder : written.dotted ? DateOrder::DayFirst : DateOrder::MonthFirst;
-        const QDate date = dateOf(written, dateOrder);
+        const QDate date = dateOf(written, dateOrder, thisYear);
         if (!date.isValid()) {
             contents.addProblem(r.dateLine, tr("the date %1 is not a date Ledgerly can read").arg(quoted(r.date)));
             continue;
