@@ -40,10 +40,6 @@ public:
     void setResults(int count, Fetch fetch);
     // Reads every entry not read yet (to sort them all by a column).
     void fetchAll();
-    // The entries read so far, in the search's order.
-    const QList<Entry *> &entries() const { return results; }
-    // How many entries the search found.
-    int foundCount() const { return found; }
 
     int rowCount(const QModelIndex &parent = QModelIndex()) const override;
     int columnCount(const QModelIndex &parent = QModelIndex()) const override;
