@@ -94,12 +94,10 @@ void PeriodTotals::add(const Entry &entry)
     }
     openDay.total += entry.Price;
 
-    auto found = indexOfCategory.constFind(entry.CategoryName);
-    if (found == indexOfCategory.constEnd()) {
-        found = indexOfCategory.insert(entry.CategoryName, categories.size());
+    const int number = categoryNumbers.numberOf(entry.CategoryName);
+    if (number == categories.size())
         categories.append({ entry.CategoryName, 0 });
-    }
-    categories[*found].total += entry.Price;
+    categories[number].total += entry.Price;
 }
 
 QList<DayTotal> PeriodTotals::dayTotals() const

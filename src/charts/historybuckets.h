@@ -9,6 +9,8 @@
 #include <QList>
 #include <QString>
 
+#include "textnumbers.h"
+
 class CategorySpending;
 class Entry;
 
@@ -88,7 +90,8 @@ private:
     DayTotal openDay {};
     bool anyEntry = false;
     QList<LabelledTotal> categories;
-    QHash<QString, qsizetype> indexOfCategory;
+    // The number of each category is its place in `categories`.
+    TextNumbers categoryNumbers;
 };
 
 // Graph buckets from start to end, both included. A day's value is the

@@ -125,31 +125,19 @@ static_assert(sizeof(EntryCell) == sizeof(QTableWidgetItem));
 
 void EntryTableRows::Rows::append(const Entry &entry)
 {
-    rows.push_back({ indexOf(entry.ItemName), indexOf(entry.CategoryName), indexOf(entry.LocationText), entry.Price,
-                     entry.TransactDateTime });
-}
-
-int EntryTableRows::Rows::indexOf(const QString &text)
-{
-    const auto found = indexOfText.constFind(text);
-    if (found != indexOfText.constEnd())
-        return *found;
-    const int index = int(texts.size());
-    texts.append(text);
-    indexOfText.insert(text, index);
-    return index;
+    rows.push_back({ texts.numberOf(entry.ItemName), texts.numberOf(entry.CategoryName),
+                     texts.numberOf(entry.LocationText), entry.Price, entry.TransactDateTime });
 }
 
 void EntryTableRows::Rows::clear()
 {
     std::vector<Row>().swap(rows);
     texts.clear();
-    indexOfText.clear();
 }
 
 void EntryTableRows::Rows::squeeze()
 {
-    indexOfText = QHash<QString, int>();
+    texts.forgetLookups();
     rows.shrink_to_fit();
 }
 
@@ -162,15 +150,15 @@ QString EntryTableRows::Rows::text(int row, int column) const
     case Number:
         return QString::number(row + 1);
     case ItemName:
-        return texts.at(shown.itemName);
+        return texts.text(shown.itemName);
     case Category:
-        return texts.at(shown.category);
+        return texts.text(shown.category);
     case Price:
         return Format::number(double(shown.price));
     case DateTime:
         return Format::dateTime(shown.when);
     case Place:
-        return texts.at(shown.place);
+        return texts.text(shown.place);
     default:
         return QString();
     }

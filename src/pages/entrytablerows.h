@@ -4,6 +4,7 @@
 #pragma once
 
 #include "records.h"
+#include "textnumbers.h"
 
 #include <QDateTime>
 #include <QHash>
@@ -57,11 +58,8 @@ public:
             float price;
             QDateTime when;
         };
-        int indexOf(const QString &text);
-
         std::vector<Row> rows;
-        QStringList texts;
-        QHash<QString, int> indexOfText;
+        TextNumbers texts;
     };
 
     // The rows of `table`, made empty on first use.

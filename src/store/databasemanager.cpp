@@ -11,6 +11,7 @@
 #include "statements.h"
 #include "storageform.h"
 #include "storeconnection.h"
+#include "textnumbers.h"
 #include "transactions.h"
 
 #include <QCoreApplication>
@@ -1016,25 +1017,24 @@ QList<CategorySpending *> DatabaseManager::GetSpendingPerCategory()
     // and its prices are added in that order. Equal date-times come together,
     // so a category's distinct date-times are counted as it goes.
     QList<CategorySpending *> categories;
-    QHash<QString, qsizetype> indexOf;
+    TextNumbers numbers;
     QList<QVariant> lastDateTime;
     const bool read = reader->readRows(
         QStringLiteral("select CategoryName,TransactDateTime,Price from Entry order by TransactDateTime desc"), {},
         [&](const auto &row) {
             const QString name = row.value(0).toString();
-            auto found = indexOf.constFind(name);
+            const int number = numbers.numberOf(name);
             const QVariant dateTime = row.value(1);
             CategorySpending *category;
-            if (found == indexOf.constEnd()) {
-                indexOf.insert(name, categories.size());
+            if (number == categories.size()) {
                 category = new CategorySpending;
                 category->CategoryName = name;
                 category->NumberOfDateTimes = 1;
                 categories.append(category);
                 lastDateTime.append(dateTime);
             } else {
-                category = categories.at(*found);
-                QVariant &last = lastDateTime[*found];
+                category = categories.at(number);
+                QVariant &last = lastDateTime[number];
                 if (!sameStoredValue(last, dateTime)) {
                     ++category->NumberOfDateTimes;
                     last = dateTime;

@@ -5,6 +5,7 @@
 
 #include "sqlitereader.h"
 #include "storageform.h"
+#include "textnumbers.h"
 
 #include <QHash>
 #include <QSqlQuery>
@@ -27,15 +28,11 @@ public:
         // but are not the same value: neither is pooled.
         if (text.isEmpty())
             return text;
-        const auto found = texts.constFind(text);
-        if (found != texts.constEnd())
-            return *found;
-        texts.insert(text, text);
-        return text;
+        return texts.text(texts.numberOf(text));
     }
 
 private:
-    QHash<QString, QString> texts;
+    TextNumbers texts;
 };
 
 // Reads one entry row into *entry from anything that answers value(column)
