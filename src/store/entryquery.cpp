@@ -35,23 +35,36 @@ private:
     TextNumbers texts;
 };
 
+// A date-time column as StorageForm reads the value Qt's driver makes of
+// it; a text is read as text, without the variant.
+QDateTime dateTimeAt(const QSqlQuery &row, int column)
+{
+    return StorageForm::readDateTime(row.value(column));
+}
+
+QDateTime dateTimeAt(const SqliteRow &row, int column)
+{
+    return row.isText(column) ? StorageForm::readDateTime(row.toString(column))
+                              : StorageForm::readDateTime(row.value(column));
+}
+
 // Reads one entry row into *entry from anything that answers value(column)
 // as Qt's SQLite driver would: a QSqlQuery, or a SqliteRow. Each text goes
 // through `share`.
 template<typename Row, typename Share> void readEntry(const Row &row, Entry *entry, Share share)
 {
-    entry->SNo = row.value(0).toInt();
-    entry->ItemName = share(row.value(1).toString());
-    entry->CategoryName = share(row.value(2).toString());
-    entry->CategoryID = row.value(3).toInt();
-    entry->TransactDateTime = StorageForm::readDateTime(row.value(4));
-    entry->Price = row.value(5).toFloat();
-    entry->LocationText = share(row.value(6).toString());
-    entry->EnableGeoLoc = row.value(7).toBool();
-    entry->GeoLocID = row.value(8).toInt();
-    entry->GeoLocLongit = row.value(9).toFloat();
-    entry->GeoLocLatit = row.value(10).toFloat();
-    entry->ItemID = row.value(11).toInt();
+    entry->SNo = intAt(row, 0);
+    entry->ItemName = share(stringAt(row, 1));
+    entry->CategoryName = share(stringAt(row, 2));
+    entry->CategoryID = intAt(row, 3);
+    entry->TransactDateTime = dateTimeAt(row, 4);
+    entry->Price = floatAt(row, 5);
+    entry->LocationText = share(stringAt(row, 6));
+    entry->EnableGeoLoc = boolAt(row, 7);
+    entry->GeoLocID = intAt(row, 8);
+    entry->GeoLocLongit = floatAt(row, 9);
+    entry->GeoLocLatit = floatAt(row, 10);
+    entry->ItemID = intAt(row, 11);
 }
 
 } // namespace

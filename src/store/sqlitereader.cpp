@@ -26,6 +26,47 @@ QVariant SqliteRow::value(int column) const
     }
 }
 
+// Integers and reals convert as their variants would (a plain C++
+// conversion); texts, blobs and NULLs take the variant's way.
+QString SqliteRow::toString(int column) const
+{
+    if (sqlite3_column_type(statement, column) != SQLITE_TEXT)
+        return value(column).toString();
+    const auto *text = reinterpret_cast<const char *>(sqlite3_column_text(statement, column));
+    return QString::fromUtf8(text, sqlite3_column_bytes(statement, column));
+}
+
+int SqliteRow::toInt(int column) const
+{
+    if (sqlite3_column_type(statement, column) != SQLITE_INTEGER)
+        return value(column).toInt();
+    return int(sqlite3_column_int64(statement, column));
+}
+
+float SqliteRow::toFloat(int column) const
+{
+    switch (sqlite3_column_type(statement, column)) {
+    case SQLITE_FLOAT:
+        return float(sqlite3_column_double(statement, column));
+    case SQLITE_INTEGER:
+        return float(sqlite3_column_int64(statement, column));
+    default:
+        return value(column).toFloat();
+    }
+}
+
+bool SqliteRow::toBool(int column) const
+{
+    if (sqlite3_column_type(statement, column) != SQLITE_INTEGER)
+        return value(column).toBool();
+    return sqlite3_column_int64(statement, column) != 0;
+}
+
+bool SqliteRow::isText(int column) const
+{
+    return sqlite3_column_type(statement, column) == SQLITE_TEXT;
+}
+
 SqliteReader::SqliteReader(Statements &statements, std::function<sqlite3 *()> handle)
     : statements(statements), handle(std::move(handle))
 {
