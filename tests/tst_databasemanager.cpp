@@ -224,6 +224,7 @@ private slots:
     void entryListsAreReadOnTheSqliteHandleOnlyWhereThatIsSafe();
     void aListCutShortByADamagedFileIsEmpty();
     void spendingPerCategoryIsWhatEachCategorysOwnListsAddUpTo();
+    void spendingPerCategoryComesInTheOrderTheNewestFirstListMeetsTheNames();
     void theContentVersionMovesWithEveryWriteAndOnlyThen();
 
     // A file in trouble
@@ -2094,6 +2095,50 @@ void tst_DatabaseManager::spendingPerCategoryIsWhatEachCategorysOwnListsAddUpTo(
     }
     QVERIFY(tiesThatMatter > 0);
     QCOMPARE(byName.value(QStringLiteral("Drinks"))->NumberOfDateTimes, 2);
+}
+
+void tst_DatabaseManager::spendingPerCategoryComesInTheOrderTheNewestFirstListMeetsTheNames()
+{
+    // Fifteen categories over twenty date-times: many categories share
+    // their newest date-time, and which of them comes first is decided by
+    // the order of the rows at it.
+    auto store = startStore();
+    QVERIFY(writeEntriesWithTiedDateTimes(home->databasePath()));
+
+    QStringList met;
+    for (const Entry *entry : owned(store->GetAllEntries())) {
+        if (!met.contains(entry->CategoryName))
+            met.append(entry->CategoryName);
+    }
+    QCOMPARE(met.size(), 16);
+    QStringList listed;
+    for (const CategorySpending *category : owned(store->GetSpendingPerCategory()))
+        listed.append(category->CategoryName);
+    QCOMPARE(listed, met);
+
+    // And so once the category met last gets the newest entry of all, and
+    // the one met first loses its entries at the newest date-time.
+    const QString last = met.constLast();
+    const QString first = met.constFirst();
+    {
+        RawDatabase raw(home->databasePath());
+        QVERIFY(raw.isOpen());
+        QVERIFY(raw.insertEntry(QStringLiteral("Late"), last, QDateTime(QDate(2026, 12, 1), QTime(9, 0)), 2.0) > 0);
+        QVERIFY(raw.exec(QStringLiteral("DELETE FROM Entry WHERE CategoryName = '%1' AND TransactDateTime = (SELECT "
+                                        "max(TransactDateTime) FROM Entry WHERE CategoryName = '%1')")
+                             .arg(first)));
+    }
+    met.clear();
+    for (const Entry *entry : owned(store->GetAllEntries())) {
+        if (!met.contains(entry->CategoryName))
+            met.append(entry->CategoryName);
+    }
+    QCOMPARE(met.constFirst(), last);
+    QVERIFY(met.indexOf(first) > 0);
+    listed.clear();
+    for (const CategorySpending *category : owned(store->GetSpendingPerCategory()))
+        listed.append(category->CategoryName);
+    QCOMPARE(listed, met);
 }
 
 void tst_DatabaseManager::theContentVersionMovesWithEveryWriteAndOnlyThen()

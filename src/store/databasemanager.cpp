@@ -24,6 +24,7 @@
 #include <QVariant>
 
 #include <optional>
+#include <vector>
 
 namespace {
 
@@ -364,10 +365,11 @@ bool DatabaseManager::renameIfStoredOnce(const QString &oldName, const QString &
 
 QDateTime DatabaseManager::entryDateBound(const QString &statement, const Bindings &bindings)
 {
-    // The whole table is counted even for a category's bound; an empty table
-    // answers without running the statement.
+    // The whole table is asked even for a category's bound; an empty table
+    // answers without running the statement. Whether a first row exists,
+    // not how many rows: a count reads every row.
     QDateTime bound;
-    if (entries->count({}) > 0) {
+    if (statements->count(QStringLiteral("select exists (select 1 from Entry)"), {}) > 0) {
         std::optional<QSqlQuery> query;
         if (statements->run(query, statement, bindings) && query->next())
             bound = readDateTime(query->value(0));
@@ -1011,42 +1013,71 @@ QList<RememberedPlaceSpending *> DatabaseManager::GetSpendingPerRememberedPlace(
 
 QList<CategorySpending *> DatabaseManager::GetSpendingPerCategory()
 {
-    // Sorted as GetAllEntriesOfCategory() sorts, over the whole table: the
-    // sort keeps rows of equal date-times in table order, with or without a
-    // filter, so each category's rows come in the very order of its own list
-    // and its prices are added in that order. Equal date-times come together,
-    // so a category's distinct date-times are counted as it goes.
+    // Read from the spending table along its key (category, date-time,
+    // number), backwards, rather than from the entries sorted by date-time:
+    // no sort of the whole table, and narrow rows. Each category's rows then
+    // come newest first, as its own list has them, except that the rows of
+    // one date-time come with the highest number first, where the list keeps
+    // them in table order, the lowest first. Each run of equal date-times is
+    // therefore kept until it ends and added in reverse, so that the sum is
+    // the very float that adding up the list gives. Equal date-times are
+    // equal keys to SQLite, as to DISTINCT: each run is one date-time.
     QList<CategorySpending *> categories;
-    TextNumbers numbers;
-    QList<QVariant> lastDateTime;
+    QHash<QString, CategorySpending *> byName;
+    CategorySpending *category = nullptr;
+    QVariant runDateTime;
+    std::vector<float> run;
+    const auto endRun = [&] {
+        for (auto price = run.rbegin(); price != run.rend(); ++price)
+            category->Total += *price;
+        run.clear();
+    };
     const bool read = reader->readRows(
-        QStringLiteral("select CategoryName,TransactDateTime,Price from Entry order by TransactDateTime desc"), {},
-        [&](const auto &row) {
-            const QString name = row.value(0).toString();
-            const int number = numbers.numberOf(name);
+        QStringLiteral("select CategoryName,TransactDateTime,Price from EntrySpending "
+                       "order by CategoryName desc, TransactDateTime desc, SNo desc"),
+        {}, [&](const auto &row) {
+            const QString name = stringAt(row, 0);
             const QVariant dateTime = row.value(1);
-            CategorySpending *category;
-            if (number == categories.size()) {
+            if (!category || name != category->CategoryName) {
+                if (category)
+                    endRun();
                 category = new CategorySpending;
                 category->CategoryName = name;
                 category->NumberOfDateTimes = 1;
                 categories.append(category);
-                lastDateTime.append(dateTime);
-            } else {
-                category = categories.at(number);
-                QVariant &last = lastDateTime[number];
-                if (!sameStoredValue(last, dateTime)) {
-                    ++category->NumberOfDateTimes;
-                    last = dateTime;
-                }
+                byName.insert(name, category);
+                runDateTime = dateTime;
+            } else if (!sameStoredValue(runDateTime, dateTime)) {
+                endRun();
+                ++category->NumberOfDateTimes;
+                runDateTime = dateTime;
             }
-            category->Total += row.value(2).toFloat();
+            run.push_back(floatAt(row, 2));
         });
-    if (!read) {
+    if (category)
+        endRun();
+
+    // In the order the names are first met newest first: by each
+    // category's newest date-time, and among equal ones by the lowest
+    // number at it (table order), as the entries sorted by date-time would
+    // meet them. A row per category, each found along the key.
+    QList<CategorySpending *> ordered;
+    std::optional<QSqlQuery> query;
+    const bool orderRead = read &&
+        statements->run(query,
+                        QStringLiteral("select CategoryName from (select CategoryName, max(TransactDateTime) as "
+                                       "Newest from EntrySpending group by CategoryName) as Category order by "
+                                       "Newest desc, (select min(SNo) from EntrySpending where CategoryName = "
+                                       "Category.CategoryName and TransactDateTime = Category.Newest)")) &&
+        readAllRows(*query, [&](const QSqlQuery &row) {
+            if (CategorySpending *found = byName.take(row.value(0).toString()))
+                ordered.append(found);
+        });
+    if (!orderRead || !byName.isEmpty()) {
         qDeleteAll(categories);
-        categories.clear();
+        return {};
     }
-    return categories;
+    return ordered;
 }
 
 std::optional<DatabaseManager::ContentVersion> DatabaseManager::contentVersion()
