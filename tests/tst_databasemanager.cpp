@@ -2104,20 +2104,27 @@ void tst_DatabaseManager::spendingPerCategoryComesInTheOrderTheNewestFirstListMe
     // the order of the rows at it.
     auto store = startStore();
     QVERIFY(writeEntriesWithTiedDateTimes(home->databasePath()));
+    const auto namesAsListed = [&store] {
+        QStringList met;
+        for (const Entry *entry : owned(store->GetAllEntries())) {
+            if (!met.contains(entry->CategoryName))
+                met.append(entry->CategoryName);
+        }
+        return met;
+    };
+    const auto namesOfSpending = [&store] {
+        QStringList names;
+        for (const CategorySpending *category : owned(store->GetSpendingPerCategory()))
+            names.append(category->CategoryName);
+        return names;
+    };
 
-    QStringList met;
-    for (const Entry *entry : owned(store->GetAllEntries())) {
-        if (!met.contains(entry->CategoryName))
-            met.append(entry->CategoryName);
-    }
+    QStringList met = namesAsListed();
     QCOMPARE(met.size(), 16);
-    QStringList listed;
-    for (const CategorySpending *category : owned(store->GetSpendingPerCategory()))
-        listed.append(category->CategoryName);
-    QCOMPARE(listed, met);
+    QCOMPARE(namesOfSpending(), met);
 
     // And so once the category met last gets the newest entry of all, and
-    // the one met first loses its entries at the newest date-time.
+    // the one met first loses its entries at its newest date-time.
     const QString last = met.constLast();
     const QString first = met.constFirst();
     {
@@ -2128,17 +2135,10 @@ void tst_DatabaseManager::spendingPerCategoryComesInTheOrderTheNewestFirstListMe
                                         "max(TransactDateTime) FROM Entry WHERE CategoryName = '%1')")
                              .arg(first)));
     }
-    met.clear();
-    for (const Entry *entry : owned(store->GetAllEntries())) {
-        if (!met.contains(entry->CategoryName))
-            met.append(entry->CategoryName);
-    }
+    met = namesAsListed();
     QCOMPARE(met.constFirst(), last);
     QVERIFY(met.indexOf(first) > 0);
-    listed.clear();
-    for (const CategorySpending *category : owned(store->GetSpendingPerCategory()))
-        listed.append(category->CategoryName);
-    QCOMPARE(listed, met);
+    QCOMPARE(namesOfSpending(), met);
 }
 
 void tst_DatabaseManager::theContentVersionMovesWithEveryWriteAndOnlyThen()
