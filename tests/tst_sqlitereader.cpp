@@ -6,7 +6,7 @@
 #include <QTemporaryDir>
 #include <QTest>
 
-#include <cmath>
+#include <algorithm>
 
 #include <sqlite3.h>
 
@@ -22,6 +22,9 @@ private slots:
     void cleanupTestCase();
     void typedReadsAgreeWithTheVariants_data();
     void typedReadsAgreeWithTheVariants();
+    void storedValuesCompareAsSqliteDoes_data();
+    void storedValuesCompareAsSqliteDoes();
+    void storedValuesSortAsSqliteSorts();
 
 private:
     QTemporaryDir home;
@@ -100,6 +103,112 @@ void TestSqliteReader::typedReadsAgreeWithTheVariants()
     QCOMPARE(row.toInt(0), variant.toInt());
     QCOMPARE(row.toFloat(0), variant.toFloat());
     QCOMPARE(row.toBool(0), variant.toBool());
+    sqlite3_finalize(statement);
+}
+
+void TestSqliteReader::storedValuesCompareAsSqliteDoes_data()
+{
+    // Two literals, and whether SQLite takes them for one value (as
+    // DISTINCT and GROUP BY do).
+    QTest::addColumn<QByteArray>("first");
+    QTest::addColumn<QByteArray>("second");
+    QTest::addColumn<bool>("same");
+
+    QTest::newRow("equal texts") << QByteArray("'2026-11-15T10:00:00'") << QByteArray("'2026-11-15T10:00:00'")
+                                 << true;
+    QTest::newRow("one moment, two forms") << QByteArray("'2026-11-14T24:00:00'")
+                                           << QByteArray("'2026-11-15T00:00:00'") << false;
+    QTest::newRow("case") << QByteArray("'Food'") << QByteArray("'food'") << false;
+    QTest::newRow("accents") << QByteArray("'Café'") << QByteArray("'Cafe'") << false;
+    QTest::newRow("integer and real") << QByteArray("1") << QByteArray("1.0") << true;
+    QTest::newRow("different numbers") << QByteArray("1") << QByteArray("1.5") << false;
+    QTest::newRow("number and its text") << QByteArray("1") << QByteArray("'1'") << false;
+    QTest::newRow("text and its blob") << QByteArray("'A'") << QByteArray("x'41'") << false;
+    QTest::newRow("equal blobs") << QByteArray("x'0041'") << QByteArray("x'0041'") << true;
+    QTest::newRow("two NULLs") << QByteArray("NULL") << QByteArray("NULL") << true;
+    QTest::newRow("NULL and empty text") << QByteArray("NULL") << QByteArray("''") << false;
+    QTest::newRow("empty texts") << QByteArray("''") << QByteArray("''") << true;
+}
+
+void TestSqliteReader::storedValuesCompareAsSqliteDoes()
+{
+    QFETCH(QByteArray, first);
+    QFETCH(QByteArray, second);
+    QFETCH(bool, same);
+
+    // SQLite's own verdict first, so that the expectation above is its.
+    sqlite3_stmt *statement = nullptr;
+    QCOMPARE(sqlite3_prepare_v2(db, ("select count(distinct Value) from (select " + first + " as Value union all select " +
+                                     second + ")")
+                                        .constData(),
+                                -1, &statement, nullptr),
+             SQLITE_OK);
+    QCOMPARE(sqlite3_step(statement), SQLITE_ROW);
+    // NULLs are left out of a count: two NULLs count none.
+    const int distinct = sqlite3_column_int(statement, 0);
+    sqlite3_finalize(statement);
+    if (first != "NULL" && second != "NULL")
+        QCOMPARE(distinct == 1, same);
+
+    QCOMPARE(sqlite3_prepare_v2(db, ("select " + first + ", " + second).constData(), -1, &statement, nullptr),
+             SQLITE_OK);
+    QCOMPARE(sqlite3_step(statement), SQLITE_ROW);
+    const SqliteRow row(statement);
+    const StoredValue kept = row.stored(0);
+    QCOMPARE(kept == row.stored(1), same);
+    QCOMPARE(row.holds(1, kept), same);
+    QCOMPARE(row.holds(0, kept), true);
+    // Kept from the variants Qt's driver makes, the same.
+    QCOMPARE(StoredValue(row.value(0)) == StoredValue(row.value(1)), same);
+    QCOMPARE(StoredValue(row.value(0)) == kept, true);
+    QCOMPARE(row.holds(1, StoredValue(row.value(0))), same);
+    sqlite3_finalize(statement);
+}
+
+void TestSqliteReader::storedValuesSortAsSqliteSorts()
+{
+    // Values of every storage class, given out of order; SQLite's ORDER BY
+    // says where each belongs.
+    const QList<QByteArray> literals = { "'b'", "x'41'", "2.5", "NULL", "'a'", "-1", "'2026-11-15T00:00:00'",
+                                         "9007199254740993", "9007199254740992.0", "'ab'", "''", "x'00'",
+                                         "'A'", "'é'", "'2026-11-14T24:00:00'", "0", "'z'", "-0.5", "x''" };
+    QCOMPARE(sqlite3_exec(db, "delete from V", nullptr, nullptr, nullptr), SQLITE_OK);
+    for (const QByteArray &literal : literals)
+        QCOMPARE(sqlite3_exec(db, ("insert into V values (" + literal + ")").constData(), nullptr, nullptr, nullptr),
+                 SQLITE_OK);
+
+    const auto read = [this](const char *sql) {
+        QList<StoredValue> values;
+        sqlite3_stmt *statement = nullptr;
+        if (sqlite3_prepare_v2(db, sql, -1, &statement, nullptr) != SQLITE_OK)
+            return values;
+        const SqliteRow row(statement);
+        while (sqlite3_step(statement) == SQLITE_ROW)
+            values.append(row.stored(0));
+        sqlite3_finalize(statement);
+        return values;
+    };
+    const QList<StoredValue> bySqlite = read("select Value from V order by Value, rowid");
+    QList<StoredValue> sorted = read("select Value from V order by rowid");
+    QCOMPARE(sorted.size(), literals.size());
+    QCOMPARE(bySqlite.size(), literals.size());
+    std::stable_sort(sorted.begin(), sorted.end());
+    for (qsizetype i = 0; i < sorted.size(); ++i) {
+        QVERIFY2(sorted.at(i) == bySqlite.at(i), qPrintable(QString::number(i)));
+        if (i > 0)
+            QVERIFY(!(sorted.at(i) < sorted.at(i - 1)));
+    }
+    // The integer one past 2^53 is above the real 2^53 and not equal to
+    // it, though a double cannot tell them apart: SQLite compares exactly.
+    sqlite3_stmt *statement = nullptr;
+    QCOMPARE(sqlite3_prepare_v2(db, "select 9007199254740993, 9007199254740992.0", -1, &statement, nullptr),
+             SQLITE_OK);
+    QCOMPARE(sqlite3_step(statement), SQLITE_ROW);
+    const SqliteRow row(statement);
+    QVERIFY(row.stored(1) < row.stored(0));
+    QVERIFY(!(row.stored(0) < row.stored(1)));
+    QVERIFY(row.stored(0) != row.stored(1));
+    QVERIFY(!row.holds(1, row.stored(0)));
     sqlite3_finalize(statement);
 }
 

@@ -23,6 +23,7 @@
 #include <QStringList>
 #include <QVariant>
 
+#include <algorithm>
 #include <optional>
 #include <vector>
 
@@ -171,32 +172,6 @@ const QString countCategories = QStringLiteral("SELECT COUNT(CategoryName) FROM 
 const QString countModes = QStringLiteral("SELECT COUNT(ModeName) FROM Mode;");
 const QString countItemSubstitutes = QStringLiteral("SELECT COUNT(ItemName) FROM ItemSubstitutes;");
 const QString countHistoricLocations = QStringLiteral("SELECT COUNT(LocationName) FROM HistoricLocation;");
-
-// Whether two values of one column are the same to SQLite's DISTINCT: the
-// same storage class (numbers of either kind count as one) and the same
-// value, texts byte for byte.
-bool sameStoredValue(const QVariant &a, const QVariant &b)
-{
-    if (a.isNull() || b.isNull())
-        return a.isNull() && b.isNull();
-    const auto isNumber = [](const QVariant &value) {
-        return value.typeId() == QMetaType::LongLong || value.typeId() == QMetaType::Double ||
-            value.typeId() == QMetaType::Int;
-    };
-    if (isNumber(a) || isNumber(b)) {
-        if (!isNumber(a) || !isNumber(b))
-            return false;
-        if (a.typeId() == QMetaType::Double || b.typeId() == QMetaType::Double)
-            return a.toDouble() == b.toDouble();
-        return a.toLongLong() == b.toLongLong();
-    }
-    if (a.typeId() != b.typeId())
-        return false;
-    if (a.typeId() == QMetaType::QString)
-        return a.toString() == b.toString();
-    return a.toByteArray() == b.toByteArray();
-}
-
 
 // Reads every row of an executed query; false when reading stopped on an
 // error (a locked or damaged file) before the last row.
@@ -1021,63 +996,89 @@ QList<CategorySpending *> DatabaseManager::GetSpendingPerCategory()
     // them in table order, the lowest first. Each run of equal date-times is
     // therefore kept until it ends and added in reverse, so that the sum is
     // the very float that adding up the list gives. Equal date-times are
-    // equal keys to SQLite, as to DISTINCT: each run is one date-time.
-    QList<CategorySpending *> categories;
-    QHash<QString, CategorySpending *> byName;
-    CategorySpending *category = nullptr;
-    QVariant runDateTime;
+    // equal keys to SQLite, as to DISTINCT: each run is one date-time. Rows
+    // are compared as SQLite holds them: no text is made of a row that does
+    // not start a category or a run.
+    struct Met
+    {
+        CategorySpending *category;
+        // The category's newest date-time and the lowest number at it:
+        // where the newest-first list of all entries meets the category.
+        StoredValue newest;
+        int lowestNumberAtNewest;
+    };
+    std::vector<Met> met;
+    QHash<QString, std::size_t> indexOf;
+    std::size_t current = 0;
+    bool inNewestRun = false;
+    StoredValue categoryName;
+    StoredValue runDateTime;
     std::vector<float> run;
     const auto endRun = [&] {
+        CategorySpending *category = met[current].category;
         for (auto price = run.rbegin(); price != run.rend(); ++price)
             category->Total += *price;
         run.clear();
     };
-    const bool read = reader->readRows(
-        QStringLiteral("select CategoryName,TransactDateTime,Price from EntrySpending "
-                       "order by CategoryName desc, TransactDateTime desc, SNo desc"),
-        {}, [&](const auto &row) {
-            const QString name = stringAt(row, 0);
-            const QVariant dateTime = row.value(1);
-            if (!category || name != category->CategoryName) {
-                if (category)
-                    endRun();
-                category = new CategorySpending;
-                category->CategoryName = name;
-                category->NumberOfDateTimes = 1;
-                categories.append(category);
-                byName.insert(name, category);
-                runDateTime = dateTime;
-            } else if (!sameStoredValue(runDateTime, dateTime)) {
+    const auto add = [&](const auto &row) {
+        if (met.empty() || !holdsAt(row, 0, categoryName)) {
+            if (!met.empty())
                 endRun();
-                ++category->NumberOfDateTimes;
-                runDateTime = dateTime;
+            categoryName = storedAt(row, 0);
+            runDateTime = storedAt(row, 1);
+            const QString name = stringAt(row, 0);
+            // Names that differ only in bytes that are no UTF-8 read as one
+            // text: one category, as before, met where the newer meets it.
+            const auto found = indexOf.constFind(name);
+            if (found == indexOf.constEnd()) {
+                auto *category = new CategorySpending;
+                category->CategoryName = name;
+                category->NumberOfDateTimes = 0;
+                current = met.size();
+                indexOf.insert(name, current);
+                met.push_back({ category, runDateTime, 0 });
+                inNewestRun = true;
+            } else {
+                current = *found;
+                inNewestRun = met[current].newest < runDateTime;
+                if (inNewestRun)
+                    met[current].newest = runDateTime;
             }
-            run.push_back(floatAt(row, 2));
-        });
-    if (category)
+            ++met[current].category->NumberOfDateTimes;
+        } else if (!holdsAt(row, 1, runDateTime)) {
+            endRun();
+            ++met[current].category->NumberOfDateTimes;
+            runDateTime = storedAt(row, 1);
+            inNewestRun = false;
+        }
+        // Numbers come highest first: the last one of the run is the lowest.
+        if (inNewestRun)
+            met[current].lowestNumberAtNewest = intAt(row, 3);
+        run.push_back(floatAt(row, 2));
+    };
+    const bool read = reader->readRows(QStringLiteral("select CategoryName,TransactDateTime,Price,SNo from "
+                                                      "EntrySpending order by CategoryName desc, "
+                                                      "TransactDateTime desc, SNo desc"),
+                                       {}, add);
+    if (!met.empty())
         endRun();
-
-    // In the order the names are first met newest first: by each
-    // category's newest date-time, and among equal ones by the lowest
-    // number at it (table order), as the entries sorted by date-time would
-    // meet them. A row per category, each found along the key.
-    QList<CategorySpending *> ordered;
-    std::optional<QSqlQuery> query;
-    const bool orderRead = read &&
-        statements->run(query,
-                        QStringLiteral("select CategoryName from (select CategoryName, max(TransactDateTime) as "
-                                       "Newest from EntrySpending group by CategoryName) as Category order by "
-                                       "Newest desc, (select min(SNo) from EntrySpending where CategoryName = "
-                                       "Category.CategoryName and TransactDateTime = Category.Newest)")) &&
-        readAllRows(*query, [&](const QSqlQuery &row) {
-            if (CategorySpending *found = byName.take(row.value(0).toString()))
-                ordered.append(found);
-        });
-    if (!orderRead || !byName.isEmpty()) {
-        qDeleteAll(categories);
+    if (!read) {
+        for (const Met &found : met)
+            delete found.category;
         return {};
     }
-    return ordered;
+
+    // In the order the names are first met newest first.
+    std::stable_sort(met.begin(), met.end(), [](const Met &a, const Met &b) {
+        if (a.newest != b.newest)
+            return b.newest < a.newest;
+        return a.lowestNumberAtNewest < b.lowestNumberAtNewest;
+    });
+    QList<CategorySpending *> categories;
+    categories.reserve(qsizetype(met.size()));
+    for (const Met &found : met)
+        categories.append(found.category);
+    return categories;
 }
 
 std::optional<DatabaseManager::ContentVersion> DatabaseManager::contentVersion()

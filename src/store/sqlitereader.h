@@ -14,6 +14,32 @@
 struct sqlite3;
 struct sqlite3_stmt;
 
+// A column's value as SQLite holds it, kept to compare later rows with as
+// DISTINCT and GROUP BY compare: NULL only with NULL, numbers of either
+// kind by value, texts and blobs byte for byte.
+class StoredValue
+{
+public:
+    StoredValue() = default;
+    // The value Qt's driver made of a column.
+    explicit StoredValue(const QVariant &value);
+
+    bool operator==(const StoredValue &other) const;
+    bool operator!=(const StoredValue &other) const { return !(*this == other); }
+    // Sorted as SQLite sorts a column of the BINARY collation: NULL first,
+    // then numbers by value, texts byte for byte, blobs likewise.
+    bool operator<(const StoredValue &other) const;
+
+private:
+    friend class SqliteRow;
+    enum class Kind : char { Null, Integer, Real, Text, Blob };
+
+    Kind kind = Kind::Null;
+    qint64 integer = 0;
+    double real = 0;
+    QByteArray bytes;
+};
+
 // One row of a statement run on the connection's own SQLite handle. Each
 // column becomes the QVariant that Qt's driver would have made of it, so
 // that what reads a QSqlQuery reads this alike.
@@ -30,6 +56,10 @@ public:
     float toFloat(int column) const;
     bool toBool(int column) const;
     bool isText(int column) const;
+    // The column's value, kept; and whether it equals a value kept before,
+    // without keeping it (no copy of a text made for each row).
+    StoredValue stored(int column) const;
+    bool holds(int column, const StoredValue &value) const;
 
 private:
     sqlite3_stmt *statement;
@@ -57,6 +87,22 @@ inline float floatAt(const QSqlQuery &row, int column)
 inline bool boolAt(const QSqlQuery &row, int column)
 {
     return row.value(column).toBool();
+}
+inline StoredValue storedAt(const QSqlQuery &row, int column)
+{
+    return StoredValue(row.value(column));
+}
+inline bool holdsAt(const QSqlQuery &row, int column, const StoredValue &value)
+{
+    return StoredValue(row.value(column)) == value;
+}
+inline StoredValue storedAt(const SqliteRow &row, int column)
+{
+    return row.stored(column);
+}
+inline bool holdsAt(const SqliteRow &row, int column, const StoredValue &value)
+{
+    return row.holds(column, value);
 }
 inline QString stringAt(const SqliteRow &row, int column)
 {
