@@ -7,6 +7,7 @@
 #include "entryquery.h"
 #include "migrations.h"
 #include "rawdatabase.h"
+#include "storageform.h"
 #include "sampleentries.h"
 #include "temphome.h"
 #include "testsupport.h"
@@ -225,6 +226,7 @@ private slots:
     void aListCutShortByADamagedFileIsEmpty();
     void spendingPerCategoryIsWhatEachCategorysOwnListsAddUpTo();
     void spendingPerCategoryComesInTheOrderTheNewestFirstListMeetsTheNames();
+    void datesAreFilteredAsSqliteComparesTheStoredValues();
     void theContentVersionMovesWithEveryWriteAndOnlyThen();
 
     // A file in trouble
@@ -2139,6 +2141,69 @@ void tst_DatabaseManager::spendingPerCategoryComesInTheOrderTheNewestFirstListMe
     QCOMPARE(met.constFirst(), last);
     QVERIFY(met.indexOf(first) > 0);
     QCOMPARE(namesOfSpending(), met);
+}
+
+void tst_DatabaseManager::datesAreFilteredAsSqliteComparesTheStoredValues()
+{
+    // Date-times as other programs may have stored them: numbers (the
+    // column's affinity keeps a numeric text as a number), texts of other
+    // forms, and the file's own. Whatever the store filters by, SQLite's own
+    // comparison of the column with the bounds' texts must agree.
+    auto store = startStore();
+    {
+        RawDatabase raw(home->databasePath());
+        QVERIFY(raw.isOpen());
+        const QStringList stored = { "'2026-11-15T10:00:00'", "20261115", "'20261115'", "1.5", "''",
+                                     "'2026-11-14T24:00:00'", "'2026-11-15'", "'2026-11-15T10:00:00.500'",
+                                     "'abc'", "'2026-11-16T00:00:00'", "'2026-11-14T23:59:59'" };
+        for (const QString &value : stored) {
+            QVERIFY2(raw.exec(QStringLiteral("INSERT INTO Entry (ItemName,CategoryName,CategoryID,TransactDateTime,"
+                                             "Price,LocationText,EnableGeoLoc,GeoLocID,GeoLocLongit,GeoLocLatit,"
+                                             "ItemID) VALUES ('Item','Food',1,%1,1.0,'Here','false',0,0,0,0)")
+                                  .arg(value)),
+                     qPrintable(raw.lastError()));
+        }
+    }
+    const auto numbers = [](const QList<Entry *> &entries) {
+        QList<int> sorted;
+        for (const Entry *entry : entries)
+            sorted.append(entry->SNo);
+        std::sort(sorted.begin(), sorted.end());
+        qDeleteAll(entries);
+        return sorted;
+    };
+    const auto sqliteSays = [this](const QString &condition) {
+        RawDatabase raw(home->databasePath());
+        QList<int> sorted;
+        for (const QVariantList &row : raw.rows(QStringLiteral("SELECT SNo FROM Entry WHERE ") + condition))
+            sorted.append(row.at(0).toInt());
+        std::sort(sorted.begin(), sorted.end());
+        return sorted;
+    };
+
+    const QList<QPair<QDateTime, QDateTime>> ranges = {
+        { QDateTime(QDate(2026, 11, 15), QTime(0, 0)), QDateTime(QDate(2026, 11, 15), QTime(23, 59, 59)) },
+        { QDateTime(QDate(2026, 11, 14), QTime(0, 0)), QDateTime(QDate(2026, 11, 16), QTime(0, 0)) },
+        { QDateTime(QDate(1, 1, 1), QTime(0, 0)), QDateTime(QDate(9999, 12, 31), QTime(23, 59, 59)) },
+        { QDateTime(QDate(2026, 11, 15), QTime(10, 0)), QDateTime(QDate(2026, 11, 15), QTime(10, 0)) },
+    };
+    for (const auto &[from, to] : ranges) {
+        const QString condition = QStringLiteral("TransactDateTime >= '%1' AND TransactDateTime <= '%2'")
+                                      .arg(StorageForm::dateTime(from), StorageForm::dateTime(to));
+        const QList<int> expected = sqliteSays(condition);
+        QCOMPARE(numbers(store->GetAllEntriesBetweenDates(from, to)), expected);
+        QCOMPARE(store->GetNumberOfEntriesBetweenDates(from, to), int(expected.size()));
+    }
+    // The whole range holds the six texts that begin with a year (the
+    // numeric text became a number when stored), no number, and neither
+    // the empty text nor "abc".
+    QCOMPARE(sqliteSays(QStringLiteral("TransactDateTime >= '0001-01-01T00:00:00' AND TransactDateTime <= "
+                                       "'9999-12-31T23:59:59'"))
+                 .size(),
+             6);
+    const QDateTime at(QDate(2026, 11, 15), QTime(10, 0));
+    QCOMPARE(numbers(store->GetAllEntriesOnDate(at)),
+             sqliteSays(QStringLiteral("TransactDateTime = '%1'").arg(StorageForm::dateTime(at))));
 }
 
 void tst_DatabaseManager::theContentVersionMovesWithEveryWriteAndOnlyThen()

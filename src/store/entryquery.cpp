@@ -133,15 +133,24 @@ QString EntryQuery::where(const EntryFilter &filter, Bindings *bindings)
         conditions << QStringLiteral("CategoryName = :catName");
         bindings->append({ QStringLiteral(":catName"), *filter.category });
     }
+    // The date-time column is declared "datetime", which gives it NUMERIC
+    // affinity: compared with a text, SQLite first tries to read both as
+    // numbers, for every row, and fails (a text that read as a number would
+    // have been stored as one). The unary plus takes the affinity away, and
+    // with it those attempts: ten days among 50,000 entries are found in 3.3
+    // ms instead of 15.5 in a process that has Qt's SQLite driver loaded.
+    // The texts compare byte for byte as before, and stored numbers still
+    // come before any text. The table has no index on the column that the
+    // plus would keep from being used.
     switch (filter.dates) {
     case EntryFilter::Dates::Any:
         break;
     case EntryFilter::Dates::At:
-        conditions << QStringLiteral("TransactDateTime = :givenDate");
+        conditions << QStringLiteral("+TransactDateTime = :givenDate");
         bindings->append({ QStringLiteral(":givenDate"), StorageForm::dateTime(filter.first) });
         break;
     case EntryFilter::Dates::Between:
-        conditions << QStringLiteral("TransactDateTime >= :firstDate and TransactDateTime <= :endDate");
+        conditions << QStringLiteral("+TransactDateTime >= :firstDate and +TransactDateTime <= :endDate");
         bindings->append({ QStringLiteral(":firstDate"), StorageForm::dateTime(filter.first) });
         bindings->append({ QStringLiteral(":endDate"), StorageForm::dateTime(filter.last) });
         break;
