@@ -24,6 +24,7 @@
 #include <QSqlError>
 #include <QSqlQuery>
 #include <QSqlTableModel>
+#include <QScopeGuard>
 #include <QTest>
 
 #include <algorithm>
@@ -227,6 +228,9 @@ private slots:
     void spendingPerCategoryIsWhatEachCategorysOwnListsAddUpTo();
     void spendingPerCategoryComesInTheOrderTheNewestFirstListMeetsTheNames();
     void datesAreFilteredAsSqliteComparesTheStoredValues();
+    void entryLinesAgreeWithTheRecordsWhateverTheStoredForm();
+    void entryLinesKnowTheLocalDayAcrossChangesOfOffset_data();
+    void entryLinesKnowTheLocalDayAcrossChangesOfOffset();
     void theContentVersionMovesWithEveryWriteAndOnlyThen();
 
     // A file in trouble
@@ -2044,6 +2048,9 @@ void tst_DatabaseManager::aListCutShortByADamagedFileIsEmpty()
     int visited = 0;
     QVERIFY(!store->visitEntries(EntryFilter(), [&](const Entry &) { ++visited; }));
     QVERIFY2(visited < 2000, qPrintable(QString::number(visited)));
+    int lines = 0;
+    QVERIFY(!store->visitEntryLines(EntryFilter(), [&](const EntryLine &) { ++lines; }));
+    QCOMPARE(lines, visited);
     QCOMPARE(store->GetListOfAllDistinctCategoriesOfAllEntries(), QList<QString>());
     QCOMPARE(store->GetAllDistinctDatesOfEntriesOfCategory(QStringLiteral("Food")), QList<QDateTime>());
     // The lists of the tables left whole still read.
@@ -2204,6 +2211,124 @@ void tst_DatabaseManager::datesAreFilteredAsSqliteComparesTheStoredValues()
     const QDateTime at(QDate(2026, 11, 15), QTime(10, 0));
     QCOMPARE(numbers(store->GetAllEntriesOnDate(at)),
              sqliteSays(QStringLiteral("TransactDateTime = '%1'").arg(StorageForm::dateTime(at))));
+}
+
+namespace {
+
+// Adds entries whose TransactDateTime is each of these SQL literals, in
+// this order.
+bool addEntriesStoredAs(const QString &fileName, const QStringList &literals)
+{
+    RawDatabase raw(fileName);
+    for (const QString &literal : literals) {
+        if (!raw.exec(QStringLiteral("INSERT INTO Entry (ItemName,CategoryName,CategoryID,TransactDateTime,Price,"
+                                     "LocationText,EnableGeoLoc,GeoLocID,GeoLocLongit,GeoLocLatit,ItemID) VALUES "
+                                     "('Item','Food',1,%1,1.25,'Here','false',0,0,0,0)")
+                          .arg(literal)))
+            return false;
+    }
+    return true;
+}
+
+// Each line of the list beside its record: the same rows, the same texts,
+// price and date-time, and the day of that date-time.
+void compareLinesWithRecords(DatabaseManager &store, const EntryFilter &filter)
+{
+    QList<Entry> records;
+    QVERIFY(store.visitEntries(filter, [&](const Entry &entry) { records.append(entry); }));
+    QList<EntryLine> lines;
+    QVERIFY(store.visitEntryLines(filter, [&](const EntryLine &line) { lines.append(line); }));
+    QCOMPARE(lines.size(), records.size());
+    for (qsizetype i = 0; i < lines.size(); ++i) {
+        const EntryLine &line = lines.at(i);
+        const Entry &record = records.at(i);
+        QCOMPARE(line.ItemName, record.ItemName);
+        QCOMPARE(line.CategoryName, record.CategoryName);
+        QCOMPARE(line.LocationText, record.LocationText);
+        QCOMPARE(line.Price, record.Price);
+        const QDateTime when = line.dateTime();
+        QCOMPARE(when.isValid(), record.TransactDateTime.isValid());
+        QCOMPARE(when, record.TransactDateTime);
+        QCOMPARE(when.timeSpec(), record.TransactDateTime.timeSpec());
+        QCOMPARE(when.toString(Qt::TextDate), record.TransactDateTime.toString(Qt::TextDate));
+        QCOMPARE(line.day, record.TransactDateTime.date());
+    }
+}
+
+} // namespace
+
+void tst_DatabaseManager::entryLinesAgreeWithTheRecordsWhateverTheStoredForm()
+{
+    auto store = startStore();
+    QVERIFY(addEntriesStoredAs(home->databasePath(),
+                               { "'2026-11-15T10:00:00'", "'2026-11-14T24:00:00'", "'2026-11-15T10:00:00.500'",
+                                 "'2026-11-15T10:00:00Z'", "'2026-11-15T10:00:00+05:30'", "'2026-11-15'",
+                                 "'2026-02-30T10:00:00'", "'2026-11-15T25:00:00'", "'abc'", "''", "20261115",
+                                 "1.5", "'２０２６-11-15T10:00:00'", "'2026-11-15 10:00:00'" }));
+    compareLinesWithRecords(*store, EntryFilter());
+    compareLinesWithRecords(*store, EntryFilter::ofCategory(QStringLiteral("Food")));
+    // The file's own form is kept as its date and time, any other form as
+    // the date-time it reads as.
+    QList<EntryLine> lines;
+    QVERIFY(store->visitEntryLines(EntryFilter(), [&](const EntryLine &line) { lines.append(line); }));
+    int ownForm = 0;
+    for (const EntryLine &line : std::as_const(lines)) {
+        if (line.storedDate.isValid()) {
+            ++ownForm;
+            QCOMPARE(line.storedDate, QDate(2026, 11, 15));
+            QCOMPARE(line.storedTime, QTime(10, 0));
+            QVERIFY(!line.other.isValid());
+        }
+    }
+    QCOMPARE(ownForm, 1);
+}
+
+void tst_DatabaseManager::entryLinesKnowTheLocalDayAcrossChangesOfOffset_data()
+{
+    QTest::addColumn<QByteArray>("zone");
+    QTest::addColumn<QDate>("changeDay");
+    // Summer time begins at 02:00 (Berlin), at midnight (Havana: the day's
+    // midnight does not exist), and ends at midnight (Santiago: the hour
+    // before midnight comes twice).
+    QTest::newRow("Berlin") << QByteArray("Europe/Berlin") << QDate(2026, 3, 29);
+    QTest::newRow("Havana") << QByteArray("America/Havana") << QDate(2026, 3, 8);
+    QTest::newRow("Santiago") << QByteArray("America/Santiago") << QDate(2026, 4, 5);
+    QTest::newRow("Berlin, autumn") << QByteArray("Europe/Berlin") << QDate(2026, 10, 25);
+    // Samoa moved across the date line: 30 December 2011 never began there.
+    QTest::newRow("Apia") << QByteArray("Pacific/Apia") << QDate(2011, 12, 30);
+}
+
+void tst_DatabaseManager::entryLinesKnowTheLocalDayAcrossChangesOfOffset()
+{
+    QFETCH(QByteArray, zone);
+    QFETCH(QDate, changeDay);
+    // The zones come with tzdata, which the set-up installs.
+    QVERIFY2(QFile::exists(QStringLiteral("/usr/share/zoneinfo/") + QString::fromLatin1(zone)), zone.constData());
+    const QByteArray zoneBefore = qgetenv("TZ");
+    const bool hadZone = qEnvironmentVariableIsSet("TZ");
+    qputenv("TZ", zone);
+    const auto restore = qScopeGuard([&] {
+        if (hadZone)
+            qputenv("TZ", zoneBefore);
+        else
+            qunsetenv("TZ");
+    });
+
+    // Every quarter of an hour of the day before, the day of the change and
+    // the day after, the hours around midnight and the change above all.
+    auto store = startStore();
+    QStringList literals;
+    for (int day = -1; day <= 1; ++day) {
+        for (int minutes = 0; minutes < 24 * 60; minutes += 15) {
+            const QDate date = changeDay.addDays(day);
+            literals.append(QStringLiteral("'%1T%2:%3:00'")
+                                .arg(date.toString(Qt::ISODate))
+                                .arg(minutes / 60, 2, 10, QLatin1Char('0'))
+                                .arg(minutes % 60, 2, 10, QLatin1Char('0')));
+        }
+    }
+    QVERIFY(addEntriesStoredAs(home->databasePath(), literals));
+    compareLinesWithRecords(*store, EntryFilter());
 }
 
 void tst_DatabaseManager::theContentVersionMovesWithEveryWriteAndOnlyThen()

@@ -60,6 +60,7 @@ private slots:
     void aCopyOfACellKeepsItsTextAwayFromTheTable();
     void cellsMadeAfterOthersWentReadTheirOwnRows();
     void rowsOutsideTheListHaveNoText();
+    void linesShowAsTheirRecordsWouldWhateverTheDateTime();
 };
 
 void TestEntryTableRows::eachRowShowsItsNumberNamesPriceAndDateTime()
@@ -208,6 +209,47 @@ void TestEntryTableRows::rowsOutsideTheListHaveNoText()
     QCOMPARE(rows.text(0, EntryTableRows::ColumnCount), QString());
     rows.clear();
     QVERIFY(rows.isEmpty());
+}
+
+void TestEntryTableRows::linesShowAsTheirRecordsWouldWhateverTheDateTime()
+{
+    // A date and time of the file's own form, a date-time of another zone,
+    // one at an offset, an invalid one; and a record of each.
+    EntryLine own;
+    own.ItemName = QStringLiteral("Bread");
+    own.CategoryName = QStringLiteral("Food");
+    own.LocationText = QStringLiteral("Market");
+    own.Price = 2.5f;
+    own.storedDate = QDate(2026, 11, 15);
+    own.storedTime = QTime(8, 30);
+    EntryLine utc = own;
+    utc.storedDate = QDate();
+    utc.storedTime = QTime();
+    utc.other = QDateTime(QDate(2026, 11, 15), QTime(8, 30), Qt::UTC);
+    EntryLine offset = utc;
+    offset.other = QDateTime(QDate(2026, 11, 15), QTime(8, 30), Qt::OffsetFromUTC, 5 * 3600 + 1800);
+    EntryLine invalid = utc;
+    invalid.other = QDateTime();
+
+    auto fromLines = entryTable();
+    auto fromRecords = entryTable();
+    EntryTableRows::Rows lines;
+    EntryTableRows::Rows records;
+    for (const EntryLine &line : { own, utc, offset, invalid }) {
+        lines.append(line);
+        records.append(entry(line.ItemName, line.CategoryName, line.Price, line.dateTime(), line.LocationText));
+    }
+    EntryTableRows::of(fromLines.get())->show(std::move(lines));
+    EntryTableRows::of(fromRecords.get())->show(std::move(records));
+
+    QCOMPARE(fromLines->rowCount(), 4);
+    for (int row = 0; row < 4; ++row)
+        QCOMPARE(rowTexts(*fromLines, row), rowTexts(*fromRecords, row));
+    // As the text form writes each.
+    QCOMPARE(rowTexts(*fromLines, 0).at(4), QStringLiteral("Sun Nov 15 08:30:00 2026"));
+    QCOMPARE(rowTexts(*fromLines, 1).at(4), QStringLiteral("Sun Nov 15 08:30:00 2026 GMT"));
+    QCOMPARE(rowTexts(*fromLines, 2).at(4), QStringLiteral("Sun Nov 15 08:30:00 2026 GMT+0530"));
+    QCOMPARE(rowTexts(*fromLines, 3).at(4), QString());
 }
 
 QTEST_MAIN(TestEntryTableRows)

@@ -82,9 +82,13 @@ QList<LabelledTotal> categoryTotals(const QList<Entry *> &entries)
 
 void PeriodTotals::add(const Entry &entry)
 {
-    sum += entry.Price;
+    add(entry.TransactDateTime.date(), entry.CategoryName, entry.Price);
+}
 
-    const QDate day = entry.TransactDateTime.date();
+void PeriodTotals::add(const QDate &day, const QString &category, float price)
+{
+    sum += price;
+
     if (!anyEntry) {
         openDay = { day, 0 };
         anyEntry = true;
@@ -92,12 +96,12 @@ void PeriodTotals::add(const Entry &entry)
         closedDays.append(openDay);
         openDay = { day, 0 };
     }
-    openDay.total += entry.Price;
+    openDay.total += price;
 
-    const int number = categoryNumbers.numberOf(entry.CategoryName);
+    const int number = categoryNumbers.numberOf(category);
     if (number == categories.size())
-        categories.append({ entry.CategoryName, 0 });
-    categories[number].total += entry.Price;
+        categories.append({ category, 0 });
+    categories[number].total += price;
 }
 
 QList<DayTotal> PeriodTotals::dayTotals() const

@@ -79,6 +79,8 @@ class PeriodTotals
 {
 public:
     void add(const Entry &entry);
+    // An entry of `category` on `day` (its local date-time's date).
+    void add(const QDate &day, const QString &category, float price);
 
     float sumOfPrices() const { return sum; }
     QList<DayTotal> dayTotals() const;

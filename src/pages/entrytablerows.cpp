@@ -125,14 +125,37 @@ static_assert(sizeof(EntryCell) == sizeof(QTableWidgetItem));
 
 void EntryTableRows::Rows::append(const Entry &entry)
 {
-    rows.push_back({ texts.numberOf(entry.ItemName), texts.numberOf(entry.CategoryName),
-                     texts.numberOf(entry.LocationText), entry.Price, entry.TransactDateTime });
+    const QDateTime &when = entry.TransactDateTime;
+    append(entry.ItemName, entry.CategoryName, entry.LocationText, entry.Price, when.date(), when.time(), when);
+}
+
+void EntryTableRows::Rows::append(const EntryLine &line)
+{
+    append(line.ItemName, line.CategoryName, line.LocationText, line.Price, line.storedDate, line.storedTime,
+           line.other);
+}
+
+void EntryTableRows::Rows::append(const QString &itemName, const QString &category, const QString &place,
+                                  float price, const QDate &date, const QTime &time, const QDateTime &whole)
+{
+    // Kept as date and time only where making the local date-time of them
+    // again gives this very one: a local one read from the file's own form
+    // or given as such. Any other (another zone, invalid) is kept whole.
+    const bool local = whole.isValid() ? whole.timeSpec() == Qt::LocalTime : date.isValid() && time.isValid();
+    const bool asDateAndTime = local && date.isValid() && time.isValid();
+    const int row = size();
+    if (!asDateAndTime)
+        wholeDateTimes.insert(row, whole);
+    rows.push_back({ texts.numberOf(itemName), texts.numberOf(category), texts.numberOf(place), price,
+                     asDateAndTime ? qint32(date.toJulianDay()) : KeptWhole,
+                     asDateAndTime ? time.msecsSinceStartOfDay() : KeptWhole });
 }
 
 void EntryTableRows::Rows::clear()
 {
     std::vector<Row>().swap(rows);
     texts.clear();
+    wholeDateTimes.clear();
 }
 
 void EntryTableRows::Rows::squeeze()
@@ -156,7 +179,10 @@ QString EntryTableRows::Rows::text(int row, int column) const
     case Price:
         return Format::number(double(shown.price));
     case DateTime:
-        return Format::dateTime(shown.when);
+        if (shown.day == KeptWhole)
+            return Format::dateTime(wholeDateTimes.value(row));
+        return Format::dateTime(
+            QDateTime(QDate::fromJulianDay(shown.day), QTime::fromMSecsSinceStartOfDay(shown.msecsOfDay)));
     case Place:
         return texts.text(shown.place);
     default:

@@ -3,6 +3,7 @@
 
 #pragma once
 
+#include "entryquery.h"
 #include "records.h"
 #include "textnumbers.h"
 
@@ -41,6 +42,7 @@ public:
     {
     public:
         void append(const Entry &entry);
+        void append(const EntryLine &line);
         void clear();
         // Drops what only appending needs, once no row is to come.
         void squeeze();
@@ -50,16 +52,26 @@ public:
         QString text(int row, int column) const;
 
     private:
+        // The date-time is kept as its date and time of day, a local
+        // date-time being made of them only for a cell that shows it;
+        // one that is not a local date-time of the file's own form is
+        // kept whole beside the rows.
         struct Row
         {
             int itemName;
             int category;
             int place;
             float price;
-            QDateTime when;
+            qint32 day;
+            qint32 msecsOfDay;
         };
+        static constexpr qint32 KeptWhole = -1;
+        void append(const QString &itemName, const QString &category, const QString &place, float price,
+                    const QDate &date, const QTime &time, const QDateTime &whole);
+
         std::vector<Row> rows;
         TextNumbers texts;
+        QHash<int, QDateTime> wholeDateTimes;
     };
 
     // The rows of `table`, made empty on first use.

@@ -543,10 +543,10 @@ void HistoryWidget::showPlaceOnMap(int row)
 EntryTableRows::Rows HistoryWidget::readRows(const EntryFilter &filter, HistoryBuckets::PeriodTotals *totals) const
 {
     EntryTableRows::Rows rows;
-    const bool read = dbManager->visitEntries(filter, [&](const Entry &entry) {
-        rows.append(entry);
+    const bool read = dbManager->visitEntryLines(filter, [&](const EntryLine &line) {
+        rows.append(line);
         if (totals)
-            totals->add(entry);
+            totals->add(line.day, line.CategoryName, line.Price);
     });
     // A list that failed part way is no list, as the store's lists are.
     if (!read) {

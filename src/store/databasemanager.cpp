@@ -812,6 +812,12 @@ bool DatabaseManager::visitEntries(const EntryFilter &filter, const std::functio
     return entries->visit(filter, visit);
 }
 
+bool DatabaseManager::visitEntryLines(const EntryFilter &filter,
+                                      const std::function<void(const EntryLine &)> &visit)
+{
+    return entries->visitLines(filter, visit);
+}
+
 bool DatabaseManager::entryTotals(const EntryFilter &filter, int *count, double *total)
 {
     return entries->totals(filter, count, total);

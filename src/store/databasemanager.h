@@ -42,6 +42,7 @@ class QSqlTableModel;
 // must go before it.
 class EntryQuery;
 struct EntryFilter;
+struct EntryLine;
 class SqliteReader;
 class Statements;
 class StoreConnection;
@@ -136,6 +137,9 @@ public:
     // the call only (see EntryQuery::visit): for a page that keeps a compact
     // form of ten years of entries rather than the records themselves.
     bool visitEntries(const EntryFilter &filter, const std::function<void(const Entry &)> &visit);
+    // The same rows as lines (see EntryLine): what an entry table shows and
+    // sums, without a local date-time made for every row.
+    bool visitEntryLines(const EntryFilter &filter, const std::function<void(const EntryLine &)> &visit);
     // The number of entries a filter takes and the sum of their prices.
     bool entryTotals(const EntryFilter &filter, int *count, double *total);
 

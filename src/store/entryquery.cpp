@@ -264,6 +264,58 @@ bool EntryQuery::visit(const EntryFilter &filter, const std::function<void(const
     });
 }
 
+namespace {
+
+// The stored date-time of a line: a text in the file's own form is read
+// into its date and time, anything else as the record reads it.
+void readLineDateTime(const QSqlQuery &row, EntryLine *line)
+{
+    const QVariant value = row.value(4);
+    if (value.typeId() == QMetaType::QString) {
+        const QString text = value.toString();
+        if (StorageForm::readOwnForm(QStringView(text), &line->storedDate, &line->storedTime)) {
+            line->other = QDateTime();
+            return;
+        }
+    }
+    line->storedDate = QDate();
+    line->storedTime = QTime();
+    line->other = StorageForm::readDateTime(value);
+}
+
+// The same without the text made.
+void readLineDateTime(const SqliteRow &row, EntryLine *line)
+{
+    if (row.isText(4) && StorageForm::readOwnForm(row.utf8(4), &line->storedDate, &line->storedTime)) {
+        line->other = QDateTime();
+        return;
+    }
+    line->storedDate = QDate();
+    line->storedTime = QTime();
+    line->other = dateTimeAt(row, 4);
+}
+
+} // namespace
+
+bool EntryQuery::visitLines(const EntryFilter &filter, const std::function<void(const EntryLine &)> &visit)
+{
+    Bindings bindings;
+    const QString text = statement(filter, &bindings);
+    EntryLine line;
+    return reader.readRows(text, bindings, [&](const auto &row) {
+        line.ItemName = stringAt(row, 1);
+        line.CategoryName = stringAt(row, 2);
+        line.Price = floatAt(row, 5);
+        line.LocationText = stringAt(row, 6);
+        readLineDateTime(row, &line);
+        // A local date-time keeps the date it is made of, even one that
+        // falls into a gap of the zone's offsets (Qt makes that one invalid,
+        // with that date): the stored date is the day, no date-time made.
+        line.day = line.storedDate.isValid() ? line.storedDate : line.other.date();
+        visit(std::as_const(line));
+    });
+}
+
 int EntryQuery::count(const EntryFilter &filter)
 {
     Bindings bindings;

@@ -51,6 +51,31 @@ struct EntryFilter
     EntryFilter &cheapestFirst();
 };
 
+// An entry as a table of entries and its sums read it: its texts, price and
+// stored date-time, without the rest of its record, and without a local
+// date-time made of it unless asked for. Making one costs the time zone's
+// rules for every row of ten years; a table shows a screenful of them.
+struct EntryLine
+{
+    QString ItemName;
+    QString CategoryName;
+    QString LocationText;
+    float Price = 0;
+    // The date and time of a date-time stored in the file's own form;
+    // invalid for any other, whose date-time `other` then holds.
+    QDate storedDate;
+    QTime storedTime;
+    QDateTime other;
+    // The day of the entry's local date-time, as dateTime().date() gives it.
+    QDate day;
+
+    // The date-time the entry's record holds (Entry::TransactDateTime).
+    QDateTime dateTime() const
+    {
+        return storedDate.isValid() ? QDateTime(storedDate, storedTime) : other;
+    }
+};
+
 // The one query behind every entry list and count of the store.
 class EntryQuery
 {
@@ -68,6 +93,8 @@ public:
     // as it is read rather than hold it. False when reading failed or
     // stopped before the last row; the rows visited until then were read.
     bool visit(const EntryFilter &filter, const std::function<void(const Entry &)> &visit);
+    // The same rows as lines (see EntryLine), with the same outcome.
+    bool visitLines(const EntryFilter &filter, const std::function<void(const EntryLine &)> &visit);
     int count(const EntryFilter &filter);
     // How many entries the filter takes (its window aside) and the sum of
     // their prices; false when the file cannot be read.

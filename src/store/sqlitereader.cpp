@@ -153,6 +153,14 @@ bool SqliteRow::isText(int column) const
     return sqlite3_column_type(statement, column) == SQLITE_TEXT;
 }
 
+QByteArrayView SqliteRow::utf8(int column) const
+{
+    if (sqlite3_column_type(statement, column) != SQLITE_TEXT)
+        return {};
+    const auto *text = reinterpret_cast<const char *>(sqlite3_column_text(statement, column));
+    return QByteArrayView(text, sqlite3_column_bytes(statement, column));
+}
+
 StoredValue SqliteRow::stored(int column) const
 {
     StoredValue value;

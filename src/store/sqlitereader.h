@@ -5,6 +5,7 @@
 
 #include "statements.h"
 
+#include <QByteArrayView>
 #include <QSqlError>
 #include <QSqlQuery>
 #include <QVariant>
@@ -56,6 +57,9 @@ public:
     float toFloat(int column) const;
     bool toBool(int column) const;
     bool isText(int column) const;
+    // The bytes of a text column as SQLite holds them (UTF-8), valid until
+    // the next row; empty for any other column.
+    QByteArrayView utf8(int column) const;
     // The column's value, kept; and whether it equals a value kept before,
     // without keeping it (no copy of a text made for each row).
     StoredValue stored(int column) const;

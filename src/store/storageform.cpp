@@ -33,32 +33,66 @@ QString StorageForm::dateTime(const QDateTime &when)
     return QString::fromLatin1(text, 19);
 }
 
-QDateTime StorageForm::readDateTime(const QString &text)
+namespace {
+
+char16_t unitOf(QChar c)
 {
-    // The file's own form is read digit by digit: lists of ten years of
-    // entries read one per row, and the general ISO parser costs several
-    // times more. Anything else goes to that parser, so the result is the same.
-    const auto digits = [&text](int from, int count, int *out) {
+    return c.unicode();
+}
+
+char16_t unitOf(char c)
+{
+    return char16_t(static_cast<unsigned char>(c));
+}
+
+// The file's own form, yyyy-MM-ddTHH:mm:ss, read digit by digit from
+// characters of any width.
+template<typename Text> bool readOwnFormOf(const Text &text, QDate *date, QTime *time)
+{
+    const auto at = [&text](int i) { return unitOf(text[i]); };
+    const auto digits = [&](int from, int count, int *out) {
         int number = 0;
         for (int i = from; i < from + count; ++i) {
-            const QChar c = text.at(i);
-            if (c < QLatin1Char('0') || c > QLatin1Char('9'))
+            const char16_t c = at(i);
+            if (c < u'0' || c > u'9')
                 return false;
-            number = number * 10 + (c.unicode() - '0');
+            number = number * 10 + (c - u'0');
         }
         *out = number;
         return true;
     };
     int year, month, day, hour, minute, second;
-    if (text.size() == 19 && text.at(4) == QLatin1Char('-') && text.at(7) == QLatin1Char('-') &&
-        text.at(10) == QLatin1Char('T') && text.at(13) == QLatin1Char(':') && text.at(16) == QLatin1Char(':') &&
-        digits(0, 4, &year) && digits(5, 2, &month) && digits(8, 2, &day) && digits(11, 2, &hour) &&
-        digits(14, 2, &minute) && digits(17, 2, &second)) {
-        const QDate date(year, month, day);
-        const QTime time(hour, minute, second);
-        if (date.isValid() && time.isValid())
-            return QDateTime(date, time);
-    }
+    if (text.size() != 19 || at(4) != u'-' || at(7) != u'-' || at(10) != u'T' || at(13) != u':' ||
+        at(16) != u':' || !digits(0, 4, &year) || !digits(5, 2, &month) || !digits(8, 2, &day) ||
+        !digits(11, 2, &hour) || !digits(14, 2, &minute) || !digits(17, 2, &second))
+        return false;
+    *date = QDate(year, month, day);
+    *time = QTime(hour, minute, second);
+    return date->isValid() && time->isValid();
+}
+
+} // namespace
+
+bool StorageForm::readOwnForm(QStringView text, QDate *date, QTime *time)
+{
+    return readOwnFormOf(text, date, time);
+}
+
+bool StorageForm::readOwnForm(QByteArrayView utf8, QDate *date, QTime *time)
+{
+    // A byte of a longer UTF-8 sequence is no digit and no separator.
+    return readOwnFormOf(utf8, date, time);
+}
+
+QDateTime StorageForm::readDateTime(const QString &text)
+{
+    // The file's own form is read digit by digit: lists of ten years of
+    // entries read one per row, and the general ISO parser costs several
+    // times more. Anything else goes to that parser, so the result is the same.
+    QDate date;
+    QTime time;
+    if (readOwnForm(QStringView(text), &date, &time))
+        return QDateTime(date, time);
     return QDateTime::fromString(text, Qt::ISODateWithMs);
 }
 

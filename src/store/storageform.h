@@ -3,7 +3,9 @@
 
 #pragma once
 
+#include <QByteArrayView>
 #include <QDateTime>
+#include <QStringView>
 #include <QString>
 #include <QVariant>
 
@@ -23,6 +25,12 @@ public:
     // (milliseconds, a zone, 24:00) as Qt's general parser reads it; invalid
     // when the text is no date-time at all.
     static QDateTime readDateTime(const QString &text);
+    // The date and time of a text in the file's own form, read without
+    // making a local date-time of them; false for any other text, or one
+    // that names no day or time (which readDateTime() gives to the general
+    // parser).
+    static bool readOwnForm(QStringView text, QDate *date, QTime *time);
+    static bool readOwnForm(QByteArrayView utf8, QDate *date, QTime *time);
     // A value read from a date column: as above for a text; a number there
     // is no date-time, whatever its digits say.
     static QDateTime readDateTime(const QVariant &value);
