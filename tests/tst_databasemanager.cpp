@@ -2251,7 +2251,7 @@ void compareLinesWithRecords(DatabaseManager &store, const EntryFilter &filter)
         QCOMPARE(when, record.TransactDateTime);
         QCOMPARE(when.timeSpec(), record.TransactDateTime.timeSpec());
         QCOMPARE(when.toString(Qt::TextDate), record.TransactDateTime.toString(Qt::TextDate));
-        QCOMPARE(line.day, record.TransactDateTime.date());
+        QCOMPARE(line.day(), record.TransactDateTime.date());
     }
 }
 

@@ -141,8 +141,8 @@ void EntryTableRows::Rows::append(const QString &itemName, const QString &catego
     // Kept as date and time only where making the local date-time of them
     // again gives this very one: a local one read from the file's own form
     // or given as such. Any other (another zone, invalid) is kept whole.
-    const bool local = whole.isValid() ? whole.timeSpec() == Qt::LocalTime : date.isValid() && time.isValid();
-    const bool asDateAndTime = local && date.isValid() && time.isValid();
+    const bool asDateAndTime =
+        date.isValid() && time.isValid() && (!whole.isValid() || whole.timeSpec() == Qt::LocalTime);
     const int row = size();
     if (!asDateAndTime)
         wholeDateTimes.insert(row, whole);

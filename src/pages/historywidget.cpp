@@ -546,7 +546,7 @@ EntryTableRows::Rows HistoryWidget::readRows(const EntryFilter &filter, HistoryB
     const bool read = dbManager->visitEntryLines(filter, [&](const EntryLine &line) {
         rows.append(line);
         if (totals)
-            totals->add(line.day, line.CategoryName, line.Price);
+            totals->add(line.day(), line.CategoryName, line.Price);
     });
     // A list that failed part way is no list, as the store's lists are.
     if (!read) {

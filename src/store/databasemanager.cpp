@@ -11,7 +11,6 @@
 #include "statements.h"
 #include "storageform.h"
 #include "storeconnection.h"
-#include "textnumbers.h"
 #include "transactions.h"
 
 #include <QCoreApplication>

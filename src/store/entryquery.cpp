@@ -308,10 +308,6 @@ bool EntryQuery::visitLines(const EntryFilter &filter, const std::function<void(
         line.Price = floatAt(row, 5);
         line.LocationText = stringAt(row, 6);
         readLineDateTime(row, &line);
-        // A local date-time keeps the date it is made of, even one that
-        // falls into a gap of the zone's offsets (Qt makes that one invalid,
-        // with that date): the stored date is the day, no date-time made.
-        line.day = line.storedDate.isValid() ? line.storedDate : line.other.date();
         visit(std::as_const(line));
     });
 }

@@ -66,14 +66,16 @@ struct EntryLine
     QDate storedDate;
     QTime storedTime;
     QDateTime other;
-    // The day of the entry's local date-time, as dateTime().date() gives it.
-    QDate day;
-
     // The date-time the entry's record holds (Entry::TransactDateTime).
     QDateTime dateTime() const
     {
         return storedDate.isValid() ? QDateTime(storedDate, storedTime) : other;
     }
+    // Its day, as dateTime().date() gives it, without the date-time made: a
+    // local date-time keeps the date it is made of, even one that falls
+    // into a gap of the zone's offsets (Qt makes that one invalid, with
+    // that date).
+    QDate day() const { return storedDate.isValid() ? storedDate : other.date(); }
 };
 
 // The one query behind every entry list and count of the store.

@@ -15,25 +15,6 @@ std::u16string_view keyOf(const QString &text)
 
 } // namespace
 
-TextNumbers::TextNumbers(const TextNumbers &other) : texts(other.texts)
-{
-    // The copy's keys look into the characters its own list holds (shared
-    // with the other's, and kept as long as this list holds them).
-    if (!other.numbers.empty())
-        lookUpAll();
-}
-
-TextNumbers &TextNumbers::operator=(const TextNumbers &other)
-{
-    if (this != &other) {
-        texts = other.texts;
-        numbers.clear();
-        if (!other.numbers.empty())
-            lookUpAll();
-    }
-    return *this;
-}
-
 int TextNumbers::numberOf(const QString &text)
 {
     const auto found = numbers.find(keyOf(text));
@@ -54,10 +35,4 @@ void TextNumbers::clear()
 void TextNumbers::forgetLookups()
 {
     std::unordered_map<std::u16string_view, int>().swap(numbers);
-}
-
-void TextNumbers::lookUpAll()
-{
-    for (qsizetype i = 0; i < texts.size(); ++i)
-        numbers.emplace(keyOf(texts.at(i)), int(i));
 }

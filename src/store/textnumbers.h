@@ -22,12 +22,6 @@
 class TextNumbers
 {
 public:
-    TextNumbers() = default;
-    TextNumbers(const TextNumbers &other);
-    TextNumbers &operator=(const TextNumbers &other);
-    TextNumbers(TextNumbers &&other) noexcept = default;
-    TextNumbers &operator=(TextNumbers &&other) noexcept = default;
-
     // The number of `text`, new ones added.
     int numberOf(const QString &text);
     // The text of `number`, which numberOf() gave.
@@ -41,10 +35,10 @@ public:
     void forgetLookups();
 
 private:
-    void lookUpAll();
-
     // The keys look into the texts' own characters, which stay where they
-    // are as long as the list holds the texts, however the list grows.
+    // are as long as the list holds the texts, however the list grows. A
+    // copy's keys look into the same characters, which its own list holds
+    // too (shared, and never changed), so copying is copying both.
     QStringList texts;
     std::unordered_map<std::u16string_view, int> numbers;
 };
